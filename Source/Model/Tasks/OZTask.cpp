@@ -1,0 +1,311 @@
+#include "Model/Tasks/OZTask.h"
+
+#include "Platform/Device.h"
+#include "Platform/Error.h"
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <utility>
+
+#include <fcntl.h>
+#include <fmt/core.h>
+#include <sys/wait.h>
+#include <unicode/utf8.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int firstInheritedDescriptor = 3;
+
+bool isUTF8(const std::string& bytes) {
+    const auto length = static_cast<int64_t>(bytes.size());
+    for (int64_t index = 0; index < length;) {
+        UChar32 character = 0;
+        U8_NEXT(bytes.data(), index, length, character);
+        if (character < 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// An end of a pipe, never in the place of a standard stream: the child's copies go there.
+platform::Descriptor aboveStandardStreams(int end) {
+    platform::Descriptor original(end);
+    if (end > STDERR_FILENO) {
+        return original;
+    }
+    return platform::Descriptor(::fcntl(end, F_DUPFD_CLOEXEC, firstInheritedDescriptor));
+}
+
+/// The null-terminated array of pointers that a spawn takes; lives no longer than the strings.
+std::vector<char*> pointersTo(const std::vector<std::string>& strings) {
+    std::vector<char*> pointers;
+    for (const std::string& string : strings) {
+        pointers.push_back(const_cast<char*>(string.c_str()));
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+std::vector<std::string> environmentFor(const platform::Command& command) {
+    std::vector<std::string> environment = command.environment;
+    for (char** entry = environ; !command.replacesEnvironment && *entry != nullptr; ++entry) {
+        const std::string_view variable = *entry;
+        const std::string_view start = variable.substr(0, variable.find('=') + 1);
+        bool overridden = false;
+        for (const std::string& own : command.environment) {
+            overridden = overridden || own.starts_with(start);
+        }
+        if (!overridden) {
+            environment.emplace_back(variable);
+        }
+    }
+    return environment;
+}
+
+/// A child starts with the usual handling of signals, whatever this process has made of it.
+class SpawnAttributes {
+  public:
+    SpawnAttributes() {
+        posix_spawnattr_init(&_attributes);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&_attributes, &signals);
+        sigaddset(&signals, SIGPIPE);
+        sigaddset(&signals, SIGCHLD);
+        posix_spawnattr_setsigdefault(&_attributes, &signals);
+        posix_spawnattr_setflags(&_attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    }
+    SpawnAttributes(const SpawnAttributes&) = delete;
+    SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+    ~SpawnAttributes() { posix_spawnattr_destroy(&_attributes); }
+
+    [[nodiscard]] const posix_spawnattr_t* get() const { return &_attributes; }
+
+  private:
+    posix_spawnattr_t _attributes{};
+};
+
+std::string failureText(long status) {
+    switch (status) {
+    case OZTaskStatusWaitError:
+        return "Error during waitpid.";
+    case OZTaskStatusSignaled:
+        return "Task exited after being signaled.";
+    case OZTaskStatusReadError:
+        return "Error while reading the task output.";
+    default:
+        return fmt::format("Unknown error: {}", status);
+    }
+}
+
+} // namespace
+
+/// What happens to the child's descriptors between fork and execution.
+class OZTask::FileActions {
+  public:
+    FileActions() { posix_spawn_file_actions_init(&_actions); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+    ~FileActions() { posix_spawn_file_actions_destroy(&_actions); }
+
+    void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&_actions, from, to); }
+    void close(int number) { posix_spawn_file_actions_addclose(&_actions, number); }
+    void openForWriting(int number, const char* path) {
+        posix_spawn_file_actions_addopen(&_actions, number, path, O_WRONLY, 0);
+    }
+    [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &_actions; }
+
+  private:
+    posix_spawn_file_actions_t _actions{};
+};
+
+std::shared_ptr<OZTask> OZTask::make(platform::Device& device, std::string_view launchPath,
+                                     std::vector<std::string> arguments) {
+    return std::shared_ptr<OZTask>(new OZTask(device, launchPath, std::move(arguments)));
+}
+
+OZTask::OZTask(platform::Device& device, std::string_view launchPath, std::vector<std::string> arguments)
+    : _device(device)
+    , _argv(std::move(arguments))
+    , _launchPath(launchPath) {
+    if (!launchPath.starts_with('/')) {
+        throw platform::Exception(platform::invalidArgumentException, "[OZTask: invalid launch path]");
+    }
+    _argv.insert(_argv.begin(), _launchPath.substr(_launchPath.rfind('/') + 1));
+}
+
+OZTask::~OZTask() = default;
+
+std::optional<std::string> OZTask::launchPathForExecutable(platform::Device& device, std::string_view name) {
+    for (const std::string_view directory : platform::ToolTable::searchDirectories()) {
+        std::string path = fmt::format("{}/{}", directory, name);
+        if (device.tools().isExecutable(path)) {
+            return path;
+        }
+    }
+    return std::nullopt;
+}
+
+bool OZTask::launchSyncTask(platform::Device& device, std::string_view launchPath,
+                            std::vector<std::string> arguments, bool quiet) {
+    const auto task = make(device, launchPath, std::move(arguments));
+    if (quiet) {
+        task->setStdErrAction(OZTaskStreamAction::discard);
+        task->setStdOutAction(OZTaskStreamAction::discard);
+    }
+    return task->launchSynchronously();
+}
+
+bool OZTask::launch() {
+    if (_launched) {
+        throw platform::Exception(platform::invalidArgumentException,
+                                  "[OZTask: attempted to launch or modify instance after launch]");
+    }
+    configureStreams();
+    const int result = spawn();
+    if (result != 0) {
+        terminatedWithStatus(result, true, "-[OZTask launch]");
+        return false;
+    }
+    if (_pipe) {
+        // Otherwise the reader would never see the end.
+        _pipe->writeEnd.reset();
+    }
+    _launched = true;
+    return true;
+}
+
+bool OZTask::launchSynchronously() {
+    return launch() && getOutput() && waitAndGetExitStatus();
+}
+
+bool OZTask::launchAsynchronously() {
+    if (!launch()) {
+        return false;
+    }
+    _device.highPriorityQueue().async([self = shared_from_this()] {
+        if (self->getOutput()) {
+            self->waitAndGetExitStatus();
+        }
+    });
+    return true;
+}
+
+void OZTask::configureStreams() {
+    _fileActions.reset();
+    _pipe.reset();
+    if (_stdOutAction == OZTaskStreamAction::inherit && _stdErrAction == OZTaskStreamAction::inherit) {
+        return;
+    }
+    _fileActions = std::make_unique<FileActions>();
+    if (_stdOutAction == OZTaskStreamAction::capture || _stdErrAction == OZTaskStreamAction::capture) {
+        captureStreams();
+    }
+    if (_stdOutAction == OZTaskStreamAction::discard) {
+        discardStream(STDOUT_FILENO);
+    }
+    if (_stdErrAction == OZTaskStreamAction::discard) {
+        discardStream(STDERR_FILENO);
+    }
+}
+
+void OZTask::captureStreams() {
+    std::array<int, 2> ends = {-1, -1};
+    // Without a pipe the actions name descriptor -1, and the spawn fails with that.
+    std::ignore = ::pipe2(ends.data(), O_CLOEXEC);
+    _pipe.emplace(aboveStandardStreams(ends[0]), aboveStandardStreams(ends[1]));
+    const int writeEnd = _pipe->writeEnd.get();
+    if (_stdOutAction == OZTaskStreamAction::capture) {
+        _fileActions->duplicate(writeEnd, STDOUT_FILENO);
+    }
+    if (_stdErrAction == OZTaskStreamAction::capture) {
+        _fileActions->duplicate(writeEnd, STDERR_FILENO);
+    }
+    _fileActions->close(_pipe->readEnd.get());
+    _fileActions->close(writeEnd);
+}
+
+void OZTask::discardStream(int stream) {
+    _fileActions->close(stream);
+    _fileActions->openForWriting(stream, "/dev/null");
+}
+
+int OZTask::spawn() {
+    const auto tool = _device.tools().toolAt(_launchPath);
+    if (!tool) {
+        return ENOENT;
+    }
+    const auto fileManager = _device.fileManager();
+    const platform::Command command =
+        tool->command(_argv, fileManager.rootDescriptor(), fileManager.currentDirectoryDescriptor());
+    if (!command.descriptors.empty() && !_fileActions) {
+        _fileActions = std::make_unique<FileActions>();
+    }
+    int number = firstInheritedDescriptor;
+    for (const platform::Descriptor& descriptor : command.descriptors) {
+        _fileActions->duplicate(descriptor.get(), number++);
+    }
+    const SpawnAttributes attributes;
+    const auto environment = environmentFor(command);
+    return posix_spawn(&_pid, command.path.c_str(), _fileActions ? _fileActions->get() : nullptr,
+                       attributes.get(), pointersTo(command.arguments).data(),
+                       pointersTo(environment).data());
+}
+
+bool OZTask::getOutput() {
+    if (!_pipe) {
+        return true;
+    }
+    std::string bytes;
+    std::array<char, 65536> chunk{};
+    ssize_t count = 0;
+    while ((count = ::read(_pipe->readEnd.get(), chunk.data(), chunk.size())) != 0) {
+        if (count > 0) {
+            bytes.append(chunk.data(), static_cast<size_t>(count));
+        } else if (errno != EINTR) {
+            const std::string reason = std::strerror(errno);
+            terminatedWithStatus(
+                OZTaskStatusReadError, true,
+                fmt::format("-[OZTask getOutput] [{} Reason: {}]", "NSFileHandleOperationException", reason));
+            _output = "";
+            return false;
+        }
+    }
+    if (isUTF8(bytes)) {
+        _output = std::move(bytes);
+    }
+    return true;
+}
+
+bool OZTask::waitAndGetExitStatus() {
+    int status = 0;
+    pid_t waited = -1;
+    do {
+        waited = ::waitpid(_pid, &status, 0);
+    } while (waited < 0 && errno == EINTR);
+    if (waited >= 0 && WIFEXITED(status)) {
+        terminatedWithStatus(WEXITSTATUS(status), false, std::nullopt);
+        return true;
+    }
+    terminatedWithStatus(waited < 0 ? OZTaskStatusWaitError : OZTaskStatusSignaled, true,
+                         "-[OZTask waitAndGetExitStatus]");
+    return false;
+}
+
+void OZTask::terminatedWithStatus(long status, bool error, const std::optional<std::string>& additionalInfo) {
+    if (error) {
+        const std::string start = additionalInfo ? *additionalInfo + " " : "";
+        _error = OZTaskError{.code = status, .localizedDescription = start + failureText(status)};
+        _terminationStatus = OZTaskStatusInvalid;
+    } else {
+        _terminationStatus = status;
+    }
+    _terminated = true;
+    _device.mainQueue().post([self = shared_from_this()] {
+        self->_device.notificationCenter().post(OZTaskDidTerminateNotification, self.get());
+    });
+}

@@ -1,0 +1,212 @@
+#include "Platform/ToolTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <span>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+constexpr std::array hostDirectories = {"/usr/bin", "/bin", "/usr/sbin", "/sbin"};
+
+// The queries of dpkg that it hands on to dpkg-query itself.
+constexpr std::array<std::string_view, 10> queryOptions = {
+    "-l", "--list", "-S", "--search", "-L", "--listfiles", "-s", "--status", "-p", "--print-avail",
+};
+
+// No time zone file and no locale is read, so nothing in the tree steers these; in the locale "C" names of
+// any bytes match a pattern.
+const std::vector<std::string> minimalEnvironment = {
+    "PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C", "TZ=UTC0", "HOME=/", "DEBIAN_FRONTEND=noninteractive",
+};
+
+std::string lastPathComponent(std::string_view path) {
+    return std::string(path.substr(path.rfind('/') + 1));
+}
+
+/// The absolute path without links, or none if nothing is there.
+std::optional<std::string> realPath(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? std::optional<std::string>(real.get()) : std::nullopt;
+}
+
+bool isProgram(const std::string& path) {
+    struct stat status{};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+           ::faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+/// True for what belongs to root or to this user and is open to nobody else for writing.
+bool isOurs(const std::string& path) {
+    struct stat status{};
+    return ::lstat(path.c_str(), &status) == 0 && !S_ISLNK(status.st_mode) &&
+           (status.st_uid == 0 || status.st_uid == ::geteuid()) &&
+           (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+}
+
+std::string helpersDirectory() {
+    const auto program = realPath("/proc/self/exe");
+    if (!program) {
+        return {};
+    }
+    return realPath(program->substr(0, program->rfind('/')) + "/../libexec").value_or("");
+}
+
+std::optional<std::string> hostProgram(std::string_view name) {
+    for (const char* directory : hostDirectories) {
+        const std::string path = std::string(directory) + "/" + std::string(name);
+        if (isProgram(path)) {
+            return realPath(path);
+        }
+    }
+    return std::nullopt;
+}
+
+/// Numbers below 10 are left free, since the child's copies go there.
+Descriptor duplicate(int number) {
+    return Descriptor(::fcntl(number, F_DUPFD_CLOEXEC, 10));
+}
+
+void append(std::vector<std::string>& to, std::span<const std::string> from) {
+    to.insert(to.end(), from.begin(), from.end());
+}
+
+std::vector<std::string> packageManagerOptions(const std::string& root) {
+    // The log that the host's own settings name is the host's.
+    return {"--root=" + root, "--log=/dev/null"};
+}
+
+std::vector<std::string> packageDownloaderOptions(const std::string& root) {
+    std::vector<std::string> settings = {
+        "Dir=" + root + "/",
+        "Dir::State::status=" + root + "/var/lib/dpkg/status",
+    };
+    if (const auto packageManager = hostProgram("dpkg")) {
+        settings.push_back("Dir::Bin::dpkg=" + *packageManager);
+    }
+    for (const std::string& option : packageManagerOptions(root)) {
+        settings.push_back("DPkg::Options::=" + option);
+    }
+    std::vector<std::string> options;
+    for (const std::string& setting : settings) {
+        append(options, std::array<std::string, 2>{"-o", setting});
+    }
+    return options;
+}
+
+} // namespace
+
+Command Tool::command(const std::vector<std::string>& arguments, int root, int currentDirectory) const {
+    Command command;
+    if (_kind == Kind::standIn) {
+        command.path = _program;
+        command.arguments = arguments;
+        command.environment = {"OZVARINE_DEVICE=" + _deviceDirectory};
+        return command;
+    }
+    const bool entered = _kind == Kind::entered;
+    command.path = _helpers + "/ozenter";
+    command.arguments = {"ozenter", entered ? "enter" : "guard", _program, arguments.at(0)};
+    command.environment = minimalEnvironment;
+    command.replacesEnvironment = true;
+    command.descriptors.push_back(duplicate(root));
+    if (entered) {
+        command.descriptors.push_back(duplicate(currentDirectory));
+    } else if (_kind == Kind::packageManager) {
+        append(command.arguments, packageManagerOptions(_rootDirectory));
+    } else {
+        command.environment.push_back("APT_CONFIG=" + _helpers + "/apt.conf");
+        append(command.arguments, packageDownloaderOptions(_rootDirectory));
+    }
+    append(command.arguments, std::span(arguments).subspan(1));
+    return command;
+}
+
+ToolTable::ToolTable(const std::optional<std::string>& toolsDirectory, std::string deviceDirectory,
+                     std::string rootDirectory)
+    : _deviceDirectory(std::move(deviceDirectory))
+    , _rootDirectory(std::move(rootDirectory))
+    , _helpers(helpersDirectory()) {
+    if (toolsDirectory && isOurs(*toolsDirectory)) {
+        _toolsDirectory = realPath(*toolsDirectory).value_or("");
+    }
+}
+
+const std::vector<std::string_view>& ToolTable::searchDirectories() {
+    static const std::vector<std::string_view> directories = {
+        "/bin", "/sbin", "/usr/bin", "/usr/sbin", "/usr/local/bin", "/usr/local/sbin",
+    };
+    return directories;
+}
+
+std::optional<Tool> ToolTable::toolAt(std::string_view devicePath) const {
+    if (const auto program = standInAt(devicePath)) {
+        Tool tool;
+        tool._program = *program;
+        tool._deviceDirectory = _deviceDirectory;
+        return tool;
+    }
+    return hostToolAt(devicePath);
+}
+
+std::optional<std::string> ToolTable::standInAt(std::string_view devicePath) const {
+    if (_toolsDirectory.empty() || !devicePath.starts_with('/')) {
+        return std::nullopt;
+    }
+    const auto path = realPath(_toolsDirectory + std::string(devicePath));
+    if (!path || !path->starts_with(_toolsDirectory + "/") || !isProgram(*path)) {
+        return std::nullopt;
+    }
+    // Somebody who may change one folder on the way could put their own program there.
+    for (size_t end = path->size(); end >= _toolsDirectory.size(); end = path->rfind('/', end - 1)) {
+        if (!isOurs(path->substr(0, end))) {
+            return std::nullopt;
+        }
+    }
+    return path;
+}
+
+bool ToolTable::hasStandInNamed(std::string_view name) const {
+    return std::ranges::any_of(searchDirectories(), [&](std::string_view directory) {
+        return standInAt(std::string(directory) + "/" + std::string(name)).has_value();
+    });
+}
+
+std::optional<Tool> ToolTable::hostToolAt(std::string_view devicePath) const {
+    struct HostTool {
+        std::string_view name;
+        Tool::Kind kind;
+    };
+    static constexpr std::array hostTools = {
+        HostTool{"find", Tool::Kind::entered},
+        HostTool{"sed", Tool::Kind::entered},
+        HostTool{"dpkg-query", Tool::Kind::entered},
+        HostTool{"dpkg", Tool::Kind::packageManager},
+        HostTool{"apt-get", Tool::Kind::packageDownloader},
+    };
+    const std::string name = lastPathComponent(devicePath);
+    const auto* const found = std::ranges::find(hostTools, name, &HostTool::name);
+    if (found == hostTools.end() || devicePath != "/usr/bin/" + name || hasStandInNamed(name)) {
+        return std::nullopt;
+    }
+    const auto program = hostProgram(name);
+    if (!program || _rootDirectory.empty() || !isProgram(_helpers + "/ozenter")) {
+        return std::nullopt;
+    }
+    Tool tool;
+    tool._kind = found->kind;
+    tool._program = *program;
+    tool._helpers = _helpers;
+    tool._rootDirectory = _rootDirectory;
+    return tool;
+}
+
+} // namespace platform
