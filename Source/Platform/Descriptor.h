@@ -10,8 +10,10 @@ namespace platform {
 class Descriptor {
   public:
     Descriptor() = default;
-    explicit Descriptor(int number) : _number(number) {}
-    Descriptor(Descriptor&& other) noexcept : _number(std::exchange(other._number, -1)) {}
+    explicit Descriptor(int number)
+        : _number(number) {}
+    Descriptor(Descriptor&& other) noexcept
+        : _number(std::exchange(other._number, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
         if (this != &other) {
             reset(std::exchange(other._number, -1));

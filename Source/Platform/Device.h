@@ -21,15 +21,15 @@ class Device {
     /// the directory; nothing has been touched then.
     static std::expected<std::unique_ptr<Device>, std::string> open(const std::string& directory);
 
-    /// A device over an opened root with given facts and no tools but `tools`; for those that know better than
-    /// the tree.
+    /// A device over an opened root with given facts and no tools but `tools`; for those that know better
+    /// than the tree.
     Device(FileManager fileManager, DeviceFacts facts, ToolTable tools);
     Device(const Device&) = delete;
     Device& operator=(const Device&) = delete;
     ~Device();
 
-    /// A handle on the device root. All handles of one device share its current directory; one handle serves one
-    /// thread.
+    /// A handle on the device root. All handles of one device share its current directory; one handle serves
+    /// one thread.
     [[nodiscard]] FileManager fileManager() const { return _fileManager; }
     [[nodiscard]] const DeviceFacts& facts() const { return _facts; }
     [[nodiscard]] const ToolTable& tools() const { return _tools; }

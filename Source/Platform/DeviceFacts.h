@@ -19,8 +19,8 @@ struct SystemVersion {
     double coreFoundationVersion;
 };
 
-/// The newest generation of the table that is not newer than the product version ("9.3.5" gives that of "9.3");
-/// none for a text that is no version or one older than the table.
+/// The newest generation of the table that is not newer than the product version ("9.3.5" gives that of
+/// "9.3"); none for a text that is no version or one older than the table.
 std::optional<SystemVersion> systemVersionForProductVersion(std::string_view productVersion);
 
 /// Sizes of a file system, in bytes.
@@ -47,8 +47,8 @@ struct DeviceFacts {
     /// Info dictionaries of the installed applications; none means that the tree is to be searched.
     std::optional<Array> applications;
 
-    /// Facts from the dictionary of a device folder, completed from the tree. Values of a wrong type are passed
-    /// over as if they were missing.
+    /// Facts from the dictionary of a device folder, completed from the tree. Values of a wrong type are
+    /// passed over as if they were missing.
     static DeviceFacts read(const Dictionary& dictionary, FileManager& fileManager);
 };
 

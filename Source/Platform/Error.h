@@ -25,7 +25,9 @@ inline std::unexpected<std::error_code> failure(int number) {
 /// with its text on standard error.
 class Exception : public std::runtime_error {
   public:
-    Exception(std::string name, const std::string& reason) : std::runtime_error(reason), _name(std::move(name)) {}
+    Exception(std::string name, const std::string& reason)
+        : std::runtime_error(reason)
+        , _name(std::move(name)) {}
 
     [[nodiscard]] const std::string& name() const { return _name; }
 

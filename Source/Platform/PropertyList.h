@@ -37,22 +37,37 @@ struct Uid {
 /// One value of a property list. Text is UTF-8. Integers are signed unless they need the unsigned range.
 class Value {
   public:
-    using Storage = std::variant<bool, int64_t, uint64_t, double, std::string, Data, Date, Uid, Array, Dictionary>;
+    using Storage =
+        std::variant<bool, int64_t, uint64_t, double, std::string, Data, Date, Uid, Array, Dictionary>;
 
-    Value() : _storage(Dictionary{}) {}
-    Value(bool value) : _storage(value) {}
-    Value(int value) : _storage(static_cast<int64_t>(value)) {}
-    Value(int64_t value) : _storage(value) {}
-    Value(uint64_t value) : _storage(value) {}
-    Value(double value) : _storage(value) {}
-    Value(const char* value) : _storage(std::string(value)) {}
-    Value(std::string_view value) : _storage(std::string(value)) {}
-    Value(std::string value) : _storage(std::move(value)) {}
-    Value(Data value) : _storage(std::move(value)) {}
-    Value(Date value) : _storage(value) {}
-    Value(Uid value) : _storage(value) {}
-    Value(Array value) : _storage(std::move(value)) {}
-    Value(Dictionary value) : _storage(std::move(value)) {}
+    Value()
+        : _storage(Dictionary{}) {}
+    Value(bool value)
+        : _storage(value) {}
+    Value(int value)
+        : _storage(static_cast<int64_t>(value)) {}
+    Value(int64_t value)
+        : _storage(value) {}
+    Value(uint64_t value)
+        : _storage(value) {}
+    Value(double value)
+        : _storage(value) {}
+    Value(const char* value)
+        : _storage(std::string(value)) {}
+    Value(std::string_view value)
+        : _storage(std::string(value)) {}
+    Value(std::string value)
+        : _storage(std::move(value)) {}
+    Value(Data value)
+        : _storage(std::move(value)) {}
+    Value(Date value)
+        : _storage(value) {}
+    Value(Uid value)
+        : _storage(value) {}
+    Value(Array value)
+        : _storage(std::move(value)) {}
+    Value(Dictionary value)
+        : _storage(std::move(value)) {}
 
     /// The value if it has exactly this type, otherwise null.
     template <class T>
@@ -66,7 +81,8 @@ class Value {
 
     /// True for booleans, integers and reals: whatever answers to a number's operations.
     [[nodiscard]] bool isNumber() const;
-    /// A number's value, converted as the platform does: reals are cut, negative values wrap. None for the rest.
+    /// A number's value, converted as the platform does: reals are cut, negative values wrap. None for the
+    /// rest.
     [[nodiscard]] std::optional<uint64_t> unsignedValue() const;
     [[nodiscard]] std::optional<double> doubleValue() const;
     /// A number is true when it is not 0. None for anything but a number.

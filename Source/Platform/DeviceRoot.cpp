@@ -1,0 +1,171 @@
+#include "Platform/DeviceRoot.h"
+
+#include "Platform/PathWalk.h"
+
+#include <algorithm>
+#include <atomic>
+#include <climits>
+
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <sys/syscall.h>
+
+namespace platform {
+
+namespace {
+
+constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+// Set once the kernel has said that it lacks the call or that a filter forbids it.
+std::atomic<bool> kernelCannot = false;
+
+Result<Descriptor> openWithKernel(int base, const char* path, uint64_t resolve) {
+    struct open_how how{};
+    how.flags = folderFlags;
+    how.resolve = resolve | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
+    // EAGAIN: something was renamed while ".." was looked at.
+    for (int attempt = 0;; ++attempt) {
+        const long number = ::syscall(SYS_openat2, base, path, &how, sizeof how);
+        if (number >= 0) {
+            return Descriptor(static_cast<int>(number));
+        }
+        if ((errno != EAGAIN && errno != EINTR) || attempt == 100) {
+            break;
+        }
+    }
+    if (errno == ENOSYS || errno == EPERM || errno == E2BIG) {
+        kernelCannot = true;
+        errno = ENOSYS;
+    }
+    return lastError();
+}
+
+// The longest piece of a path that ends at a component's end and that one system call takes.
+std::string_view leadingPiece(std::string_view path) {
+    if (path.size() < PATH_MAX) {
+        return path;
+    }
+    return path.substr(0, path.rfind('/', PATH_MAX - 1));
+}
+
+void skipSlashes(std::string_view& path) {
+    path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
+}
+
+std::vector<std::string> normalized(std::vector<std::string> names, std::string_view path) {
+    if (path.starts_with('/')) {
+        names.clear();
+    }
+    while (!path.empty()) {
+        const size_t end = std::min(path.find('/'), path.size());
+        const std::string_view name = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        if (name == ".." && !names.empty()) {
+            names.pop_back();
+        } else if (!name.empty() && name != "." && name != "..") {
+            names.emplace_back(name);
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+DeviceRoot::DeviceRoot(Descriptor root, PathResolution resolution)
+    : _root(std::make_shared<Folder>(std::move(root)))
+    , _current(_root)
+    , _resolution(resolution) {}
+
+Result<std::shared_ptr<DeviceRoot>> DeviceRoot::open(const std::string& hostFolder,
+                                                     PathResolution resolution) {
+    Descriptor root(::open(hostFolder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!root) {
+        return lastError();
+    }
+    return std::shared_ptr<DeviceRoot>(new DeviceRoot(std::move(root), resolution));
+}
+
+Result<void> DeviceRoot::changeCurrentDirectory(std::string_view path) {
+    auto target = follow(path);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    if (!target->leaf.empty()) {
+        return failure(ENOTDIR);
+    }
+    _current = std::make_shared<Folder>(std::move(target->folder));
+    _currentNames = std::move(target->names);
+    ++_generation;
+    return {};
+}
+
+Result<Descriptor> DeviceRoot::openFolder(std::string_view path) const {
+    if (path.empty()) {
+        return failure(ENOENT);
+    }
+    if (_resolution == PathResolution::kernel && !kernelCannot && path.size() < PATH_MAX) {
+        const bool absolute = path.starts_with('/');
+        auto folder = openWithKernel(absolute ? rootDescriptor() : _current->descriptor(),
+                                     std::string(path).c_str(), absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
+        // A link on the way, or a way out of the current directory: look closer.
+        if (folder || (folder.error().value() != ELOOP && folder.error().value() != EXDEV && !kernelCannot)) {
+            return folder;
+        }
+    }
+    auto target = PathWalk(*this, _current->descriptor(), _currentNames).follow(path);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    if (!target->leaf.empty()) {
+        return failure(ENOTDIR);
+    }
+    return std::move(target->folder);
+}
+
+Result<Descriptor> DeviceRoot::openBelow(int base, std::string_view relativePath) const {
+    Descriptor here(::openat(base, ".", folderFlags));
+    while (here && !relativePath.empty()) {
+        skipSlashes(relativePath);
+        const bool whole = _resolution == PathResolution::kernel && !kernelCannot;
+        const std::string_view piece =
+            whole ? leadingPiece(relativePath) : relativePath.substr(0, relativePath.find('/'));
+        if (piece == "..") {
+            return failure(EINVAL);
+        }
+        if (whole) {
+            auto next =
+                openWithKernel(here.get(), std::string(piece.empty() ? "." : piece).c_str(), RESOLVE_BENEATH);
+            if (!next && kernelCannot) {
+                continue;
+            }
+            if (!next) {
+                return next;
+            }
+            here = std::move(*next);
+        } else if (!piece.empty()) {
+            here.reset(::openat(here.get(), std::string(piece).c_str(), folderFlags | O_NOFOLLOW));
+        }
+        relativePath.remove_prefix(piece.size());
+    }
+    if (!here) {
+        return lastError();
+    }
+    return here;
+}
+
+Result<DeviceRoot::Target> DeviceRoot::follow(std::string_view path) const {
+    if (path.empty()) {
+        return failure(ENOENT);
+    }
+    if (_resolution == PathResolution::kernel && !kernelCannot && path.size() < PATH_MAX) {
+        const bool absolute = path.starts_with('/');
+        auto folder = openWithKernel(absolute ? rootDescriptor() : _current->descriptor(),
+                                     std::string(path).c_str(), absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
+        if (folder) {
+            return Target{std::move(*folder), normalized(_currentNames, path), {}};
+        }
+    }
+    return PathWalk(*this, _current->descriptor(), _currentNames).follow(path);
+}
+
+} // namespace platform

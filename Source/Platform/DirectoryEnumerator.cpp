@@ -1,0 +1,150 @@
+#include "Platform/DirectoryEnumerator.h"
+
+#include "Platform/DirectoryEntries.h"
+
+#include <algorithm>
+
+#include <fcntl.h>
+
+namespace platform {
+
+namespace {
+
+// Levels that keep their descriptors. Several walks go on at once, and processes may be allowed few
+// descriptors.
+constexpr size_t openLevels = 64;
+constexpr int readFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+
+} // namespace
+
+DirectoryEnumerator::DirectoryEnumerator(Descriptor folder) {
+    _levels.push_back({.descriptor = std::move(folder)});
+}
+
+std::optional<std::string_view> DirectoryEnumerator::nextObject() {
+    if (_descend) {
+        enterLastEntry();
+    }
+    while (!_levels.empty()) {
+        Level& level = _levels.back();
+        _path.resize(level.pathLength);
+        if (readNextEntry(level)) {
+            _descend = fileType() == FileType::directory;
+            return _path;
+        }
+        leaveLevel();
+    }
+    return std::nullopt;
+}
+
+FileType DirectoryEnumerator::fileType() const {
+    if (_entryType != DT_UNKNOWN) {
+        return fileTypeOfEntry(_entryType);
+    }
+    const auto attributes = fileAttributes();
+    return attributes ? attributes->type : FileType::unknown;
+}
+
+Result<FileAttributes> DirectoryEnumerator::fileAttributes() const {
+    if (_levels.empty()) {
+        return failure(ENOENT);
+    }
+    struct stat status{};
+    if (::fstatat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, &status, AT_SYMLINK_NOFOLLOW) <
+        0) {
+        return lastError();
+    }
+    return FileAttributes::from(status);
+}
+
+void DirectoryEnumerator::enterLastEntry() {
+    _descend = false;
+    Descriptor folder(::openat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, readFlags));
+    if (!folder) {
+        return;
+    }
+    Level level{
+        .descriptor = std::move(folder), .buffer = std::move(_spareBuffer), .pathLength = _path.size()};
+    _spareBuffer = {};
+    _levels.push_back(std::move(level));
+    if (_levels.size() > openLevels) {
+        giveUpDescriptor(_levels[_levels.size() - 1 - openLevels]);
+    }
+}
+
+bool DirectoryEnumerator::readNextEntry(Level& level) {
+    const auto take = [&](std::string_view name, unsigned char type) {
+        if (!_path.empty()) {
+            _path += '/';
+        }
+        _nameStart = _path.size();
+        _path += name;
+        _entryType = type;
+        return true;
+    };
+    while (level.position < level.filled || fill(level)) {
+        const auto entry = DirectoryEntry::at(level.buffer.data() + level.position);
+        level.position += entry.recordLength;
+        if (!entry.isSelfOrParent()) {
+            return take(entry.name, entry.type);
+        }
+    }
+    if (!level.rest.empty()) {
+        const auto [name, type] = std::move(level.rest.back());
+        level.rest.pop_back();
+        return take(name, type);
+    }
+    return false;
+}
+
+bool DirectoryEnumerator::fill(Level& level) const {
+    // A level that gave its descriptor up has read all it had.
+    if (!level.descriptor || level.inode != 0) {
+        return false;
+    }
+    level.buffer.resize(directoryBufferSize);
+    const ssize_t filled = ::getdents64(level.descriptor.get(), level.buffer.data(), level.buffer.size());
+    level.position = 0;
+    level.filled = filled > 0 ? static_cast<size_t>(filled) : 0;
+    return filled > 0;
+}
+
+void DirectoryEnumerator::giveUpDescriptor(Level& level) {
+    struct stat status{};
+    if (!level.descriptor || ::fstat(level.descriptor.get(), &status) < 0) {
+        return;
+    }
+    while (level.position < level.filled || fill(level)) {
+        const auto entry = DirectoryEntry::at(level.buffer.data() + level.position);
+        level.position += entry.recordLength;
+        if (!entry.isSelfOrParent()) {
+            level.rest.emplace_back(entry.name, entry.type);
+        }
+    }
+    std::reverse(level.rest.begin(), level.rest.end());
+    level.device = status.st_dev;
+    level.inode = status.st_ino;
+    level.buffer = {};
+    level.position = level.filled = 0;
+    level.descriptor.reset();
+}
+
+void DirectoryEnumerator::leaveLevel() {
+    Level left = std::move(_levels.back());
+    _levels.pop_back();
+    _spareBuffer = std::move(left.buffer);
+    if (_levels.empty() || _levels.back().descriptor) {
+        return;
+    }
+    Level& outer = _levels.back();
+    Descriptor parent(::openat(left.descriptor.get(), "..", readFlags));
+    struct stat status{};
+    if (!parent || ::fstat(parent.get(), &status) < 0 || status.st_dev != outer.device ||
+        status.st_ino != outer.inode) {
+        _levels.clear();
+        return;
+    }
+    outer.descriptor = std::move(parent);
+}
+
+} // namespace platform

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Platform/Descriptor.h"
+#include "Platform/FileAttributes.h"
+#include "Platform/Folder.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+/// Walks a folder and all below it, each folder before its content, without following links. Folders that
+/// cannot be read are given and not entered. Depth is limited by memory alone: only the innermost levels keep
+/// their descriptors; the outer ones are found again through "..", and a level that is no longer where it was
+/// ends the walk of it.
+class DirectoryEnumerator {
+  public:
+    /// `folder` must be opened for reading.
+    explicit DirectoryEnumerator(Descriptor folder);
+
+    /// The next entry's path relative to the folder, none at the end. Valid until the next call.
+    std::optional<std::string_view> nextObject();
+    /// The entry that `nextObject` gave last: its type, cheaply, and all its attributes.
+    [[nodiscard]] FileType fileType() const;
+    [[nodiscard]] Result<FileAttributes> fileAttributes() const;
+    /// Leaves out what is below the entry that `nextObject` gave last.
+    void skipDescendants() { _descend = false; }
+
+  private:
+    struct Level {
+        Descriptor descriptor;
+        std::vector<char> buffer;
+        size_t position = 0;
+        size_t filled = 0;
+        size_t pathLength = 0;
+        // Set when the descriptor was given up: where the level was, and what is left of it.
+        dev_t device = 0;
+        ino_t inode = 0;
+        std::vector<std::pair<std::string, unsigned char>> rest;
+    };
+
+    void enterLastEntry();
+    bool readNextEntry(Level& level);
+    bool fill(Level& level) const;
+    void giveUpDescriptor(Level& level);
+    void leaveLevel();
+
+    std::vector<Level> _levels;
+    std::vector<char> _spareBuffer;
+    std::string _path;
+    size_t _nameStart = 0;
+    unsigned char _entryType = 0;
+    bool _descend = false;
+};
+
+} // namespace platform

@@ -1,0 +1,460 @@
+#include "Platform/FileManager.h"
+
+#include "Platform/DeviceRoot.h"
+
+#include <atomic>
+#include <climits>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace platform {
+
+namespace {
+
+struct SplitPath {
+    std::string_view folder;
+    std::string_view name;
+};
+
+// The last component and what stands before it; "." names the folder itself.
+SplitPath split(std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/')) {
+        path.remove_suffix(1);
+    }
+    const size_t slash = path.rfind('/');
+    const SplitPath parts = slash == std::string_view::npos
+                                ? SplitPath{".", path}
+                                : SplitPath{path.substr(0, slash == 0 ? 1 : slash), path.substr(slash + 1)};
+    return parts.name.empty() || parts.name == ".." ? SplitPath{path, "."} : parts;
+}
+
+std::string joinedNames(const std::vector<std::string>& names) {
+    std::string path;
+    for (const auto& name : names) {
+        path += '/';
+        path += name;
+    }
+    return path.empty() ? "/" : path;
+}
+
+Result<FileAttributes> attributesOf(int folder, const char* name) {
+    struct stat status{};
+    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) < 0) {
+        return lastError();
+    }
+    return FileAttributes::from(status);
+}
+
+Result<void> checked(int outcome) {
+    if (outcome < 0) {
+        return lastError();
+    }
+    return {};
+}
+
+} // namespace
+
+FileManager::FileManager(std::shared_ptr<DeviceRoot> root)
+    : _root(std::move(root)) {}
+
+Result<FileManager> FileManager::atRoot(const std::string& hostFolder, PathResolution resolution) {
+    auto root = DeviceRoot::open(hostFolder, resolution);
+    if (!root) {
+        return std::unexpected(root.error());
+    }
+    return FileManager(std::move(*root));
+}
+
+Result<void> FileManager::changeCurrentDirectoryPath(std::string_view path) {
+    return _root->changeCurrentDirectory(path);
+}
+
+std::string FileManager::currentDirectoryPath() const {
+    return joinedNames(_root->currentNames());
+}
+
+int FileManager::rootDescriptor() const {
+    return _root->rootDescriptor();
+}
+
+int FileManager::currentDirectoryDescriptor() const {
+    return _root->currentFolder()->descriptor();
+}
+
+Result<Item> FileManager::itemAtPath(std::string_view path) {
+    const auto [folder, name] = split(path);
+    if (path.empty()) {
+        return failure(ENOENT);
+    }
+    if (folder == "." && name != ".") {
+        return Item(_root->currentFolder(), name);
+    }
+    auto parent = folderAtPath(folder);
+    if (!parent) {
+        return std::unexpected(parent.error());
+    }
+    return Item(std::move(*parent), name);
+}
+
+Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
+                                    std::string_view relativePath) {
+    const size_t slash = relativePath.rfind('/');
+    if (slash == std::string_view::npos) {
+        return Item(folder, relativePath);
+    }
+    const std::string_view parent = relativePath.substr(0, slash);
+    const std::string_view name = relativePath.substr(slash + 1);
+    if (_lastFolder && _lastBase == folder.get() && _lastPath == parent) {
+        return Item(_lastFolder, name);
+    }
+    auto opened = _root->openBelow(folder->descriptor(), parent);
+    if (!opened) {
+        return std::unexpected(opened.error());
+    }
+    _lastBase = folder.get();
+    _lastPath = parent;
+    _lastFolder = std::make_shared<const Folder>(std::move(*opened));
+    return Item(_lastFolder, name);
+}
+
+Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view path) {
+    if (_lastFolder && _lastBase == nullptr && _lastPath == path && _lastGeneration == _root->generation()) {
+        return _lastFolder;
+    }
+    auto opened = _root->openFolder(path);
+    if (!opened) {
+        return std::unexpected(opened.error());
+    }
+    _lastBase = nullptr;
+    _lastPath = path;
+    _lastGeneration = _root->generation();
+    _lastFolder = std::make_shared<const Folder>(std::move(*opened));
+    return _lastFolder;
+}
+
+void FileManager::forgetLastFolder() {
+    _lastFolder.reset();
+    _lastBase = nullptr;
+}
+
+Result<FileAttributes> FileManager::attributesOfItemAtPath(std::string_view path) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    return item->attributes();
+}
+
+Result<FileAttributes> FileManager::attributesOfTargetAtPath(std::string_view path) {
+    auto target = _root->follow(path);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    return attributesOf(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str());
+}
+
+bool FileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) {
+    const auto attributes = attributesOfTargetAtPath(path);
+    if (isDirectory != nullptr) {
+        *isDirectory = attributes && attributes->type == FileType::directory;
+    }
+    return attributes.has_value();
+}
+
+bool FileManager::isWritableFileAtPath(std::string_view path) {
+    auto target = _root->follow(path);
+    return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
+                                 W_OK, AT_EACCESS) == 0;
+}
+
+bool FileManager::isExecutableFileAtPath(std::string_view path) {
+    auto target = _root->follow(path);
+    return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
+                                 X_OK, AT_EACCESS) == 0;
+}
+
+Result<std::vector<std::string>> FileManager::contentsOfDirectoryAtPath(std::string_view path) {
+    auto folder = folderAtPath(path);
+    if (!folder) {
+        return std::unexpected(folder.error());
+    }
+    return (*folder)->entries();
+}
+
+std::unique_ptr<DirectoryEnumerator> FileManager::enumeratorAtPath(std::string_view path) {
+    auto folder = folderAtPath(path);
+    return folder ? Item(*folder, ".").enumerate() : nullptr;
+}
+
+Result<FileSystemAttributes> FileManager::attributesOfFileSystemForPath(std::string_view path) {
+    auto target = _root->follow(path);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    struct statvfs status{};
+    if (::fstatvfs(target->folder.get(), &status) < 0) {
+        return lastError();
+    }
+    return FileSystemAttributes{.size = uint64_t{status.f_blocks} * status.f_frsize,
+                                .free = uint64_t{status.f_bavail} * status.f_frsize};
+}
+
+Result<std::string> FileManager::destinationOfSymbolicLinkAtPath(std::string_view path) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    std::string target(PATH_MAX, '\0');
+    const ssize_t length = ::readlinkat(item->parent()->descriptor(), std::string(item->name()).c_str(),
+                                        target.data(), target.size());
+    if (length < 0) {
+        return lastError();
+    }
+    target.resize(static_cast<size_t>(length));
+    return target;
+}
+
+std::string FileManager::stringByResolvingSymlinksInPath(std::string_view path) {
+    auto target = _root->follow(path);
+    if (target) {
+        const std::string folder = joinedNames(target->names);
+        return target->leaf.empty() ? folder : joinPath(folder, target->leaf);
+    }
+    // A link to nothing leads to a name in a folder that may be there all the same.
+    auto destination = destinationOfSymbolicLinkAtPath(path);
+    if (!destination) {
+        return std::string(path);
+    }
+    return destination->starts_with('/') ? *destination : joinPath(split(path).folder, *destination);
+}
+
+Result<Descriptor> FileManager::openTarget(std::string_view path, int flags) {
+    auto target = _root->follow(path);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    if (target->leaf.empty()) {
+        return failure(EISDIR);
+    }
+    Descriptor file(
+        ::openat(target->folder.get(), target->leaf.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status{};
+    if (!file || ::fstat(file.get(), &status) < 0) {
+        return lastError();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return failure(EINVAL);
+    }
+    return file;
+}
+
+Result<FileHandle> FileManager::openForReading(std::string_view path) {
+    auto file = openTarget(path, O_RDONLY);
+    if (!file) {
+        return std::unexpected(file.error());
+    }
+    return FileHandle(std::move(*file));
+}
+
+Result<std::string> FileManager::contentsAtPath(std::string_view path, uint64_t limit) {
+    auto file = openForReading(path);
+    if (!file) {
+        return std::unexpected(file.error());
+    }
+    return file->readToEnd(limit);
+}
+
+Result<FileHandle> FileManager::openForWriting(std::string_view path) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    Descriptor file(::openat(item->parent()->descriptor(), std::string(item->name()).c_str(),
+                             O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status{};
+    if (!file || ::fstat(file.get(), &status) < 0) {
+        return lastError();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return failure(EINVAL);
+    }
+    if (status.st_nlink > 1) {
+        return failure(EMLINK);
+    }
+    return FileHandle(std::move(file));
+}
+
+Result<FileHandle> FileManager::createFileAtPath(std::string_view path, mode_t mode) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    const std::string name(item->name());
+    const int parent = item->parent()->descriptor();
+    if (::unlinkat(parent, name.c_str(), 0) < 0 && errno != ENOENT) {
+        return lastError();
+    }
+    Descriptor file(
+        ::openat(parent, name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (!file) {
+        return lastError();
+    }
+    return FileHandle(std::move(file));
+}
+
+Result<void> FileManager::writeContents(std::string_view path, std::string_view bytes) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    const int parent = item->parent()->descriptor();
+    const std::string name(item->name());
+    const auto old = item->attributes();
+    if (old && old->type != FileType::regular) {
+        return failure(EEXIST);
+    }
+    // A name of its own for each process and each write: two that save at once never meet in one file.
+    static std::atomic<unsigned> writes = 0;
+    const std::string temporary = "." + name.substr(0, 200) + "." + std::to_string(::getpid()) + "." +
+                                  std::to_string(writes++) + ".tmp";
+    Descriptor file(
+        ::openat(parent, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file) {
+        return lastError();
+    }
+    const auto written = [&]() -> Result<void> {
+        if (old && ::fchown(file.get(), old->owner, old->group) < 0) {
+            return lastError();
+        }
+        if (::fchmod(file.get(), old ? old->permissions : 0644) < 0) {
+            return lastError();
+        }
+        FileHandle handle(std::move(file));
+        if (auto done = handle.write(bytes); !done) {
+            return done;
+        }
+        if (auto done = handle.synchronize(); !done) {
+            return done;
+        }
+        return checked(::renameat(parent, temporary.c_str(), parent, name.c_str()));
+    }();
+    if (!written) {
+        ::unlinkat(parent, temporary.c_str(), 0);
+        return written;
+    }
+    // The rename itself is to survive a power cut; a file system that cannot promise it is no failure.
+    const Descriptor folder(::openat(parent, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder) {
+        std::ignore = ::fsync(folder.get());
+    }
+    return {};
+}
+
+Result<void> FileManager::removeItemAtPath(std::string_view path) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    auto removed = item->remove();
+    forgetLastFolder();
+    return removed;
+}
+
+Result<void> FileManager::moveItemAtPath(std::string_view from, std::string_view to) {
+    auto source = itemAtPath(from);
+    if (!source) {
+        return std::unexpected(source.error());
+    }
+    auto target = itemAtPath(to);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    auto moved = source->moveTo(*target);
+    forgetLastFolder();
+    return moved;
+}
+
+Result<void> FileManager::copyItemAtPath(std::string_view from, std::string_view to) {
+    auto source = itemAtPath(from);
+    if (!source) {
+        return std::unexpected(source.error());
+    }
+    auto target = itemAtPath(to);
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    return source->copyTo(*target);
+}
+
+Result<void> FileManager::createDirectoryAtPath(std::string_view path, IntermediateFolders intermediate,
+                                                mode_t mode) {
+    auto item = itemAtPath(path);
+    if (!item && item.error().value() == ENOENT && intermediate == IntermediateFolders::create) {
+        const std::string parent(split(path).folder);
+        if (auto created = createDirectoryAtPath(parent, intermediate, mode); !created) {
+            return created;
+        }
+        item = itemAtPath(path);
+    }
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    if (::mkdirat(item->parent()->descriptor(), std::string(item->name()).c_str(), mode) < 0) {
+        const int error = errno;
+        bool isDirectory = false;
+        if (error == EEXIST && intermediate == IntermediateFolders::create &&
+            fileExistsAtPath(path, &isDirectory) && isDirectory) {
+            return {};
+        }
+        return failure(error);
+    }
+    return {};
+}
+
+Result<void> FileManager::createSymbolicLinkAtPath(std::string_view path, std::string_view destination) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    return checked(::symlinkat(std::string(destination).c_str(), item->parent()->descriptor(),
+                               std::string(item->name()).c_str()));
+}
+
+Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optional<uid_t> owner,
+                                               std::optional<gid_t> group) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    return checked(::fchownat(item->parent()->descriptor(), std::string(item->name()).c_str(),
+                              owner.value_or(static_cast<uid_t>(-1)), group.value_or(static_cast<gid_t>(-1)),
+                              AT_SYMLINK_NOFOLLOW));
+}
+
+Result<void> FileManager::setPermissionsOfItemAtPath(std::string_view path, mode_t permissions) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    // fchmodat follows links; a descriptor opened without following does not.
+    const Descriptor file(::openat(item->parent()->descriptor(), std::string(item->name()).c_str(),
+                                   O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file) {
+        return lastError();
+    }
+    return checked(::fchmod(file.get(), permissions));
+}
+
+Result<void> FileManager::setModificationDateOfItemAtPath(std::string_view path, timespec modified) {
+    auto item = itemAtPath(path);
+    if (!item) {
+        return std::unexpected(item.error());
+    }
+    const timespec times[] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, modified};
+    return checked(::utimensat(item->parent()->descriptor(), std::string(item->name()).c_str(), times,
+                               AT_SYMLINK_NOFOLLOW));
+}
+
+} // namespace platform
