@@ -106,28 +106,28 @@ Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
     }
     const std::string_view parent = relativePath.substr(0, slash);
     const std::string_view name = relativePath.substr(slash + 1);
-    if (_lastFolder && _lastBase == folder.get() && _lastPath == parent) {
+    if (_lastFolder && _lastBase == folder && _lastPath == parent) {
         return Item(_lastFolder, name);
     }
     auto opened = _root->openBelow(folder->descriptor(), parent);
     if (!opened) {
         return std::unexpected(opened.error());
     }
-    _lastBase = folder.get();
+    _lastBase = folder;
     _lastPath = parent;
     _lastFolder = std::make_shared<const Folder>(std::move(*opened));
     return Item(_lastFolder, name);
 }
 
 Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view path) {
-    if (_lastFolder && _lastBase == nullptr && _lastPath == path && _lastGeneration == _root->generation()) {
+    if (_lastFolder && !_lastBase && _lastPath == path && _lastGeneration == _root->generation()) {
         return _lastFolder;
     }
     auto opened = _root->openFolder(path);
     if (!opened) {
         return std::unexpected(opened.error());
     }
-    _lastBase = nullptr;
+    _lastBase.reset();
     _lastPath = path;
     _lastGeneration = _root->generation();
     _lastFolder = std::make_shared<const Folder>(std::move(*opened));
@@ -136,7 +136,7 @@ Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view
 
 void FileManager::forgetLastFolder() {
     _lastFolder.reset();
-    _lastBase = nullptr;
+    _lastBase.reset();
 }
 
 Result<FileAttributes> FileManager::attributesOfItemAtPath(std::string_view path) {

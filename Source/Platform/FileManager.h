@@ -55,7 +55,7 @@ class FileManager {
     Result<Item> itemBelow(const std::shared_ptr<const Folder>& folder, std::string_view relativePath);
     /// Opens a folder, following links.
     Result<std::shared_ptr<const Folder>> folderAtPath(std::string_view path);
-    /// Forgets the folder that was found last. To be called when a folder has been moved or removed.
+    /// Forgets the folder that was found last. To be called when a folder has been moved.
     void forgetLastFolder();
 
     // Looking.
@@ -111,7 +111,7 @@ class FileManager {
 
     std::shared_ptr<DeviceRoot> _root;
     // The folder that the last path was in: lists of siblings are the common case.
-    const Folder* _lastBase = nullptr;
+    std::shared_ptr<const Folder> _lastBase;
     std::string _lastPath;
     std::shared_ptr<const Folder> _lastFolder;
     uint64_t _lastGeneration = 0;

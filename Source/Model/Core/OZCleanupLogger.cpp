@@ -1,0 +1,91 @@
+#include "Model/Core/OZCleanupLogger.h"
+
+#include "Model/Tasks/OZTask.h"
+#include "Platform/Device.h"
+
+#include <string>
+
+#include <fmt/format.h>
+
+namespace {
+
+// The tool ends inserted text at a line break without a backslash before it, and reads a backslash as such a mark.
+std::string escapedForSed(std::string_view text) {
+    std::string escaped;
+    for (const char character : text) {
+        if (character == '\\' || character == '\n') {
+            escaped += '\\';
+        }
+        escaped += character;
+    }
+    return escaped;
+}
+
+} // namespace
+
+OZCleanupLogger::OZCleanupLogger(platform::Device& device) : _device(device), _fileManager(device.fileManager()) {}
+
+void OZCleanupLogger::openLogFileForWriting() {
+    if (_logFileHandle) {
+        return;
+    }
+    if (_fileManager.isWritableFileAtPath(logFilePath)) {
+        if (auto file = _fileManager.openForWriting(logFilePath)) {
+            std::ignore = file->seekToEnd();
+            _logFileHandle = std::move(*file);
+            return;
+        }
+    }
+    makeLogFolder();
+    createLogFile();
+}
+
+void OZCleanupLogger::makeLogFolder() {
+    const std::string_view folder = logFilePath.substr(0, logFilePath.rfind('/'));
+    bool isDirectory = false;
+    if (!_fileManager.fileExistsAtPath(folder, &isDirectory) || !isDirectory) {
+        std::ignore = _fileManager.removeItemAtPath(folder);
+        std::ignore = _fileManager.createDirectoryAtPath(folder, platform::IntermediateFolders::create);
+    }
+}
+
+void OZCleanupLogger::createLogFile() {
+    if (auto file = _fileManager.createFileAtPath(logFilePath)) {
+        _logFileHandle = std::move(*file);
+    }
+}
+
+void OZCleanupLogger::closeLogFile() { _logFileHandle.reset(); }
+
+void OZCleanupLogger::deleteLogFile() {
+    closeLogFile();
+    std::ignore = _fileManager.removeItemAtPath(logFilePath);
+}
+
+void OZCleanupLogger::log(std::string_view text) {
+    const bool wasOpen = _logFileHandle.has_value();
+    openLogFileForWriting();
+    if (_logFileHandle) {
+        std::ignore = _logFileHandle->write(text);
+    }
+    if (!wasOpen) {
+        closeLogFile();
+    }
+}
+
+void OZCleanupLogger::logWithSpacer(std::string_view text) { log(std::string(text).append("\n\n")); }
+
+void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
+    const auto sed = OZTask::launchPathForExecutable(_device, "sed");
+    if (!sed) {
+        return;
+    }
+    const std::string escaped = escapedForSed(text);
+    std::string script = fmt::format("{}i\\\n{}", line, escaped);
+    if (line > 1) {
+        // A file that ends right before the line has no line to insert before.
+        script += fmt::format("\n{}{{\n$a\\\n{}\n}}", line - 1, escaped);
+    }
+    closeLogFile();
+    OZTask::launchSyncTask(_device, *sed, {"-i", script, std::string(logFilePath)}, true);
+}

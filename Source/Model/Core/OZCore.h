@@ -1,0 +1,167 @@
+#pragma once
+
+#include "Model/Core/CleanupAction.h"
+#include "Model/Core/OZCleanupLogger.h"
+#include "Model/Core/OnlyFiles.h"
+#include "Platform/FileManager.h"
+#include "Platform/PropertyList.h"
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+class Device;
+}
+struct CleanupStepDescription;
+class OZAppList;
+class OZLocalizationManager;
+
+/// What a run does with the items that its steps name.
+enum class OZCoreMode : unsigned long {
+    /// Items are deleted.
+    clean = 0,
+    /// Nothing changes; sizes are summed.
+    analyze = 1,
+    /// Items move to a backup name in their folder; sizes are summed.
+    test = 2,
+};
+
+/// Whether a run only looks.
+enum class Analyze : bool { no, yes };
+
+/// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling thread,
+/// and the device's current directory belongs to it. While it runs, another thread may poll `isRunning`,
+/// `cleanupStepCount` and `fileCount`.
+class OZCore : public platform::FileManager {
+  public:
+    using Paths = std::vector<std::string>;
+
+    /// The collaborators may be absent (null) and outlive the engine: steps that need them then find nothing.
+    OZCore(platform::Device& device, OZAppList* appList, OZLocalizationManager* localizationManager);
+    ~OZCore();
+
+    static constexpr std::string_view backupExtension = ".OzvarineBackup";
+
+    // Settings of the steps: a dictionary from step key to number.
+    /// The steps that this generation of the platform has, in the order of the run.
+    static std::vector<std::string_view> cleanupStepKeys(const platform::Device& device);
+    static platform::Dictionary defaultCleanupSettings(const platform::Device& device);
+    [[nodiscard]] const platform::Dictionary& cleanupSettings() const { return _cleanupSettings; }
+    /// The keys whose value is not 0, in the order of the run.
+    [[nodiscard]] std::vector<std::string_view> enabledCleanupStepKeys() const;
+    /// None for a key that is no step's.
+    [[nodiscard]] std::optional<platform::Value> numberForCleanupSetting(std::string_view key) const;
+    void setNumberForCleanupSetting(const platform::Value& number, std::string_view key);
+    void resetCleanupSettings();
+    /// Takes the numbers at known keys; everything else gets its default or falls away.
+    void setCleanupSettingsResettingInvalid(const platform::Dictionary& settings);
+
+    [[nodiscard]] bool testMode() const { return _testMode; }
+    void setTestMode(bool testMode) { _testMode = testMode; }
+    [[nodiscard]] OZCleanupLogger* cleanupLogger() const { return _cleanupLogger.get(); }
+    void setCleanupLogger(std::unique_ptr<OZCleanupLogger> logger) { _cleanupLogger = std::move(logger); }
+    /// Whether the steps print their headings; one switch for all engines of the process.
+    [[nodiscard]] bool commandLineOutputEnabled() const { return _commandLineOutputEnabled; }
+    void setCommandLineOutputEnabled(bool enabled) { _commandLineOutputEnabled = enabled; }
+
+    // A run and what it tells.
+    /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
+    void clean(const platform::Dictionary* settings, Analyze analyze);
+    [[nodiscard]] bool isRunning() const { return _isRunning; }
+    [[nodiscard]] uint64_t fileCount() const { return _fileCount; }
+    [[nodiscard]] uint64_t cleanupStepCount() const { return _cleanupStepCount; }
+    /// Bytes: what the file systems gained in a cleanup, what the items' sizes add up to in the other modes.
+    [[nodiscard]] uint64_t freedSpace() const { return _freedSpace; }
+    /// The same for people; none before the end of a run.
+    [[nodiscard]] const std::optional<std::string>& freedSpaceString() const { return _freedSpaceString; }
+    /// Back to the state before a run: counters at 0, current directory "/", log closed.
+    void resetState();
+    /// Completes the counters of a run and gives its summary; with the size when asked for it.
+    std::string processFreedSpaceAndReturnResultsString(bool withSize);
+
+    // Primitives. Steps name things and call them; only they look at the mode, count, log and act. What cannot be
+    // read is skipped without a word.
+    /// Regular files only.
+    void del(const Paths& paths);
+    void del(const platform::FoundPaths& found);
+    /// Regular files and whole folders; a folder counts as one item, and each entry below it as one more.
+    void delr(const Paths& paths);
+    void delr(const platform::FoundPaths& found);
+    /// Whatever is named, for long lists of paths known to be wanted. Counts what really went.
+    void quickDel(const Paths& paths);
+    void quickDel(const platform::FoundPaths& found);
+    /// Folders that count as one item each.
+    void quickDelLang(const Paths& paths);
+    void quickDelLang(const platform::FoundPaths& found);
+    /// A folder's direct entries; the folder stays.
+    void delFolderContents(std::string_view folder, OnlyFiles onlyFiles);
+    /// Every regular file below a folder; its folders stay, emptied.
+    void delFilesInFolderRecursive(std::string_view folder);
+    /// The same without the files whose name matches one of the patterns.
+    void delFilesExcludingPatternsRecursive(std::string_view folder, const NamePatterns& patterns);
+    /// Whether a path's last component is one of the exact matches, or begins with, contains or ends in a pattern.
+    [[nodiscard]] static bool matchDelExcludingPatterns(std::string_view path, const NamePatterns& patterns);
+    /// Direct entries whose name has all the given patterns; an absent one is not asked for.
+    void delWithPattern(std::string_view folder, std::optional<std::string_view> startPattern,
+                        std::optional<std::string_view> middlePattern, std::optional<std::string_view> endPattern,
+                        OnlyFiles onlyFiles);
+    /// Direct entries whose name has any of the patterns. End patterns are tried at the name's beginning, too.
+    void delWithPatterns(std::string_view folder, const NamePatterns& patterns, OnlyFiles onlyFiles);
+    /// Goes to a directory and logs that; false, and nothing logged, if there is none.
+    bool changeDir(std::string_view path);
+    /// Folders below a folder that hold no file at any depth.
+    void delEmptyDirs(std::string_view folder);
+    /// The paths that the device's "find" prints for these arguments, the first of which is the folder to search.
+    /// None without the tool.
+    platform::FoundPaths find(const std::vector<std::string>& arguments);
+
+  private:
+    struct Run;
+
+    void runStep(const CleanupStepDescription& step, const Run& run);
+    /// For whoever sits at a terminal; nothing unless command-line output is enabled.
+    void print(std::string_view text) const;
+    void log(std::string_view text);
+    void perform(std::span<const CleanupAction> actions);
+    void performInDirectory(const CleanupGroup& group);
+
+    // The sections of a run, by the steps' keys.
+    void cleanOTAUpdates();
+    void cleanTempFiles();
+
+    // What the primitives do with one item. The path is the item's as it was named, for the log.
+    void delItem(const platform::Item& item, std::string_view path);
+    void delrItem(const platform::Item& item, std::string_view path);
+    void quickDelItem(const platform::Item& item, std::string_view path);
+    void quickDelLangItem(const platform::Result<platform::Item>& item, std::string_view path);
+    void countEntriesBelow(const platform::Item& folder, std::string_view path);
+    [[nodiscard]] platform::Result<void> moveToBackup(const platform::Item& item, std::string_view path,
+                                                      platform::FileType type);
+    void delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
+                         const std::function<bool(std::string_view name)>& isWanted);
+    void count(std::string_view path);
+    void addSize(uint64_t bytes);
+
+    platform::Device& _device;
+
+    OZCoreMode _mode = OZCoreMode::clean;
+    std::atomic<uint64_t> _fileCount = 0;
+    std::atomic<uint64_t> _freedSpace = 0;
+    std::atomic<bool> _isRunning = false;
+    OZAppList* _appList;
+    OZLocalizationManager* _localizationManager;
+    platform::Dictionary _cleanupSettings;
+    bool _testMode = false;
+    std::unique_ptr<OZCleanupLogger> _cleanupLogger;
+    std::atomic<uint64_t> _cleanupStepCount = 0;
+    std::optional<std::string> _freedSpaceString;
+
+    static inline bool _commandLineOutputEnabled = false;
+};

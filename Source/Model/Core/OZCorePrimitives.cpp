@@ -1,0 +1,294 @@
+#include "Model/Core/OZCore.h"
+
+#include "Model/Tasks/OZTask.h"
+#include "Platform/Device.h"
+
+#include <algorithm>
+#include <functional>
+
+using platform::FileType;
+using platform::FoundPaths;
+using platform::Item;
+
+namespace {
+
+template <class Match>
+bool anyOf(std::span<const std::string_view> patterns, Match match) {
+    return std::ranges::any_of(patterns, match);
+}
+
+bool endsInBackupExtension(std::string_view path) { return path.ends_with(OZCore::backupExtension); }
+
+// Applies one primitive's work to every item that can be found, with the text that names it.
+template <class Work>
+void forEachItem(platform::FileManager& fileManager, const OZCore::Paths& paths, Work work) {
+    for (const auto& path : paths) {
+        work(fileManager.itemAtPath(path), path);
+    }
+}
+
+template <class Work>
+void forEachItem(platform::FileManager& fileManager, const FoundPaths& found, Work work) {
+    std::string path = found.prefix;
+    for (const auto& name : found.names) {
+        path.replace(found.prefix.size(), std::string::npos, name);
+        work(fileManager.itemBelow(found.folder, name), path);
+    }
+}
+
+template <class Work>
+auto whereFound(Work work) {
+    return [work](const platform::Result<Item>& item, std::string_view path) {
+        if (item) {
+            work(*item, path);
+        }
+    };
+}
+
+} // namespace
+
+void OZCore::del(const Paths& paths) {
+    forEachItem(*this, paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+}
+
+void OZCore::del(const FoundPaths& found) {
+    forEachItem(*this, found, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+}
+
+void OZCore::delr(const Paths& paths) {
+    forEachItem(*this, paths, whereFound([&](const Item& item, auto path) { delrItem(item, path); }));
+}
+
+void OZCore::delr(const FoundPaths& found) {
+    forEachItem(*this, found, whereFound([&](const Item& item, auto path) { delrItem(item, path); }));
+}
+
+void OZCore::quickDel(const Paths& paths) {
+    forEachItem(*this, paths, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+}
+
+void OZCore::quickDel(const FoundPaths& found) {
+    forEachItem(*this, found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+}
+
+void OZCore::quickDelLang(const Paths& paths) {
+    forEachItem(*this, paths, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+}
+
+void OZCore::quickDelLang(const FoundPaths& found) {
+    forEachItem(*this, found, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+}
+
+void OZCore::delItem(const Item& item, std::string_view path) {
+    const auto attributes = item.attributes();
+    if (!attributes || attributes->type != FileType::regular) {
+        return;
+    }
+    count(path);
+    if (_mode == OZCoreMode::clean) {
+        std::ignore = item.remove();
+        return;
+    }
+    addSize(attributes->size);
+    std::ignore = moveToBackup(item, path, attributes->type);
+}
+
+void OZCore::delrItem(const Item& item, std::string_view path) {
+    const auto attributes = item.attributes();
+    if (!attributes || (attributes->type != FileType::regular && attributes->type != FileType::directory)) {
+        return;
+    }
+    count(path);
+    if (attributes->type == FileType::directory) {
+        countEntriesBelow(item, path);
+    } else if (_mode != OZCoreMode::clean) {
+        addSize(attributes->size);
+    }
+    if (_mode == OZCoreMode::clean) {
+        std::ignore = item.remove();
+        return;
+    }
+    std::ignore = moveToBackup(item, path, attributes->type);
+}
+
+void OZCore::countEntriesBelow(const Item& folder, std::string_view path) {
+    const auto enumerator = folder.enumerate();
+    if (!enumerator) {
+        return;
+    }
+    std::string entryPath = platform::pathPrefix(path);
+    const size_t prefixLength = entryPath.size();
+    while (const auto entry = enumerator->nextObject()) {
+        entryPath.replace(prefixLength, std::string::npos, *entry);
+        count(entryPath);
+        if (_mode != OZCoreMode::clean) {
+            const auto attributes = enumerator->fileAttributes();
+            addSize(attributes ? attributes->size : 0);
+        }
+    }
+}
+
+void OZCore::quickDelItem(const Item& item, std::string_view path) {
+    if (_mode == OZCoreMode::clean) {
+        if (item.remove()) {
+            count(path);
+        }
+        return;
+    }
+    const auto attributes = item.attributes();
+    if (!attributes) {
+        return;
+    }
+    addSize(attributes->size);
+    if (moveToBackup(item, path, attributes->type)) {
+        count(path);
+    }
+}
+
+void OZCore::quickDelLangItem(const platform::Result<Item>& item, std::string_view path) {
+    if (_mode == OZCoreMode::clean) {
+        if (item && item->remove()) {
+            count(path);
+        }
+        return;
+    }
+    if (const auto enumerator = item ? item->enumerate() : nullptr) {
+        while (enumerator->nextObject()) {
+            const auto attributes = enumerator->fileAttributes();
+            addSize(attributes ? attributes->size : 0);
+        }
+    }
+    // An analysis takes the caller's word for it that the folder is there.
+    if (_mode == OZCoreMode::analyze || (item && moveToBackup(*item, path, FileType::directory))) {
+        count(path);
+    }
+}
+
+// Nothing to do, and no error, outside of the test mode and for what is a backup already.
+platform::Result<void> OZCore::moveToBackup(const Item& item, std::string_view path, FileType type) {
+    if (_mode != OZCoreMode::test || endsInBackupExtension(path)) {
+        return {};
+    }
+    const std::string backupName = std::string(item.name()).append(backupExtension);
+    std::ignore = Item(item.parent(), backupName).remove();
+    auto moved = item.rename(backupName);
+    if (type != FileType::regular) {
+        forgetLastFolder();
+    }
+    return moved;
+}
+
+void OZCore::count(std::string_view path) {
+    ++_fileCount;
+    if (_cleanupLogger) {
+        _cleanupLogger->logWithSpacer(path);
+    }
+}
+
+void OZCore::addSize(uint64_t bytes) { _freedSpace += bytes; }
+
+void OZCore::delFolderContents(std::string_view folder, OnlyFiles onlyFiles) {
+    delWithPattern(folder, std::nullopt, std::nullopt, std::nullopt, onlyFiles);
+}
+
+void OZCore::delFilesInFolderRecursive(std::string_view folder) { delFilesExcludingPatternsRecursive(folder, {}); }
+
+void OZCore::delFilesExcludingPatternsRecursive(std::string_view folder, const NamePatterns& patterns) {
+    auto opened = folderAtPath(folder);
+    const auto enumerator = opened ? Item(*opened, ".").enumerate() : nullptr;
+    if (!enumerator) {
+        return;
+    }
+    FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = {}};
+    while (const auto entry = enumerator->nextObject()) {
+        if (enumerator->fileType() == FileType::regular && !matchDelExcludingPatterns(*entry, patterns)) {
+            found.names.emplace_back(*entry);
+        }
+    }
+    del(found);
+}
+
+bool OZCore::matchDelExcludingPatterns(std::string_view path, const NamePatterns& patterns) {
+    const std::string_view name = platform::lastPathComponent(path);
+    return anyOf(patterns.exactMatches, [&](auto exact) { return name == exact; }) ||
+           anyOf(patterns.startPatterns, [&](auto start) { return name.starts_with(start); }) ||
+           anyOf(patterns.middlePatterns, [&](auto middle) { return name.contains(middle); }) ||
+           anyOf(patterns.endPatterns, [&](auto end) { return name.ends_with(end); });
+}
+
+void OZCore::delWithPattern(std::string_view folder, std::optional<std::string_view> startPattern,
+                            std::optional<std::string_view> middlePattern,
+                            std::optional<std::string_view> endPattern, OnlyFiles onlyFiles) {
+    delEntriesWhere(folder, onlyFiles, [&](std::string_view name) {
+        return (!startPattern || name.starts_with(*startPattern)) &&
+               (!middlePattern || name.contains(*middlePattern)) && (!endPattern || name.ends_with(*endPattern));
+    });
+}
+
+void OZCore::delWithPatterns(std::string_view folder, const NamePatterns& patterns, OnlyFiles onlyFiles) {
+    delEntriesWhere(folder, onlyFiles, [&](std::string_view name) {
+        return anyOf(patterns.startPatterns, [&](auto start) { return name.starts_with(start); }) ||
+               anyOf(patterns.middlePatterns, [&](auto middle) { return name.contains(middle); }) ||
+               anyOf(patterns.endPatterns, [&](auto end) { return name.starts_with(end); });
+    });
+}
+
+void OZCore::delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
+                             const std::function<bool(std::string_view name)>& isWanted) {
+    auto opened = folderAtPath(folder);
+    if (!opened) {
+        return;
+    }
+    auto names = (*opened)->entries();
+    if (!names) {
+        return;
+    }
+    std::erase_if(*names, [&](const std::string& name) { return !isWanted(name); });
+    const FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = std::move(*names)};
+    if (onlyFiles == OnlyFiles::yes) {
+        del(found);
+    } else {
+        delr(found);
+    }
+}
+
+bool OZCore::changeDir(std::string_view path) {
+    if (!changeCurrentDirectoryPath(path)) {
+        return false;
+    }
+    log(std::string("\n##\nIn dir: ").append(path).append("\n##\n\n"));
+    return true;
+}
+
+void OZCore::delEmptyDirs(std::string_view folder) {
+    auto opened = folderAtPath(folder);
+    const auto enumerator = opened ? Item(*opened, ".").enumerate() : nullptr;
+    if (!enumerator) {
+        return;
+    }
+    struct Directory {
+        std::string path;
+        bool holdsFile = false;
+    };
+    std::vector<Directory> directories;
+    // The folders that the walk is in, from the outermost in.
+    std::vector<size_t> open;
+    while (const auto entry = enumerator->nextObject()) {
+        while (!open.empty() && !entry->starts_with(platform::pathPrefix(directories[open.back()].path))) {
+            open.pop_back();
+        }
+        if (enumerator->fileType() == FileType::directory) {
+            open.push_back(directories.size());
+            directories.push_back({std::string(*entry)});
+        } else {
+            std::ranges::for_each(open, [&](size_t index) { directories[index].holdsFile = true; });
+        }
+    }
+    FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = {}};
+    for (auto& directory : directories) {
+        if (!directory.holdsFile) {
+            found.names.push_back(std::move(directory.path));
+        }
+    }
+    delr(found);
+}
