@@ -12,7 +12,7 @@
 #include <fcntl.h>
 #include <fmt/core.h>
 #include <sys/wait.h>
-#include <unicode/utf8.h>
+#include <unicode/ustring.h>
 #include <unistd.h>
 
 namespace {
@@ -20,15 +20,10 @@ namespace {
 constexpr int firstInheritedDescriptor = 3;
 
 bool isUTF8(const std::string& bytes) {
-    const auto length = static_cast<int64_t>(bytes.size());
-    for (int64_t index = 0; index < length;) {
-        UChar32 character = 0;
-        U8_NEXT(bytes.data(), index, length, character);
-        if (character < 0) {
-            return false;
-        }
-    }
-    return true;
+    UErrorCode error = U_ZERO_ERROR;
+    // Measures alone: that there is no room for the text is what it says of valid bytes.
+    u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
+    return error != U_INVALID_CHAR_FOUND;
 }
 
 /// An end of a pipe, never in the place of a standard stream: the child's copies go there.
