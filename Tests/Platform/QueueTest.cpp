@@ -1,5 +1,6 @@
 #include "Platform/Queue.h"
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <optional>

@@ -109,6 +109,7 @@ class OZTask::FileActions {
 
     void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&_actions, from, to); }
     void close(int number) { posix_spawn_file_actions_addclose(&_actions, number); }
+    void closeFrom(int number) { posix_spawn_file_actions_addclosefrom_np(&_actions, number); }
     void openForWriting(int number, const char* path) {
         posix_spawn_file_actions_addopen(&_actions, number, path, O_WRONLY, 0);
     }
@@ -237,18 +238,19 @@ int OZTask::spawn() {
     const auto fileManager = _device.fileManager();
     const platform::Command command =
         tool->command(_argv, fileManager.rootDescriptor(), fileManager.currentDirectoryDescriptor());
-    if (!command.descriptors.empty() && !_fileActions) {
+    if (!_fileActions) {
         _fileActions = std::make_unique<FileActions>();
     }
     int number = firstInheritedDescriptor;
     for (const platform::Descriptor& descriptor : command.descriptors) {
         _fileActions->duplicate(descriptor.get(), number++);
     }
+    // Not all descriptors of this process are its own: it may have inherited some itself.
+    _fileActions->closeFrom(number);
     const SpawnAttributes attributes;
     const auto environment = environmentFor(command);
-    return posix_spawn(&_pid, command.path.c_str(), _fileActions ? _fileActions->get() : nullptr,
-                       attributes.get(), pointersTo(command.arguments).data(),
-                       pointersTo(environment).data());
+    return posix_spawn(&_pid, command.path.c_str(), _fileActions->get(), attributes.get(),
+                       pointersTo(command.arguments).data(), pointersTo(environment).data());
 }
 
 bool OZTask::getOutput() {
