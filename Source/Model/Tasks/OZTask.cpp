@@ -274,6 +274,8 @@ bool OZTask::getOutput() {
     }
     if (isUTF8(bytes)) {
         _output = std::move(bytes);
+    } else {
+        _undecodableBytes = std::move(bytes);
     }
     return true;
 }
