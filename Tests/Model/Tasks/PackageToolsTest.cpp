@@ -108,6 +108,9 @@ TEST_F(PackageTools, QueriesReadTheDevicesDatabaseWithPlainNames) {
     EXPECT_EQ(output("/usr/bin/dpkg", {"-S", "/Library/com.one", "/Library"}),
               "com.one: /Library/com.one\ncom.two, com.one: /Library\n");
     EXPECT_NE(output("/usr/bin/dpkg", {"-l"}).find("\nii  com.one "), std::string::npos);
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-S", "/Library/com.two"}), "com.two: /Library/com.two\n");
+    EXPECT_NE(output("/usr/bin/dpkg", {"-s", "com.one"}).find("Architecture: iphoneos-arm\n"),
+              std::string::npos);
     EXPECT_EQ(run("/usr/bin/dpkg", {"-S", "/none"})->terminationStatus(), 1);
 }
 
