@@ -255,6 +255,9 @@ void keepPackagesWithScripts(const std::string& program, std::vector<std::string
 }
 
 [[noreturn]] void guardAndExecute(const std::string& program, std::vector<std::string> arguments) {
+    if (::fcntl(rootDescriptor, F_GETFD) < 0) {
+        fail("no device root was passed");
+    }
     if (isBelowProgramFolders(rootDescriptor)) {
         refuse("the device's tree lies among the host's own programs; move it elsewhere");
     }

@@ -8,6 +8,8 @@
 #include <iterator>
 
 #include <gtest/gtest.h>
+#include <linux/landlock.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -28,6 +30,10 @@ class PackageTools : public testing::Test {
     void SetUp() override {
         if (::geteuid() != 0) {
             GTEST_SKIP() << "needs root, or a user namespace that maps it";
+        }
+        if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1) {
+            GTEST_SKIP()
+                << "needs a kernel with Landlock; without it the package tools refuse to change anything";
         }
         for (const char* folder :
              {"/var/lib/dpkg/info", "/var/lib/dpkg/updates", "/var/cache/apt/archives/partial",
