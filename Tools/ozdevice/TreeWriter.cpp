@@ -37,6 +37,16 @@ std::pair<std::string, std::string> splitLast(std::string_view path) {
     return {physical.substr(0, slash), physical.substr(slash + 1)};
 }
 
+/// Some age up to five months for a folder that nobody gave one.
+int64_t ageByName(std::string_view path) {
+    constexpr uint32_t fiveMonths = 150 * 24 * 3600;
+    uint32_t hash = 2166136261;
+    for (const char character : path) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 16777619;
+    }
+    return hash % fiveMonths;
+}
+
 void writeAll(int file, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = ::write(file, content.data(), content.size());
@@ -85,7 +95,7 @@ const Descriptor& TreeWriter::openFolder(const std::string& physical) {
         const std::string name = physical.substr(start, end - start);
         const std::string soFar = physical.substr(0, end);
         if (::mkdirat(folder.get(), name.c_str(), 0755) == 0) {
-            _folderAges.emplace(soFar, 0);
+            _folderAges.emplace(soFar, ageByName(soFar));
         } else if (errno != EEXIST) {
             fail(soFar);
         }
