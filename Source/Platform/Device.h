@@ -5,6 +5,7 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Queue.h"
 #include "Platform/ToolTable.h"
+#include "Platform/Volumes.h"
 
 #include <expected>
 #include <functional>
@@ -33,6 +34,7 @@ class Device {
     [[nodiscard]] FileManager fileManager() const { return _fileManager; }
     [[nodiscard]] const DeviceFacts& facts() const { return _facts; }
     [[nodiscard]] const ToolTable& tools() const { return _tools; }
+    [[nodiscard]] const Volumes& volumes() const { return _volumes; }
 
     [[nodiscard]] MainQueue& mainQueue() { return _mainQueue; }
     /// Concurrent queues for work beside the main thread.
@@ -48,6 +50,7 @@ class Device {
     FileManager _fileManager;
     DeviceFacts _facts;
     ToolTable _tools;
+    Volumes _volumes;
     NotificationCenter _notificationCenter;
     MainQueue _mainQueue;
     std::function<void(double)> _sleep;

@@ -99,6 +99,9 @@ class OZTask : public std::enable_shared_from_this<OZTask> {
     [[nodiscard]] const std::optional<OZTaskError>& error() const { return _error; }
     /// The captured text; absent until read, without a captured stream, and where the bytes are not UTF-8.
     [[nodiscard]] const std::optional<std::string>& output() const { return _output; }
+    /// The captured bytes, whether they are UTF-8 or not; empty where nothing was read. Valid as long as the
+    /// task.
+    [[nodiscard]] std::string_view outputBytes() const { return _output ? *_output : _undecodableBytes; }
 
     [[nodiscard]] OZTaskStreamAction stdErrAction() const { return _stdErrAction; }
     [[nodiscard]] OZTaskStreamAction stdOutAction() const { return _stdOutAction; }
@@ -129,6 +132,7 @@ class OZTask : public std::enable_shared_from_this<OZTask> {
     std::atomic<bool> _terminated = false;
     std::optional<OZTaskError> _error;
     std::optional<std::string> _output;
+    std::string _undecodableBytes;
     OZTaskStreamAction _stdErrAction = OZTaskStreamAction::inherit;
     OZTaskStreamAction _stdOutAction = OZTaskStreamAction::inherit;
     long _terminationStatus = OZTaskStatusInvalid;

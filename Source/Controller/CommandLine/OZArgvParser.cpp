@@ -1,0 +1,96 @@
+#include "Controller/CommandLine/OZArgvParser.h"
+
+#include "Model/Builder/OZModelBuilder.h"
+#include "Model/Core/CleanupSteps.h"
+#include "Model/Services/OZStdIO.h"
+#include "Model/Tasks/OZDeviceActions.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <utility>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace {
+
+// Some switches stay out of it on purpose: they are for scripts, not for people.
+constexpr const char* usageFormat =
+    "{0}: illegal option {1}\n"
+    "usage: {0} [-clean [-respring | -autorespring] | -cli | -respring | -restore-togglable-items]\n";
+
+constexpr std::array<std::pair<std::string_view, OZCleanAction>, 3> cleanActions{{
+    {"-respring", OZCleanAction::respring},
+    {"-autorespring", OZCleanAction::autoRespring},
+    {"-printresults", OZCleanAction::printResults},
+}};
+
+OZCleanAction cleanActionFor(std::span<const std::string> vector) {
+    if (vector.size() < 3) {
+        return OZCleanAction::plain;
+    }
+    const auto* found =
+        std::ranges::find(cleanActions, vector[2], &std::pair<std::string_view, OZCleanAction>::first);
+    return found == cleanActions.end() ? OZCleanAction::plain : found->second;
+}
+
+} // namespace
+
+std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string> vector) {
+    if (vector.size() < 2) {
+        return std::nullopt;
+    }
+    const std::string& option = vector[1];
+    if (option == "-clean") {
+        return cleanWithAction(cleanActionFor(vector)) ? 0 : 1;
+    }
+    if (option == "-respring") {
+        respring();
+        return 0;
+    }
+    fmt::print(stderr, fmt::runtime(usageFormat), vector[0], option);
+    return 1;
+}
+
+bool OZArgvParser::isInputInteractive() {
+    return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool OZArgvParser::cleanWithAction(OZCleanAction action) {
+    OZCore& core = _modelBuilder.core();
+    core.clean(nullptr, _analyze);
+    switch (action) {
+    case OZCleanAction::plain:
+        break;
+    case OZCleanAction::respring:
+        respring();
+        break;
+    case OZCleanAction::printResults:
+        OZStdIO::printf(fmt::format("success=true\nfreed={}\ndeleted={}\nshouldrespring={}\n",
+                                    core.freedSpaceString().value_or(""), core.fileCount(),
+                                    shouldRespring()));
+        break;
+    case OZCleanAction::autoRespring:
+        if (shouldRespring()) {
+            respring();
+        }
+        break;
+    }
+    return true;
+}
+
+// What was enabled decides, not what was found.
+bool OZArgvParser::shouldRespring() const {
+    const auto isEnabled = [&](std::string_view key) {
+        const auto number = _modelBuilder.core().numberForCleanupSetting(key);
+        return number && number->boolValue().value_or(false);
+    };
+    return isEnabled(cleanupstep::cacheFiles) || isEnabled(cleanupstep::tempFiles);
+}
+
+void OZArgvParser::respring() {
+    if (_analyze == Analyze::no) {
+        _modelBuilder.deviceActions().rebuildUICacheAndRespring();
+    }
+}

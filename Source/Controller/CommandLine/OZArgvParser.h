@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Model/Core/OZCore.h"
+
+#include <optional>
+#include <span>
+#include <string>
+
+class OZModelBuilder;
+
+/// What follows a cleanup that a switch has asked for.
+enum class OZCleanAction : unsigned {
+    plain = 0,
+    /// Prints the result record.
+    printResults = 1,
+    /// Restarts the home screen if the step for caches or the one for temporary files was enabled.
+    autoRespring = 2,
+    respring = 3,
+};
+
+/// Turns the process into a one-shot tool when it is given a switch.
+class OZArgvParser {
+  public:
+    /// With `Analyze::yes` a cleanup is an analysis and restarts nothing.
+    OZArgvParser(OZModelBuilder& modelBuilder, Analyze analyze)
+        : _modelBuilder(modelBuilder)
+        , _analyze(analyze) {}
+
+    /// Does what the vector's first switch asks for and gives the process's exit status; none without a
+    /// switch.
+    std::optional<int> parseArgumentVector(std::span<const std::string> vector);
+
+    /// Whether a person sits at standard input.
+    [[nodiscard]] static bool isInputInteractive();
+    /// Runs one cleanup; whether it ran.
+    bool cleanWithAction(OZCleanAction action);
+
+  private:
+    [[nodiscard]] bool shouldRespring() const;
+    void respring();
+
+    OZModelBuilder& _modelBuilder;
+    Analyze _analyze;
+};

@@ -1,0 +1,76 @@
+#include "Launch/Entry.h"
+
+#include "Controller/CommandLine/OZArgvParser.h"
+#include "Launch/JailbreakLibrary.h"
+#include "Launch/LauncherOptions.h"
+#include "Launch/OZApplication.h"
+#include "Launch/UserNamespace.h"
+#include "Model/Builder/OZModelBuilder.h"
+#include "Model/Services/OZStdIO.h"
+#include "Platform/Device.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace {
+
+int fail(const std::string& message) {
+    fmt::print(stderr, "ozvarine: {}\n", message);
+    return 1;
+}
+
+bool gainRoot() {
+    if (::setuid(0) == 0 && ::setgid(0) == 0) {
+        return true;
+    }
+    std::fputs("Failed to gain root privileges, aborting...\n", stderr);
+    return false;
+}
+
+int runOnDevice(platform::Device& device, const LauncherOptions& options) {
+    const double version = device.facts().foundationVersion;
+    if (!OZApplication::ensureCorrectExecutable(version)) {
+        return 1;
+    }
+    fixSetuidOnNewerPlatforms(version, callDeviceLibrary);
+    if (!gainRoot()) {
+        return 1;
+    }
+    OZModelBuilder modelBuilder(device);
+    OZArgvParser parser(modelBuilder, options.dryRun);
+    if (const auto status = parser.parseArgumentVector(options.vector)) {
+        return *status;
+    }
+    return fail("the graphical front end is not installed; ozvarine --help lists the switches");
+}
+
+} // namespace
+
+int runProgram(const std::vector<std::string>& arguments) {
+    const auto options = LauncherOptions::parse(arguments, std::getenv("OZVARINE_DEVICE"));
+    if (!options) {
+        return fail(options.error());
+    }
+    if (options->request != LauncherOptions::Request::run) {
+        OZStdIO::printf(options->request == LauncherOptions::Request::help ? LauncherOptions::help()
+                                                                           : LauncherOptions::version());
+        return 0;
+    }
+    if (!options->device) {
+        return fail("no device given; name one with --device DIR or OZVARINE_DEVICE");
+    }
+    enterUserNamespaceUnlessRoot();
+    const auto device = platform::Device::open(*options->device);
+    if (!device) {
+        return fail(device.error());
+    }
+    if ((*device)->facts().foundationVersion == 0) {
+        return fail(fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
+                                "System/Library/CoreServices/SystemVersion.plist; is it a device's tree?",
+                                *options->device));
+    }
+    return runOnDevice(**device, *options);
+}

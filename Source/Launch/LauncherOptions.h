@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Model/Core/OZCore.h"
+
+#include <expected>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The options that the launcher takes from the front of the vector, before the program's own switches.
+struct LauncherOptions {
+    enum class Request { run, help, version };
+
+    Request request = Request::run;
+    /// The directory of the device; none if neither the option nor the environment names one.
+    std::optional<std::string> device;
+    /// Makes a cleanup an analysis.
+    Analyze dryRun = Analyze::no;
+    /// The vector as the rest of the program sees it: entry 0, then what follows the launcher's options.
+    std::vector<std::string> vector;
+
+    /// The error is one line that says what is wrong and what to do. `environmentDevice` stands in for a
+    /// missing option; null or empty means none.
+    static std::expected<LauncherOptions, std::string> parse(const std::vector<std::string>& arguments,
+                                                             const char* environmentDevice);
+    static std::string help();
+    static std::string version();
+};

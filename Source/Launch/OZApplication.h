@@ -1,0 +1,28 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+/// The fixed places of the installed program on a device, and which of its executables serves which
+/// generation of the platform.
+class OZApplication {
+  public:
+    OZApplication() = delete;
+
+    static constexpr std::string_view bundlePath = "/Applications/Ozvarine.app";
+    static constexpr std::string_view cliLauncherPath = "/usr/bin/ozvarine";
+    static constexpr std::string_view libPath = "/Library/MobileSubstrate/DynamicLibraries/OzvarineLib.dylib";
+    static constexpr std::string_view dataDirPath = "/var/mobile/Library/Ozvarine";
+    static constexpr std::string_view launcherName = "Ozvarine";
+    /// From the oldest generation to the newest.
+    static constexpr std::array<std::string_view, 4> allExecutableNames = {"iOS4_Ozvarine", "iOS6_Ozvarine",
+                                                                           "iOS7_Ozvarine", "iOS8_Ozvarine"};
+
+    static std::string_view executableName(double foundationVersion);
+    static std::string executablePath(double foundationVersion);
+    static std::string launcherPath();
+    /// Whether this very executable, the newest, is the one for the version; says so on standard error if
+    /// not.
+    [[nodiscard]] static bool ensureCorrectExecutable(double foundationVersion);
+};

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "Platform/PropertyList.h"
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+enum class OZAppType : unsigned {
+    /// Installed by the system or by a package under "/Applications".
+    system = 0,
+    /// Installed in containers of its own.
+    user = 1,
+};
+
+/// One installed application. Nothing of it changes but the cached icon check, which may come from any thread.
+class OZApp {
+  public:
+    using Containers = std::map<std::string, std::string>;
+
+    /// None unless the dictionary has the path of the bundle, the executable and the identifier, and for a user
+    /// application the data container.
+    static std::shared_ptr<const OZApp> make(OZAppType type, const platform::Dictionary& infoDictionary);
+
+    [[nodiscard]] OZAppType type() const { return _type; }
+    [[nodiscard]] const std::string& identifier() const { return _identifier; }
+    [[nodiscard]] const std::string& displayName() const { return _displayName; }
+    [[nodiscard]] const std::string& executableFileName() const { return _executableFileName; }
+    [[nodiscard]] const std::string& bundlePath() const { return _bundlePath; }
+    /// The directory that holds the bundle; system applications may have none.
+    [[nodiscard]] const std::optional<std::string>& bundleContainer() const { return _bundleContainer; }
+    /// System applications may have none.
+    [[nodiscard]] const std::optional<std::string>& dataContainer() const { return _dataContainer; }
+    /// By group identifier and by plug-in identifier; empty where there are none.
+    [[nodiscard]] const Containers& groupDataContainers() const { return _groupDataContainers; }
+    [[nodiscard]] const Containers& pluginDataContainers() const { return _pluginDataContainers; }
+
+  private:
+    OZApp() = default;
+
+    friend class OZAppList;
+    enum class IconState : uint8_t { unchecked, invalid, valid };
+
+    OZAppType _type = OZAppType::system;
+    std::string _identifier;
+    std::string _displayName;
+    std::string _executableFileName;
+    std::string _bundlePath;
+    std::optional<std::string> _bundleContainer;
+    std::optional<std::string> _dataContainer;
+    Containers _groupDataContainers;
+    Containers _pluginDataContainers;
+    mutable std::atomic<IconState> _iconState = IconState::unchecked;
+};

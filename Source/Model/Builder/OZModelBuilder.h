@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+namespace platform {
+class Device;
+}
+class OZCleanupLogger;
+class OZCore;
+class OZDeviceActions;
+
+/// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
+/// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
+/// used on the main thread.
+class OZModelBuilder {
+  public:
+    /// The device outlives the builder.
+    explicit OZModelBuilder(platform::Device& device);
+    OZModelBuilder(const OZModelBuilder&) = delete;
+    OZModelBuilder& operator=(const OZModelBuilder&) = delete;
+    ~OZModelBuilder();
+
+    [[nodiscard]] platform::Device& device() const { return _device; }
+
+    OZCore& core();
+    OZDeviceActions& deviceActions();
+    [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
+
+  private:
+    platform::Device& _device;
+    std::unique_ptr<OZCore> _core;
+    std::unique_ptr<OZDeviceActions> _deviceActions;
+};
