@@ -3,6 +3,7 @@
 #include "Platform/PropertyList.h"
 #include "TemporaryDevice.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include <fmt/format.h>
@@ -27,13 +28,16 @@ struct ExpectedGeneration {
     bool hasBatteryContainer;
 };
 
+void PrintTo(const ExpectedGeneration& generation, std::ostream* stream) {
+    *stream << generation.version;
+}
+
 class GenerationTest : public testing::TestWithParam<ExpectedGeneration> {};
 
 INSTANTIATE_TEST_SUITE_P(
     Versions, GenerationTest,
     testing::Values(
         ExpectedGeneration{"4", "4.3.3", 751.49, "var/mobile/Applications", "madrid_attachment", false},
-        ExpectedGeneration{"5.1", "5.1", 890.10, "var/mobile/Applications", "madrid_attachment", false},
         ExpectedGeneration{"6.0", "6.0", 992.00, "var/mobile/Applications", "attachment", false},
         ExpectedGeneration{"7.1.2", "7.1.2", 1047.25, "var/mobile/Applications", "attachment", false},
         ExpectedGeneration{"8", "8.4.1", 1144.17, "var/mobile/Containers/Bundle/Application", "attachment",
@@ -44,8 +48,8 @@ INSTANTIATE_TEST_SUITE_P(
                            true},
         ExpectedGeneration{"11.1.2", "11.1.2", 1445.32, "var/containers/Bundle/Application", "attachment",
                            true}),
-    [](const auto& info) {
-        std::string name = info.param.version;
+    [](const auto& row) {
+        std::string name = row.param.version;
         std::ranges::replace(name, '.', '_');
         return "iOS" + name;
     });
@@ -69,10 +73,12 @@ TEST_P(GenerationTest, HasItsFactsItsLayoutAndItsDatabases) {
                           device.root().string(), GetParam().attachmentTable));
     EXPECT_EQ(rows.output, "6\n");
     const auto packages = shell(fmt::format("dpkg --root='{}' -l", device.root().string()));
-    EXPECT_THAT(packages.output,
-                AllOf(HasSubstr("\nrc  org.hillside.removed"), HasSubstr("\nii  mobilesubstrate")));
-    const auto audit = shell(fmt::format("dpkg --root='{}' --audit", device.root().string()));
-    EXPECT_EQ(audit.output, "");
+    EXPECT_THAT(packages.output, HasSubstr("\nrc  org.hillside.removed"));
+    const auto states =
+        shell(fmt::format("dpkg-query --admindir='{}/var/lib/dpkg' -W -f '${{db:Status-Abbrev}}\\n'"
+                          " | sort -u",
+                          device.root().string()));
+    EXPECT_EQ(states.output, "ii \nrc \n");
     EXPECT_EQ(fs::exists(device.root() / "var/containers/Shared/SystemGroup"),
               GetParam().hasBatteryContainer);
 }
@@ -134,19 +140,10 @@ TEST(DeviceFolder, NothingIsWrittenOutside) {
     EXPECT_EQ(count(device.path()), 6U);
 }
 
-TEST(DeviceFolder, OldBatteryArchivesLieWhereASearchFindsThem) {
-    const TemporaryDevice device;
-    const auto found =
-        shell(fmt::format("find '{}/private/var/containers/Shared/SystemGroup' -mindepth 5 -maxdepth 5 -path "
-                          "'*/Library/BatteryLife/Archives/*' -mtime +7 -type f -printf '%f\\n' | sort",
-                          device.root().string()));
-    EXPECT_EQ(found.output, "powerlog_old_1.PLSQL.gz\npowerlog_old_2.PLSQL.gz\n");
-}
-
 TEST(DeviceFolder, PackagesOwnTheirAddOnsAndOneIsNeededByNobody) {
     const TemporaryDevice device({.junkFileCount = 0, .packageArchitecture = "all"});
     const std::string root = device.root();
-    const auto owner = shell(fmt::format("dpkg --root='{}' -S {1}/StatusDots.dylib {1}/LooseEnd.dylib", root,
+    const auto owner = shell(fmt::format("dpkg --root='{0}' -S {1}/StatusDots.dylib {1}/LooseEnd.dylib", root,
                                          "/Library/MobileSubstrate/DynamicLibraries"));
     EXPECT_THAT(owner.output, HasSubstr("org.hillside.statusdots: /Library/"));
     EXPECT_THAT(owner.output,

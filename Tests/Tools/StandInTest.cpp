@@ -1,6 +1,9 @@
+#include "DeviceBuild.h"
 #include "DeviceFiles.h"
+#include "StandInTools.h"
 #include "TemporaryDevice.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include <fmt/format.h>
@@ -15,16 +18,34 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
+/// No more of a device than the tools look at.
 class StandIn : public testing::Test {
   protected:
-    CommandResult run(const std::string& commandLine) {
-        return shell(
-            fmt::format("OZVARINE_DEVICE='{0}' '{0}/Tools'/{1}", device.path().string(), commandLine));
+    StandIn() {
+        fs::create_directory(root());
+        std::ofstream(path() / factsFileName) << "facts";
+        installStandInTools(path() / toolsFolderName);
+        TreeWriter tree(root());
+        DeviceBuild build(tree, Generation::make("11").value(), {});
+        const LaunchServices services = addDaemons(build);
+        const auto files = DeviceFiles::open(path());
+        files->setLaunchServices(services);
+        files->setProcesses(usualProcesses());
     }
 
-    std::vector<std::string> processes() { return DeviceFiles::open(device.path())->processes(); }
+    CommandResult run(const std::string& commandLine) {
+        return shell(fmt::format("OZVARINE_DEVICE='{0}' '{0}/Tools'/{1}", path().string(), commandLine));
+    }
 
-    TemporaryDevice device;
+    [[nodiscard]] const fs::path& path() const { return _folder.path(); }
+    [[nodiscard]] fs::path root() const { return path() / rootFolderName; }
+    [[nodiscard]] std::string journal() const { return readFile(path() / journalFileName); }
+    [[nodiscard]] std::vector<std::string> processes() const {
+        return DeviceFiles::open(path())->processes();
+    }
+
+  private:
+    TemporaryFolder _folder;
 };
 
 TEST_F(StandIn, KillallEndsProcessesExceptBySignalOne) {
@@ -35,10 +56,10 @@ TEST_F(StandIn, KillallEndsProcessesExceptBySignalOne) {
     EXPECT_EQ(run("usr/bin/killall -9 SpringBoard").status, 1);
     EXPECT_EQ(run("usr/bin/killall backboardd").status, 0);
     EXPECT_THAT(processes(), Not(Contains("backboardd")));
-    EXPECT_EQ(device.journal(), "killall -1 SpringBoard\n"
-                                "killall -9 Nobody SpringBoard\n"
-                                "killall -9 SpringBoard\n"
-                                "killall backboardd\n");
+    EXPECT_EQ(journal(), "killall -1 SpringBoard\n"
+                         "killall -9 Nobody SpringBoard\n"
+                         "killall -9 SpringBoard\n"
+                         "killall backboardd\n");
 }
 
 TEST_F(StandIn, LaunchctlKeepsOverrides) {
@@ -73,11 +94,11 @@ TEST_F(StandIn, LaunchctlStopsAndStartsWhatItKnows) {
 
 TEST_F(StandIn, SuRunsTheDevicesToolsOnly) {
     EXPECT_EQ(run("bin/su -c uicache mobile").status, 0);
-    EXPECT_EQ(device.journal(), "su -c uicache mobile\nuicache\n");
+    EXPECT_EQ(journal(), "su -c uicache mobile\nuicache\n");
 
     // A host's program must stay out of reach, by whatever path.
-    fs::create_symlink("/bin/echo", device.path() / "Tools/usr/bin/echo");
-    fs::create_directory_symlink("/bin", device.path() / "Tools/host");
+    fs::create_symlink("/bin/echo", path() / "Tools/usr/bin/echo");
+    fs::create_directory_symlink("/bin", path() / "Tools/host");
     for (const char* const command :
          {"ls", "/bin/ls", "../../bin/ls", "/../../../../bin/ls", "echo", "/host/ls"}) {
         EXPECT_EQ(run(fmt::format("bin/su -c '{} /' mobile", command)).status, 127) << command;
@@ -86,17 +107,17 @@ TEST_F(StandIn, SuRunsTheDevicesToolsOnly) {
 
 TEST_F(StandIn, JournalLinesStayWhole) {
     run("usr/bin/killall \"$(printf 'two\\nlines')\" \"it's\"");
-    EXPECT_EQ(device.journal(), "killall 'two?lines' 'it'\\''s'\n");
+    EXPECT_EQ(journal(), "killall 'two?lines' 'it'\\''s'\n");
 
     shell(fmt::format("for n in $(seq 40); do OZVARINE_DEVICE='{0}' '{0}/Tools/sbin/reboot' & done; wait",
-                      device.path().string()));
-    const std::string journal = device.journal();
-    EXPECT_EQ(std::ranges::count(journal, '\n'), 41);
-    EXPECT_EQ(journal.size(), std::string("killall 'two?lines' 'it'\\''s'\n").size() + 40 * sizeof "reboot");
+                      path().string()));
+    const std::string lines = journal();
+    EXPECT_EQ(std::ranges::count(lines, '\n'), 41);
+    EXPECT_EQ(lines.size(), std::string("killall 'two?lines' 'it'\\''s'\n").size() + 40 * sizeof "reboot");
 }
 
 TEST_F(StandIn, NeedsADeviceFolder) {
-    const std::string tool = device.path() / "Tools/sbin/reboot";
+    const std::string tool = path() / "Tools/sbin/reboot";
     const TemporaryFolder empty;
     EXPECT_NE(shell(fmt::format("env -u OZVARINE_DEVICE '{}'", tool)).status, 0);
     EXPECT_NE(shell(fmt::format("OZVARINE_DEVICE='{}' '{}'", empty.path().string(), tool)).status, 0);
@@ -105,8 +126,8 @@ TEST_F(StandIn, NeedsADeviceFolder) {
     // Where a link stands in place of the device's own files, what it leads to is left alone.
     const fs::path victim = empty.path() / "victim";
     std::ofstream(victim) << "kept";
-    fs::remove(device.path() / "Journal.log");
-    fs::create_symlink(victim, device.path() / "Journal.log");
+    fs::remove(path() / "Journal.log");
+    fs::create_symlink(victim, path() / "Journal.log");
     run("sbin/reboot");
     EXPECT_EQ(readFile(victim), "kept");
 }

@@ -31,10 +31,6 @@ TemporaryDevice::TemporaryDevice(const DeviceOptions& options) {
     }
 }
 
-std::string TemporaryDevice::journal() const {
-    return readFile(path() / "Journal.log");
-}
-
 CommandResult shell(const std::string& commandLine) {
     CommandResult result;
     FILE* const stream = ::popen((commandLine + " 2>&1").c_str(), "r");

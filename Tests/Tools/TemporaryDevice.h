@@ -29,7 +29,6 @@ class TemporaryDevice {
 
     [[nodiscard]] std::filesystem::path path() const { return _folder.path() / "device"; }
     [[nodiscard]] std::filesystem::path root() const { return path() / "Root"; }
-    [[nodiscard]] std::string journal() const;
 
   private:
     TemporaryFolder _folder;
