@@ -48,7 +48,9 @@ TEST(Cleanup, TestModeRenamesAndAnalysisChangesNothing) {
     // The files below "logs" are met by the first row as part of it and by the second row on their own.
     EXPECT_EQ(engine.core->fileCount(), 10);
     engine.clean({cleanupstep::tempFiles}, OZCoreMode::test);
-    EXPECT_EQ(engine.core->fileCount(), 8);
+    // Here the second row meets them under the first row's backup names: one is moved within the moved folder, one
+    // is a backup itself and only counted.
+    EXPECT_EQ(engine.core->fileCount(), 10);
     EXPECT_TRUE(engine.exists("/var/tmp/zz.OzvarineBackup"));
     EXPECT_TRUE(engine.exists("/var/tmp/logs.OzvarineBackup/deep/x.OzvarineBackup"));
     EXPECT_THAT(engine.log(), StartsWith("###################\n# PROCESSED FILES #\n###################\n\nDate: "));

@@ -80,8 +80,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"quickDelLang tests", OZCoreMode::test,
              [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 4, true,
              false}),
-    [](const auto& info) {
-        std::string name = info.param.name;
+    [](const auto& row) {
+        std::string name = row.param.name;
         std::ranges::replace(name, ' ', '_');
         return name;
     });
