@@ -20,6 +20,7 @@ namespace platform {
 class Device;
 }
 struct CleanupStepDescription;
+class OZApp;
 class OZAppList;
 class OZLocalizationManager;
 
@@ -122,6 +123,10 @@ class OZCore : public platform::FileManager {
     /// None without the tool.
     platform::FoundPaths find(const std::vector<std::string>& arguments);
 
+    /// The folders of the attachments that the message database knows, relative to the user's home, one for each
+    /// attachment. None if the database cannot be read as a whole; an empty list means that it knows none.
+    std::optional<Paths> attachmentPathsFromSMSDatabase();
+
   private:
     struct Run;
 
@@ -129,12 +134,33 @@ class OZCore : public platform::FileManager {
     /// For whoever sits at a terminal; nothing unless command-line output is enabled.
     void print(std::string_view text) const;
     void log(std::string_view text);
+    void printAndLog(std::string_view text);
     void perform(std::span<const CleanupAction> actions);
     void performInDirectory(const CleanupGroup& group);
 
-    // The sections of a run, by the steps' keys.
-    void cleanOTAUpdates();
-    void cleanTempFiles();
+    // The sections of a run, in its order.
+    void cleanAttachments(const Run& run);
+    void cleanSafari(const Run& run);
+    void cleanApplications(const Run& run);
+    void cleanOTAUpdates(const Run& run);
+    void cleanBatteryData(const Run& run);
+    void cleanCydia(const Run& run);
+    void cleanCydiaSources(const Run& run);
+    void cleanDependencies(const Run& run);
+    void cleanLogFiles(const Run& run);
+    void cleanCacheFiles(const Run& run);
+    void cleanTempFiles(const Run& run);
+    void cleanFileTypes(const Run& run);
+
+    // Parts of sections.
+    void cleanUnknownAttachments();
+    void logNameOfApplication(const OZApp& app, std::string_view ending);
+    void quitApplication(const OZApp& app, const Run& run);
+    void cleanSystemApplications(const Run& run);
+    void cleanAuxoSnapshots();
+    void purgeRemovedPackages();
+    void cleanLinkedCrashReports();
+    [[nodiscard]] std::vector<std::string> prunePatterns(const Run& run) const;
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
