@@ -20,6 +20,7 @@ namespace platform {
 class Device;
 }
 struct CleanupStepDescription;
+struct CustomFileRecord;
 class OZAppList;
 class OZLocalizationManager;
 
@@ -121,6 +122,12 @@ class OZCore : public platform::FileManager {
     /// The paths that the device's "find" prints for these arguments, the first of which is the folder to search.
     /// None without the tool.
     platform::FoundPaths find(const std::vector<std::string>& arguments);
+    /// The same over several folders with one run of the tool; those that are not there are left out.
+    std::vector<platform::FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
+
+    // What is no fixed step.
+    /// Removes what a record of the user names. A blank path names nothing.
+    void cleanCustomFile(const CustomFileRecord& record);
 
   private:
     struct Run;
@@ -135,6 +142,8 @@ class OZCore : public platform::FileManager {
     // The sections of a run, by the steps' keys.
     void cleanOTAUpdates();
     void cleanTempFiles();
+
+    void cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles);
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
