@@ -128,6 +128,9 @@ class OZCore : public platform::FileManager {
     // What is no fixed step.
     /// Removes what a record of the user names. A blank path names nothing.
     void cleanCustomFile(const CustomFileRecord& record);
+    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The current
+    /// directory stays where the rule for the application went.
+    void cleanKnownApp(std::string_view identifier);
 
   private:
     struct Run;

@@ -42,6 +42,10 @@ bool isOn(const platform::Dictionary& settings, std::string_view key) {
                                            : found->second.boolValue().value_or(false);
 }
 
+std::optional<std::string_view> firstOf(std::span<const std::string_view> patterns) {
+    return patterns.empty() ? std::nullopt : std::optional(patterns.front());
+}
+
 } // namespace
 
 void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
@@ -127,6 +131,11 @@ void OZCore::perform(std::span<const CleanupAction> actions) {
             break;
         case CleanupPrimitive::delFilesExcludingPatternsRecursive:
             delFilesExcludingPatternsRecursive(action.path, action.patterns);
+            break;
+        case CleanupPrimitive::delWithPattern:
+            delWithPattern(action.path, firstOf(action.patterns.startPatterns),
+                           firstOf(action.patterns.middlePatterns), firstOf(action.patterns.endPatterns),
+                           action.onlyFiles);
             break;
         case CleanupPrimitive::delWithPatterns:
             delWithPatterns(action.path, action.patterns, action.onlyFiles);
