@@ -70,6 +70,10 @@ std::optional<std::string> hostProgram(std::string_view name) {
     return std::nullopt;
 }
 
+bool isQuery(const std::vector<std::string>& arguments) {
+    return arguments.size() > 1 && std::ranges::find(queryOptions, arguments[1]) != queryOptions.end();
+}
+
 /// Numbers below 10 are left free, since the child's copies go there.
 Descriptor duplicate(int number) {
     return Descriptor(::fcntl(number, F_DUPFD_CLOEXEC, 10));
@@ -112,9 +116,15 @@ Command Tool::command(const std::vector<std::string>& arguments, int root, int c
         command.environment = {"OZVARINE_DEVICE=" + _deviceDirectory};
         return command;
     }
-    const bool entered = _kind == Kind::entered;
+    // The package manager only hands its queries on; asked directly, the query tool can be kept in the tree.
+    const bool queries = _kind == Kind::packageManager && isQuery(arguments);
+    const bool entered = _kind == Kind::entered || queries;
     command.path = _helpers + "/ozenter";
-    command.arguments = {"ozenter", entered ? "enter" : "guard", _program, arguments.at(0)};
+    command.arguments = {"ozenter",
+                         queries   ? "query"
+                         : entered ? "enter"
+                                   : "guard",
+                         queries ? hostProgram("dpkg-query").value_or("") : _program, arguments.at(0)};
     command.environment = minimalEnvironment;
     command.replacesEnvironment = true;
     command.descriptors.push_back(duplicate(root));

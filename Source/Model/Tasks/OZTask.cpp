@@ -12,7 +12,7 @@
 #include <fcntl.h>
 #include <fmt/core.h>
 #include <sys/wait.h>
-#include <unicode/utf8.h>
+#include <unicode/ustring.h>
 #include <unistd.h>
 
 namespace {
@@ -20,15 +20,10 @@ namespace {
 constexpr int firstInheritedDescriptor = 3;
 
 bool isUTF8(const std::string& bytes) {
-    const auto length = static_cast<int64_t>(bytes.size());
-    for (int64_t index = 0; index < length;) {
-        UChar32 character = 0;
-        U8_NEXT(bytes.data(), index, length, character);
-        if (character < 0) {
-            return false;
-        }
-    }
-    return true;
+    UErrorCode error = U_ZERO_ERROR;
+    // Measures alone: that there is no room for the text is what it says of valid bytes.
+    u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
+    return error != U_INVALID_CHAR_FOUND;
 }
 
 /// An end of a pipe, never in the place of a standard stream: the child's copies go there.
@@ -114,6 +109,7 @@ class OZTask::FileActions {
 
     void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&_actions, from, to); }
     void close(int number) { posix_spawn_file_actions_addclose(&_actions, number); }
+    void closeFrom(int number) { posix_spawn_file_actions_addclosefrom_np(&_actions, number); }
     void openForWriting(int number, const char* path) {
         posix_spawn_file_actions_addopen(&_actions, number, path, O_WRONLY, 0);
     }
@@ -242,18 +238,19 @@ int OZTask::spawn() {
     const auto fileManager = _device.fileManager();
     const platform::Command command =
         tool->command(_argv, fileManager.rootDescriptor(), fileManager.currentDirectoryDescriptor());
-    if (!command.descriptors.empty() && !_fileActions) {
+    if (!_fileActions) {
         _fileActions = std::make_unique<FileActions>();
     }
     int number = firstInheritedDescriptor;
     for (const platform::Descriptor& descriptor : command.descriptors) {
         _fileActions->duplicate(descriptor.get(), number++);
     }
+    // Not all descriptors of this process are its own: it may have inherited some itself.
+    _fileActions->closeFrom(number);
     const SpawnAttributes attributes;
     const auto environment = environmentFor(command);
-    return posix_spawn(&_pid, command.path.c_str(), _fileActions ? _fileActions->get() : nullptr,
-                       attributes.get(), pointersTo(command.arguments).data(),
-                       pointersTo(environment).data());
+    return posix_spawn(&_pid, command.path.c_str(), _fileActions->get(), attributes.get(),
+                       pointersTo(command.arguments).data(), pointersTo(environment).data());
 }
 
 bool OZTask::getOutput() {

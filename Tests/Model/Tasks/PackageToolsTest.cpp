@@ -1,0 +1,190 @@
+// The host's package tools, run for a device: they work on the device's database, and neither the host's
+// packages nor what lies in the tree come into play.
+
+#include "Model/Tasks/OZTask.h"
+#include "Tests/Support/TemporaryDevice.h"
+
+#include <fstream>
+#include <iterator>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr const char* architecture = "iphoneos-arm";
+
+std::string hostDatabase() {
+    std::ifstream file("/var/lib/dpkg/status");
+    return {std::istreambuf_iterator(file), {}};
+}
+
+class PackageTools : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (::geteuid() != 0) {
+            GTEST_SKIP() << "needs root, or a user namespace that maps it";
+        }
+        for (const char* folder :
+             {"/var/lib/dpkg/info", "/var/lib/dpkg/updates", "/var/cache/apt/archives/partial",
+              "/var/lib/apt/lists/partial", "/var/log"}) {
+            fs::create_directories(temporary.hostPath(folder));
+        }
+        temporary.addFile("/var/lib/dpkg/status");
+        temporary.addFile("/var/lib/dpkg/available");
+    }
+
+    /// Builds a package of one file and installs it into the tree, as an automatically installed one.
+    void install(const std::string& name, std::string_view postrm = "", std::string_view fields = "") {
+        const fs::path package = temporary.folder() / "package";
+        fs::remove_all(package);
+        fs::create_directories(package / "DEBIAN");
+        fs::create_directories(package / "Library");
+        std::ofstream(package / "Library" / name) << "content";
+        std::ofstream(package / "DEBIAN/control")
+            << "Package: " << name << "\nVersion: 1.0\nArchitecture: " << architecture
+            << "\nMaintainer: a <a@b>\nDescription: test\n"
+            << fields;
+        if (!postrm.empty()) {
+            std::ofstream(package / "DEBIAN/postrm") << "#!/bin/sh\n" << postrm << "\n";
+            fs::permissions(package / "DEBIAN/postrm", fs::perms(0755));
+        }
+        host("dpkg-deb --root-owner-group -b package package.deb");
+        host("dpkg --root=Root --force-architecture --log=/dev/null -i package.deb");
+        std::ofstream(temporary.hostPath("/var/lib/apt/extended_states"), std::ios::app)
+            << "Package: " << name << "\nArchitecture: " << architecture << "\nAuto-Installed: 1\n\n";
+    }
+
+    /// A shell that works with the tree as its root.
+    void installShell() {
+        host("for file in /bin/sh $(ldd /bin/sh | grep -o '/[^ ]*'); do"
+             " mkdir -p Root$(dirname $file); cp -L $file Root$file; done");
+    }
+
+    /// Runs a command of the host itself, in the device folder.
+    void host(const std::string& command) const {
+        const std::string line =
+            "cd '" + temporary.folder().string() + "' && (" + command + ") >host.log 2>&1 </dev/null";
+        ASSERT_EQ(std::system(line.c_str()), 0) << command;
+    }
+
+    std::shared_ptr<OZTask> run(std::string_view path, Lines arguments) {
+        auto task = OZTask::make(temporary.device(), path, std::move(arguments));
+        task->setStdOutAction(OZTaskStreamAction::capture);
+        task->setStdErrAction(OZTaskStreamAction::capture);
+        task->launchSynchronously();
+        return task;
+    }
+
+    std::string output(std::string_view path, Lines arguments) {
+        return run(path, std::move(arguments))->output().value_or("(not UTF-8)");
+    }
+
+    [[nodiscard]] bool exists(std::string_view devicePath) const {
+        return fs::exists(fs::symlink_status(temporary.hostPath(devicePath)));
+    }
+
+    TemporaryDevice temporary;
+};
+
+TEST_F(PackageTools, QueriesReadTheDevicesDatabaseWithPlainNames) {
+    install("com.one");
+    install("com.two");
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package} ${Status}\\n"}),
+              "com.one install ok installed\ncom.two install ok installed\n");
+    EXPECT_EQ(output("/usr/bin/dpkg", {"-S", "/Library/com.one", "/Library"}),
+              "com.one: /Library/com.one\ncom.one, com.two: /Library\n");
+    EXPECT_NE(output("/usr/bin/dpkg", {"-l"}).find("\nii  com.one "), std::string::npos);
+    EXPECT_EQ(run("/usr/bin/dpkg", {"-S", "/none"})->terminationStatus(), 1);
+}
+
+TEST_F(PackageTools, QueriesFollowTheTreesLinksInsideOfIt) {
+    install("com.one");
+    fs::create_directories(temporary.hostPath("/Library"));
+    fs::rename(temporary.hostPath("/var/lib/dpkg"), temporary.hostPath("/Library/dpkg"));
+    temporary.addLink("/var/lib/dpkg", "/Library/dpkg");
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package}\\n"}), "com.one\n");
+}
+
+TEST_F(PackageTools, AutoremoveRemovesFromTheTreeAlone) {
+    const std::string before = hostDatabase();
+    install("com.unused");
+    EXPECT_NE(output("/usr/bin/apt-get", {"-s", "autoremove"}).find("Remv com.unused"), std::string::npos);
+    EXPECT_TRUE(exists("/Library/com.unused"));
+    const auto task = run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_EQ(task->terminationStatus(), 0) << task->output().value_or("");
+    EXPECT_FALSE(exists("/Library/com.unused"));
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package}\\n"}), "");
+    EXPECT_EQ(hostDatabase(), before);
+}
+
+TEST_F(PackageTools, SimulationChangesNothing) {
+    install("com.unused");
+    const std::string list = "cd Root && find . -printf '%p %T@ %s %i\\n' | sort";
+    host("(" + list + ") > ../before");
+    output("/usr/bin/apt-get", {"-s", "autoremove"});
+    host("(" + list + ") > ../after");
+    host("cmp ../before ../after");
+}
+
+TEST_F(PackageTools, ScriptsOfTheTreeAreNeverRun) {
+    installShell();
+    install("com.control", "echo > /canary");
+    host("dpkg --root=Root --log=/dev/null -P com.control");
+    ASSERT_TRUE(exists("/canary")) << "the script works where nothing keeps it from running";
+    fs::remove(temporary.hostPath("/canary"));
+
+    install("com.one", "echo > /canary");
+    const auto task = run("/usr/bin/dpkg", {"-P", "com.one"});
+    EXPECT_NE(task->terminationStatus(), 0);
+    install("com.two", "echo > /canary");
+    run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_FALSE(exists("/canary"));
+}
+
+TEST_F(PackageTools, SettingsOfTheTreeAreNotRead) {
+    installShell();
+    const std::string canary = (temporary.folder() / "Root/canary").string();
+    const std::string settings = "DPkg::Pre-Invoke { \"echo > '" + canary + "'\"; };\n" +
+                                 "DPkg::Post-Invoke { \"echo > '" + canary + "'\"; };\n" +
+                                 "Dir::Bin::dpkg \"" + temporary.hostPath("/bin/sh").string() + "\";\n";
+    temporary.addFile("/etc/apt/apt.conf.d/99evil", settings);
+    temporary.addFile("/etc/apt/apt.conf", settings);
+    install("com.unused");
+    const auto task = run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_EQ(task->terminationStatus(), 0) << task->output().value_or("");
+    EXPECT_FALSE(exists("/canary"));
+}
+
+TEST_F(PackageTools, LinksOfTheTreeLeadToNothingOfTheHost) {
+    const std::string before = hostDatabase();
+    const fs::path outside = temporary.folder() / "outside";
+    fs::create_directories(outside / "partial");
+    std::ofstream(outside / "keep.deb") << "x";
+    std::ofstream(outside / "partial/keep.deb") << "x";
+    fs::remove_all(temporary.hostPath("/var/cache/apt/archives"));
+    temporary.addLink("/var/cache/apt/archives", outside.string());
+    run("/usr/bin/apt-get", {"-y", "clean"});
+    EXPECT_TRUE(fs::exists(outside / "keep.deb") && fs::exists(outside / "partial/keep.deb"));
+
+    fs::remove_all(temporary.hostPath("/var/lib/dpkg"));
+    temporary.addLink("/var/lib/dpkg", "/var/lib/dpkg");
+    EXPECT_NE(run("/usr/bin/dpkg", {"--clear-avail"})->terminationStatus(), 0);
+    run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package}"}).find("libc6"), std::string::npos);
+    EXPECT_EQ(hostDatabase(), before);
+}
+
+TEST_F(PackageTools, CleanEmptiesTheDevicesArchive) {
+    temporary.addFile("/var/cache/apt/archives/a_1.0_iphoneos-arm.deb");
+    const auto task = run("/usr/bin/apt-get", {"-y", "clean"});
+    EXPECT_EQ(task->terminationStatus(), 0) << task->output().value_or("");
+    EXPECT_FALSE(exists("/var/cache/apt/archives/a_1.0_iphoneos-arm.deb"));
+    EXPECT_TRUE(OZTask::launchSyncTask(temporary.device(), "/usr/bin/dpkg", {"--clear-avail"}, true));
+}
+
+} // namespace
