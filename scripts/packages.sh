@@ -1,0 +1,31 @@
+# Sourced by ./run and ./check: what they need of Debian, installed where it is missing.
+
+build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqlite3-dev libasio-dev libfmt-dev)
+# What the program itself calls on the host.
+tool_packages=(findutils sed dpkg apt)
+test_packages=(libgtest-dev libgmock-dev sqlite3 zlib1g-dev)
+
+is_installed() {
+    [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]
+}
+
+# install_packages NAME…: nothing is asked, and nothing is done where all of them are there.
+install_packages() {
+    local missing=() name
+    for name in "$@"; do
+        is_installed "$name" || missing+=("$name")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "These Debian packages are missing: ${missing[*]}" >&2
+            echo "Install them as root (apt-get install ${missing[*]}), then start again." >&2
+            return 1
+        fi
+        as_root=(sudo)
+    fi
+    echo "Installing ${missing[*]} ..."
+    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
