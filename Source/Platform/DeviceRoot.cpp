@@ -69,11 +69,27 @@ std::vector<std::string> normalized(std::vector<std::string> names, std::string_
     return names;
 }
 
+bool hasParentComponent(std::string_view path) {
+    while (!path.empty()) {
+        const size_t end = std::min(path.find('/'), path.size());
+        if (path.substr(0, end) == "..") {
+            return true;
+        }
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
+    return false;
+}
+
+// A byte 0 would end the path early for the system, and another item would be meant.
+bool namesNothing(std::string_view path) {
+    return path.empty() || path.contains('\0');
+}
+
 } // namespace
 
-DeviceRoot::DeviceRoot(Descriptor root, PathResolution resolution)
+DeviceRoot::DeviceRoot(Descriptor root, Descriptor current, PathResolution resolution)
     : _root(std::make_shared<Folder>(std::move(root)))
-    , _current(_root)
+    , _current(std::make_shared<Place>(Folder(std::move(current)), std::vector<std::string>{}))
     , _resolution(resolution) {}
 
 Result<std::shared_ptr<DeviceRoot>> DeviceRoot::open(const std::string& hostFolder,
@@ -82,7 +98,21 @@ Result<std::shared_ptr<DeviceRoot>> DeviceRoot::open(const std::string& hostFold
     if (!root) {
         return lastError();
     }
-    return std::shared_ptr<DeviceRoot>(new DeviceRoot(std::move(root), resolution));
+    Descriptor current(::openat(root.get(), ".", folderFlags));
+    if (!current) {
+        return lastError();
+    }
+    return std::shared_ptr<DeviceRoot>(new DeviceRoot(std::move(root), std::move(current), resolution));
+}
+
+std::shared_ptr<const DeviceRoot::Place> DeviceRoot::current() const {
+    const std::lock_guard lock(_currentMutex);
+    return _current;
+}
+
+std::shared_ptr<const Folder> DeviceRoot::currentFolder() const {
+    auto place = current();
+    return {place, &place->folder};
 }
 
 Result<void> DeviceRoot::changeCurrentDirectory(std::string_view path) {
@@ -93,26 +123,30 @@ Result<void> DeviceRoot::changeCurrentDirectory(std::string_view path) {
     if (!target->leaf.empty()) {
         return failure(ENOTDIR);
     }
-    _current = std::make_shared<Folder>(std::move(target->folder));
-    _currentNames = std::move(target->names);
-    ++_generation;
+    auto place = std::make_shared<const Place>(Folder(std::move(target->folder)), std::move(target->names));
+    {
+        const std::lock_guard lock(_currentMutex);
+        _current.swap(place);
+    }
+    foldersChanged();
     return {};
 }
 
 Result<Descriptor> DeviceRoot::openFolder(std::string_view path) const {
-    if (path.empty()) {
+    if (namesNothing(path)) {
         return failure(ENOENT);
     }
+    const auto place = current();
     if (_resolution == PathResolution::kernel && !kernelCannot && path.size() < PATH_MAX) {
         const bool absolute = path.starts_with('/');
-        auto folder = openWithKernel(absolute ? rootDescriptor() : _current->descriptor(),
+        auto folder = openWithKernel(absolute ? rootDescriptor() : place->folder.descriptor(),
                                      std::string(path).c_str(), absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
         // A link on the way, or a way out of the current directory: look closer.
         if (folder || (folder.error().value() != ELOOP && folder.error().value() != EXDEV && !kernelCannot)) {
             return folder;
         }
     }
-    auto target = PathWalk(*this, _current->descriptor(), _currentNames).follow(path);
+    auto target = PathWalk(*this, place->folder.descriptor(), place->names).follow(path);
     if (!target) {
         return std::unexpected(target.error());
     }
@@ -123,15 +157,18 @@ Result<Descriptor> DeviceRoot::openFolder(std::string_view path) const {
 }
 
 Result<Descriptor> DeviceRoot::openBelow(int base, std::string_view relativePath) const {
+    if (relativePath.contains('\0')) {
+        return failure(ENOENT);
+    }
+    if (hasParentComponent(relativePath)) {
+        return failure(EINVAL);
+    }
     Descriptor here(::openat(base, ".", folderFlags));
     while (here && !relativePath.empty()) {
         skipSlashes(relativePath);
         const bool whole = _resolution == PathResolution::kernel && !kernelCannot;
         const std::string_view piece =
             whole ? leadingPiece(relativePath) : relativePath.substr(0, relativePath.find('/'));
-        if (piece == "..") {
-            return failure(EINVAL);
-        }
         if (whole) {
             auto next =
                 openWithKernel(here.get(), std::string(piece.empty() ? "." : piece).c_str(), RESOLVE_BENEATH);
@@ -154,18 +191,19 @@ Result<Descriptor> DeviceRoot::openBelow(int base, std::string_view relativePath
 }
 
 Result<DeviceRoot::Target> DeviceRoot::follow(std::string_view path) const {
-    if (path.empty()) {
+    if (namesNothing(path)) {
         return failure(ENOENT);
     }
+    const auto place = current();
     if (_resolution == PathResolution::kernel && !kernelCannot && path.size() < PATH_MAX) {
         const bool absolute = path.starts_with('/');
-        auto folder = openWithKernel(absolute ? rootDescriptor() : _current->descriptor(),
+        auto folder = openWithKernel(absolute ? rootDescriptor() : place->folder.descriptor(),
                                      std::string(path).c_str(), absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
         if (folder) {
-            return Target{std::move(*folder), normalized(_currentNames, path), {}};
+            return Target{std::move(*folder), normalized(place->names, path), {}};
         }
     }
-    return PathWalk(*this, _current->descriptor(), _currentNames).follow(path);
+    return PathWalk(*this, place->folder.descriptor(), place->names).follow(path);
 }
 
 } // namespace platform

@@ -5,8 +5,10 @@
 #include "Platform/FileManager.h"
 #include "Platform/Folder.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,7 +16,7 @@
 namespace platform {
 
 /// What the handles on one device root share: the root's descriptor, the current directory, and how paths are
-/// resolved between them.
+/// resolved between them. It may be used by several threads at once.
 class DeviceRoot {
   public:
     static Result<std::shared_ptr<DeviceRoot>> open(const std::string& hostFolder, PathResolution resolution);
@@ -28,27 +30,35 @@ class DeviceRoot {
         std::string leaf;
     };
 
+    /// The current directory, and the names from the root to it, free of links.
+    struct Place {
+        Folder folder;
+        std::vector<std::string> names;
+    };
+
     [[nodiscard]] int rootDescriptor() const { return _root->descriptor(); }
-    [[nodiscard]] const std::shared_ptr<const Folder>& currentFolder() const { return _current; }
-    [[nodiscard]] const std::vector<std::string>& currentNames() const { return _currentNames; }
-    /// Changes with every change of the current directory.
+    [[nodiscard]] std::shared_ptr<const Place> current() const;
+    [[nodiscard]] std::shared_ptr<const Folder> currentFolder() const;
+    /// Changes with every change of the current directory and whenever known folders were moved: what was
+    /// found under an older generation has to be found again.
     [[nodiscard]] uint64_t generation() const { return _generation; }
+    void foldersChanged() { ++_generation; }
 
     Result<void> changeCurrentDirectory(std::string_view path);
     /// Opens the folder that a path leads to, for acting inside of it, not for reading.
     Result<Descriptor> openFolder(std::string_view path) const;
-    /// Opens a folder below `base`, through no link and no "..".
+    /// Opens a folder below `base`, through no link; ".." is refused (EINVAL).
     Result<Descriptor> openBelow(int base, std::string_view relativePath) const;
     /// Follows a path to its end, links included.
     Result<Target> follow(std::string_view path) const;
 
   private:
-    DeviceRoot(Descriptor root, PathResolution resolution);
+    DeviceRoot(Descriptor root, Descriptor current, PathResolution resolution);
 
     std::shared_ptr<const Folder> _root;
-    std::shared_ptr<const Folder> _current;
-    std::vector<std::string> _currentNames;
-    uint64_t _generation = 0;
+    mutable std::mutex _currentMutex;
+    std::shared_ptr<const Place> _current;
+    std::atomic<uint64_t> _generation = 0;
     PathResolution _resolution;
 };
 

@@ -1,21 +1,10 @@
 #include "Platform/DirectoryEnumerator.h"
 
-#include "Platform/DirectoryEntries.h"
-
 #include <algorithm>
 
 #include <fcntl.h>
 
 namespace platform {
-
-namespace {
-
-// Levels that keep their descriptors. Several walks go on at once, and processes may be allowed few
-// descriptors.
-constexpr size_t openLevels = 64;
-constexpr int readFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-} // namespace
 
 DirectoryEnumerator::DirectoryEnumerator(Descriptor folder) {
     _levels.push_back({.descriptor = std::move(folder)});
@@ -29,20 +18,16 @@ std::optional<std::string_view> DirectoryEnumerator::nextObject() {
         Level& level = _levels.back();
         _path.resize(level.pathLength);
         if (readNextEntry(level)) {
-            _descend = fileType() == FileType::directory;
+            if (_type == FileType::unknown) {
+                const auto attributes = fileAttributes();
+                _type = attributes ? attributes->type : FileType::unknown;
+            }
+            _descend = _type == FileType::directory;
             return _path;
         }
         leaveLevel();
     }
     return std::nullopt;
-}
-
-FileType DirectoryEnumerator::fileType() const {
-    if (_entryType != DT_UNKNOWN) {
-        return fileTypeOfEntry(_entryType);
-    }
-    const auto attributes = fileAttributes();
-    return attributes ? attributes->type : FileType::unknown;
 }
 
 Result<FileAttributes> DirectoryEnumerator::fileAttributes() const {
@@ -59,7 +44,7 @@ Result<FileAttributes> DirectoryEnumerator::fileAttributes() const {
 
 void DirectoryEnumerator::enterLastEntry() {
     _descend = false;
-    Descriptor folder(::openat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, readFlags));
+    Descriptor folder(::openat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, readFolderFlags));
     if (!folder) {
         return;
     }
@@ -79,7 +64,7 @@ bool DirectoryEnumerator::readNextEntry(Level& level) {
         }
         _nameStart = _path.size();
         _path += name;
-        _entryType = type;
+        _type = fileTypeOfEntry(type);
         return true;
     };
     while (level.position < level.filled || fill(level)) {
@@ -98,8 +83,7 @@ bool DirectoryEnumerator::readNextEntry(Level& level) {
 }
 
 bool DirectoryEnumerator::fill(Level& level) const {
-    // A level that gave its descriptor up has read all it had.
-    if (!level.descriptor || level.inode != 0) {
+    if (level.readToEnd) {
         return false;
     }
     level.buffer.resize(directoryBufferSize);
@@ -122,8 +106,8 @@ void DirectoryEnumerator::giveUpDescriptor(Level& level) {
         }
     }
     std::reverse(level.rest.begin(), level.rest.end());
-    level.device = status.st_dev;
-    level.inode = status.st_ino;
+    level.readToEnd = true;
+    level.identity = FolderIdentity::of(status);
     level.buffer = {};
     level.position = level.filled = 0;
     level.descriptor.reset();
@@ -137,14 +121,10 @@ void DirectoryEnumerator::leaveLevel() {
         return;
     }
     Level& outer = _levels.back();
-    Descriptor parent(::openat(left.descriptor.get(), "..", readFlags));
-    struct stat status{};
-    if (!parent || ::fstat(parent.get(), &status) < 0 || status.st_dev != outer.device ||
-        status.st_ino != outer.inode) {
+    outer.descriptor = outer.identity.openAbove(left.descriptor.get());
+    if (!outer.descriptor) {
         _levels.clear();
-        return;
     }
-    outer.descriptor = std::move(parent);
 }
 
 } // namespace platform

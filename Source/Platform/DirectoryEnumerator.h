@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Descriptor.h"
+#include "Platform/DirectoryEntries.h"
 #include "Platform/FileAttributes.h"
 #include "Platform/Folder.h"
 
@@ -14,8 +15,8 @@ namespace platform {
 
 /// Walks a folder and all below it, each folder before its content, without following links. Folders that
 /// cannot be read are given and not entered. Depth is limited by memory alone: only the innermost levels keep
-/// their descriptors; the outer ones are found again through "..", and a level that is no longer where it was
-/// ends the walk of it.
+/// their descriptors; the outer ones are found again through "..", and the walk ends early when one of them is
+/// no longer where it was.
 class DirectoryEnumerator {
   public:
     /// `folder` must be opened for reading.
@@ -24,7 +25,7 @@ class DirectoryEnumerator {
     /// The next entry's path relative to the folder, none at the end. Valid until the next call.
     std::optional<std::string_view> nextObject();
     /// The entry that `nextObject` gave last: its type, cheaply, and all its attributes.
-    [[nodiscard]] FileType fileType() const;
+    [[nodiscard]] FileType fileType() const { return _type; }
     [[nodiscard]] Result<FileAttributes> fileAttributes() const;
     /// Leaves out what is below the entry that `nextObject` gave last.
     void skipDescendants() { _descend = false; }
@@ -36,9 +37,9 @@ class DirectoryEnumerator {
         size_t position = 0;
         size_t filled = 0;
         size_t pathLength = 0;
-        // Set when the descriptor was given up: where the level was, and what is left of it.
-        dev_t device = 0;
-        ino_t inode = 0;
+        // Once the descriptor was given up: which folder it was, and what is left to give of it.
+        bool readToEnd = false;
+        FolderIdentity identity;
         std::vector<std::pair<std::string, unsigned char>> rest;
     };
 
@@ -52,7 +53,7 @@ class DirectoryEnumerator {
     std::vector<char> _spareBuffer;
     std::string _path;
     size_t _nameStart = 0;
-    unsigned char _entryType = 0;
+    FileType _type = FileType::unknown;
     bool _descend = false;
 };
 

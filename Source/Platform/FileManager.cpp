@@ -30,6 +30,12 @@ SplitPath split(std::string_view path) {
     return parts.name.empty() || parts.name == ".." ? SplitPath{path, "."} : parts;
 }
 
+// Empty where there is nothing before the last component.
+std::string_view pathBeforeLastComponent(std::string_view path) {
+    path.remove_suffix(path.size() - (path.find_last_not_of('/') + 1));
+    return path.substr(0, path.find_last_of('/') + 1);
+}
+
 std::string joinedNames(const std::vector<std::string>& names) {
     std::string path;
     for (const auto& name : names) {
@@ -45,6 +51,42 @@ Result<FileAttributes> attributesOf(int folder, const char* name) {
         return lastError();
     }
     return FileAttributes::from(status);
+}
+
+// Looks before it opens: opening a device may already set something off.
+Result<Descriptor> openRegularFile(int folder, const char* name, int flags) {
+    struct stat status{};
+    if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) < 0) {
+        return lastError();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return failure(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    }
+    Descriptor file(::openat(folder, name, flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file || ::fstat(file.get(), &status) < 0) {
+        return lastError();
+    }
+    if (!S_ISREG(status.st_mode)) {
+        return failure(EINVAL);
+    }
+    return file;
+}
+
+// Two that save at once never meet in one file, and a file that a crash left behind is in nobody's way.
+Result<Descriptor> createTemporaryFile(int folder, std::string_view name, std::string& temporary) {
+    static std::atomic<unsigned> writes = 0;
+    for (;;) {
+        temporary = "." + std::string(name.substr(0, 200)) + "." + std::to_string(::getpid()) + "." +
+                    std::to_string(writes++) + ".tmp";
+        const int number =
+            ::openat(folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
+        if (number >= 0) {
+            return Descriptor(number);
+        }
+        if (errno != EEXIST) {
+            return lastError();
+        }
+    }
 }
 
 Result<void> checked(int outcome) {
@@ -72,7 +114,7 @@ Result<void> FileManager::changeCurrentDirectoryPath(std::string_view path) {
 }
 
 std::string FileManager::currentDirectoryPath() const {
-    return joinedNames(_root->currentNames());
+    return joinedNames(_root->current()->names);
 }
 
 int FileManager::rootDescriptor() const {
@@ -85,7 +127,7 @@ int FileManager::currentDirectoryDescriptor() const {
 
 Result<Item> FileManager::itemAtPath(std::string_view path) {
     const auto [folder, name] = split(path);
-    if (path.empty()) {
+    if (path.empty() || path.contains('\0')) {
         return failure(ENOENT);
     }
     if (folder == "." && name != ".") {
@@ -101,35 +143,51 @@ Result<Item> FileManager::itemAtPath(std::string_view path) {
 Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
                                     std::string_view relativePath) {
     const size_t slash = relativePath.rfind('/');
+    const std::string_view name = relativePath.substr(slash == std::string_view::npos ? 0 : slash + 1);
+    if (name == "..") {
+        return failure(EINVAL);
+    }
     if (slash == std::string_view::npos) {
-        return Item(folder, relativePath);
+        return Item(folder, name);
     }
     const std::string_view parent = relativePath.substr(0, slash);
-    const std::string_view name = relativePath.substr(slash + 1);
-    if (_lastFolder && _lastBase == folder && _lastPath == parent) {
+    if (knowsLastFolder(folder, parent)) {
         return Item(_lastFolder, name);
     }
-    auto opened = _root->openBelow(folder->descriptor(), parent);
+    const uint64_t generation = _root->generation();
+    auto opened = keepLastFolder(folder, parent, generation, _root->openBelow(folder->descriptor(), parent));
     if (!opened) {
         return std::unexpected(opened.error());
     }
-    _lastBase = folder;
-    _lastPath = parent;
-    _lastFolder = std::make_shared<const Folder>(std::move(*opened));
-    return Item(_lastFolder, name);
+    return Item(std::move(*opened), name);
 }
 
 Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view path) {
-    if (_lastFolder && !_lastBase && _lastPath == path && _lastGeneration == _root->generation()) {
+    if (knowsLastFolder(nullptr, path)) {
         return _lastFolder;
     }
-    auto opened = _root->openFolder(path);
+    const uint64_t generation = _root->generation();
+    return keepLastFolder(nullptr, path, generation, _root->openFolder(path));
+}
+
+bool FileManager::knowsLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const {
+    if (!_lastFolder || _lastBase != base || _lastPath != path || _lastGeneration != _root->generation()) {
+        return false;
+    }
+    // Another program may have removed it and made a new one in its place.
+    struct stat status{};
+    return ::fstat(_lastFolder->descriptor(), &status) == 0 && status.st_nlink > 0;
+}
+
+Result<std::shared_ptr<const Folder>> FileManager::keepLastFolder(std::shared_ptr<const Folder> base,
+                                                                  std::string_view path, uint64_t generation,
+                                                                  Result<Descriptor> opened) {
     if (!opened) {
         return std::unexpected(opened.error());
     }
-    _lastBase.reset();
+    _lastBase = std::move(base);
     _lastPath = path;
-    _lastGeneration = _root->generation();
+    _lastGeneration = generation;
     _lastFolder = std::make_shared<const Folder>(std::move(*opened));
     return _lastFolder;
 }
@@ -137,6 +195,7 @@ Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view
 void FileManager::forgetLastFolder() {
     _lastFolder.reset();
     _lastBase.reset();
+    _root->foldersChanged();
 }
 
 Result<FileAttributes> FileManager::attributesOfItemAtPath(std::string_view path) {
@@ -163,16 +222,18 @@ bool FileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) {
     return attributes.has_value();
 }
 
-bool FileManager::isWritableFileAtPath(std::string_view path) {
+bool FileManager::mayAccess(std::string_view path, int mode) const {
     auto target = _root->follow(path);
     return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
-                                 W_OK, AT_EACCESS) == 0;
+                                 mode, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool FileManager::isWritableFileAtPath(std::string_view path) {
+    return mayAccess(path, W_OK);
 }
 
 bool FileManager::isExecutableFileAtPath(std::string_view path) {
-    auto target = _root->follow(path);
-    return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
-                                 X_OK, AT_EACCESS) == 0;
+    return mayAccess(path, X_OK);
 }
 
 Result<std::vector<std::string>> FileManager::contentsOfDirectoryAtPath(std::string_view path) {
@@ -207,8 +268,8 @@ Result<std::string> FileManager::destinationOfSymbolicLinkAtPath(std::string_vie
         return std::unexpected(item.error());
     }
     std::string target(PATH_MAX, '\0');
-    const ssize_t length = ::readlinkat(item->parent()->descriptor(), std::string(item->name()).c_str(),
-                                        target.data(), target.size());
+    const ssize_t length =
+        ::readlinkat(item->parent()->descriptor(), item->name().c_str(), target.data(), target.size());
     if (length < 0) {
         return lastError();
     }
@@ -222,6 +283,10 @@ std::string FileManager::stringByResolvingSymlinksInPath(std::string_view path) 
         const std::string folder = joinedNames(target->names);
         return target->leaf.empty() ? folder : joinPath(folder, target->leaf);
     }
+    // A link that may not be followed is not followed here either.
+    if (target.error().value() != ENOENT) {
+        return std::string(path);
+    }
     // A link to nothing leads to a name in a folder that may be there all the same.
     auto destination = destinationOfSymbolicLinkAtPath(path);
     if (!destination) {
@@ -230,7 +295,7 @@ std::string FileManager::stringByResolvingSymlinksInPath(std::string_view path) 
     return destination->starts_with('/') ? *destination : joinPath(split(path).folder, *destination);
 }
 
-Result<Descriptor> FileManager::openTarget(std::string_view path, int flags) {
+Result<FileHandle> FileManager::openForReading(std::string_view path) {
     auto target = _root->follow(path);
     if (!target) {
         return std::unexpected(target.error());
@@ -238,20 +303,7 @@ Result<Descriptor> FileManager::openTarget(std::string_view path, int flags) {
     if (target->leaf.empty()) {
         return failure(EISDIR);
     }
-    Descriptor file(
-        ::openat(target->folder.get(), target->leaf.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat status{};
-    if (!file || ::fstat(file.get(), &status) < 0) {
-        return lastError();
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return failure(EINVAL);
-    }
-    return file;
-}
-
-Result<FileHandle> FileManager::openForReading(std::string_view path) {
-    auto file = openTarget(path, O_RDONLY);
+    auto file = openRegularFile(target->folder.get(), target->leaf.c_str(), O_RDONLY);
     if (!file) {
         return std::unexpected(file.error());
     }
@@ -271,19 +323,18 @@ Result<FileHandle> FileManager::openForWriting(std::string_view path) {
     if (!item) {
         return std::unexpected(item.error());
     }
-    Descriptor file(::openat(item->parent()->descriptor(), std::string(item->name()).c_str(),
-                             O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    struct stat status{};
-    if (!file || ::fstat(file.get(), &status) < 0) {
-        return lastError();
+    auto file = openRegularFile(item->parent()->descriptor(), item->name().c_str(), O_WRONLY);
+    if (!file) {
+        return std::unexpected(file.error());
     }
-    if (!S_ISREG(status.st_mode)) {
-        return failure(EINVAL);
+    struct stat status{};
+    if (::fstat(file->get(), &status) < 0) {
+        return lastError();
     }
     if (status.st_nlink > 1) {
         return failure(EMLINK);
     }
-    return FileHandle(std::move(file));
+    return FileHandle(std::move(*file));
 }
 
 Result<FileHandle> FileManager::createFileAtPath(std::string_view path, mode_t mode) {
@@ -291,9 +342,12 @@ Result<FileHandle> FileManager::createFileAtPath(std::string_view path, mode_t m
     if (!item) {
         return std::unexpected(item.error());
     }
-    const std::string name(item->name());
+    const std::string& name = item->name();
     const int parent = item->parent()->descriptor();
-    if (::unlinkat(parent, name.c_str(), 0) < 0 && errno != ENOENT) {
+    if (::unlinkat(parent, name.c_str(), 0) == 0) {
+        // It may have been a link that led to a folder.
+        forgetLastFolder();
+    } else if (errno != ENOENT) {
         return lastError();
     }
     Descriptor file(
@@ -310,28 +364,24 @@ Result<void> FileManager::writeContents(std::string_view path, std::string_view 
         return std::unexpected(item.error());
     }
     const int parent = item->parent()->descriptor();
-    const std::string name(item->name());
+    const std::string& name = item->name();
     const auto old = item->attributes();
     if (old && old->type != FileType::regular) {
         return failure(EEXIST);
     }
-    // A name of its own for each process and each write: two that save at once never meet in one file.
-    static std::atomic<unsigned> writes = 0;
-    const std::string temporary = "." + name.substr(0, 200) + "." + std::to_string(::getpid()) + "." +
-                                  std::to_string(writes++) + ".tmp";
-    Descriptor file(
-        ::openat(parent, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    std::string temporary;
+    auto file = createTemporaryFile(parent, name, temporary);
     if (!file) {
-        return lastError();
+        return std::unexpected(file.error());
     }
     const auto written = [&]() -> Result<void> {
-        if (old && ::fchown(file.get(), old->owner, old->group) < 0) {
+        if (old && ::fchown(file->get(), old->owner, old->group) < 0) {
             return lastError();
         }
-        if (::fchmod(file.get(), old ? old->permissions : 0644) < 0) {
+        if (::fchmod(file->get(), old ? old->permissions : 0644) < 0) {
             return lastError();
         }
-        FileHandle handle(std::move(file));
+        FileHandle handle(std::move(*file));
         if (auto done = handle.write(bytes); !done) {
             return done;
         }
@@ -391,8 +441,9 @@ Result<void> FileManager::copyItemAtPath(std::string_view from, std::string_view
 Result<void> FileManager::createDirectoryAtPath(std::string_view path, IntermediateFolders intermediate,
                                                 mode_t mode) {
     auto item = itemAtPath(path);
-    if (!item && item.error().value() == ENOENT && intermediate == IntermediateFolders::create) {
-        const std::string parent(split(path).folder);
+    const std::string_view parent = pathBeforeLastComponent(path);
+    if (!item && item.error().value() == ENOENT && intermediate == IntermediateFolders::create &&
+        !parent.empty()) {
         if (auto created = createDirectoryAtPath(parent, intermediate, mode); !created) {
             return created;
         }
@@ -401,7 +452,7 @@ Result<void> FileManager::createDirectoryAtPath(std::string_view path, Intermedi
     if (!item) {
         return std::unexpected(item.error());
     }
-    if (::mkdirat(item->parent()->descriptor(), std::string(item->name()).c_str(), mode) < 0) {
+    if (::mkdirat(item->parent()->descriptor(), item->name().c_str(), mode) < 0) {
         const int error = errno;
         bool isDirectory = false;
         if (error == EEXIST && intermediate == IntermediateFolders::create &&
@@ -418,8 +469,11 @@ Result<void> FileManager::createSymbolicLinkAtPath(std::string_view path, std::s
     if (!item) {
         return std::unexpected(item.error());
     }
-    return checked(::symlinkat(std::string(destination).c_str(), item->parent()->descriptor(),
-                               std::string(item->name()).c_str()));
+    if (destination.contains('\0')) {
+        return failure(EINVAL);
+    }
+    return checked(
+        ::symlinkat(std::string(destination).c_str(), item->parent()->descriptor(), item->name().c_str()));
 }
 
 Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optional<uid_t> owner,
@@ -428,7 +482,7 @@ Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optio
     if (!item) {
         return std::unexpected(item.error());
     }
-    return checked(::fchownat(item->parent()->descriptor(), std::string(item->name()).c_str(),
+    return checked(::fchownat(item->parent()->descriptor(), item->name().c_str(),
                               owner.value_or(static_cast<uid_t>(-1)), group.value_or(static_cast<gid_t>(-1)),
                               AT_SYMLINK_NOFOLLOW));
 }
@@ -438,13 +492,8 @@ Result<void> FileManager::setPermissionsOfItemAtPath(std::string_view path, mode
     if (!item) {
         return std::unexpected(item.error());
     }
-    // fchmodat follows links; a descriptor opened without following does not.
-    const Descriptor file(::openat(item->parent()->descriptor(), std::string(item->name()).c_str(),
-                                   O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!file) {
-        return lastError();
-    }
-    return checked(::fchmod(file.get(), permissions));
+    return checked(
+        ::fchmodat(item->parent()->descriptor(), item->name().c_str(), permissions, AT_SYMLINK_NOFOLLOW));
 }
 
 Result<void> FileManager::setModificationDateOfItemAtPath(std::string_view path, timespec modified) {
@@ -453,8 +502,8 @@ Result<void> FileManager::setModificationDateOfItemAtPath(std::string_view path,
         return std::unexpected(item.error());
     }
     const timespec times[] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT}, modified};
-    return checked(::utimensat(item->parent()->descriptor(), std::string(item->name()).c_str(), times,
-                               AT_SYMLINK_NOFOLLOW));
+    return checked(
+        ::utimensat(item->parent()->descriptor(), item->name().c_str(), times, AT_SYMLINK_NOFOLLOW));
 }
 
 } // namespace platform

@@ -47,15 +47,16 @@ class FileManager {
     [[nodiscard]] int currentDirectoryDescriptor() const;
 
     // Finding: everything else stands on these.
-    /// The item that a path names, which need not exist; its folder must. The path's characters serve as the
-    /// item's name. Where a path ends in "/", "." or "..", the item is the folder seen from inside, which can
-    /// be looked at and not removed.
+    /// The item that a path names, which need not exist; its folder must. "/" at a path's end means nothing.
+    /// Where a path ends in "." or "..", and for "/", the item is the folder seen from inside, which can be
+    /// looked at and not removed.
     Result<Item> itemAtPath(std::string_view path);
-    /// The item of a path relative to a folder, reached through no link.
+    /// The item of a path relative to a folder, reached through no link; ".." is refused (EINVAL).
     Result<Item> itemBelow(const std::shared_ptr<const Folder>& folder, std::string_view relativePath);
     /// Opens a folder, following links.
     Result<std::shared_ptr<const Folder>> folderAtPath(std::string_view path);
-    /// Forgets the folder that was found last. To be called when a folder has been moved.
+    /// Makes all handles on the root find folders anew. To be called when a folder has been moved or removed
+    /// through an item or by another program; this class's own operations on paths do it themselves.
     void forgetLastFolder();
 
     // Looking.
@@ -107,7 +108,11 @@ class FileManager {
   private:
     explicit FileManager(std::shared_ptr<DeviceRoot> root);
 
-    Result<Descriptor> openTarget(std::string_view path, int flags);
+    bool knowsLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const;
+    Result<std::shared_ptr<const Folder>> keepLastFolder(std::shared_ptr<const Folder> base,
+                                                         std::string_view path, uint64_t generation,
+                                                         Result<Descriptor> opened);
+    bool mayAccess(std::string_view path, int mode) const;
 
     std::shared_ptr<DeviceRoot> _root;
     // The folder that the last path was in: lists of siblings are the common case.

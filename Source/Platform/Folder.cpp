@@ -5,12 +5,30 @@
 #include "Platform/TreeCopy.h"
 #include "Platform/TreeRemoval.h"
 
+#include <tuple>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
 namespace platform {
 
 namespace {
+
+// The name for the system; where it would lead out of the folder, a text that names nothing.
+const char* nameInside(const std::string& name) {
+    const bool leadsOut = name == ".." || name.contains('/') || name.contains('\0');
+    return leadsOut ? "" : name.c_str();
+}
+
+// Waits until the file system that holds a folder has everything on its disk, and learns of writes that
+// failed.
+Result<void> settle(const Folder& folder) {
+    const Descriptor readable(::openat(folder.descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!readable || ::syncfs(readable.get()) < 0) {
+        return lastError();
+    }
+    return {};
+}
 
 Result<void> renameWithoutReplacing(int fromParent, const char* from, int toParent, const char* to) {
     if (::renameat2(fromParent, from, toParent, to, RENAME_NOREPLACE) == 0) {
@@ -44,15 +62,15 @@ Result<std::vector<std::string>> Folder::entries() const {
 
 Result<FileAttributes> Item::attributes() const {
     struct stat status{};
-    if (::fstatat(_parent->descriptor(), std::string(_name).c_str(), &status, AT_SYMLINK_NOFOLLOW) < 0) {
+    if (::fstatat(_parent->descriptor(), nameInside(_name), &status, AT_SYMLINK_NOFOLLOW) < 0) {
         return lastError();
     }
     return FileAttributes::from(status);
 }
 
 Result<std::shared_ptr<const Folder>> Item::openFolder() const {
-    Descriptor folder(::openat(_parent->descriptor(), std::string(_name).c_str(),
-                               O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    Descriptor folder(
+        ::openat(_parent->descriptor(), nameInside(_name), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!folder) {
         return lastError();
     }
@@ -60,40 +78,37 @@ Result<std::shared_ptr<const Folder>> Item::openFolder() const {
 }
 
 std::unique_ptr<DirectoryEnumerator> Item::enumerate() const {
-    Descriptor folder(::openat(_parent->descriptor(), std::string(_name).c_str(),
-                               O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    Descriptor folder(::openat(_parent->descriptor(), nameInside(_name), readFolderFlags));
     return folder ? std::make_unique<DirectoryEnumerator>(std::move(folder)) : nullptr;
 }
 
 Result<void> Item::remove() const {
-    return removeTree(_parent->descriptor(), std::string(_name).c_str());
+    return removeTree(_parent->descriptor(), nameInside(_name));
 }
 
 Result<void> Item::rename(std::string_view newName) const {
-    return renameWithoutReplacing(_parent->descriptor(), std::string(_name).c_str(), _parent->descriptor(),
-                                  std::string(newName).c_str());
+    return moveTo(Item(_parent, newName));
 }
 
 Result<void> Item::moveTo(const Item& target) const {
-    auto renamed = renameWithoutReplacing(_parent->descriptor(), std::string(_name).c_str(),
-                                          target._parent->descriptor(), std::string(target._name).c_str());
+    auto renamed = renameWithoutReplacing(_parent->descriptor(), nameInside(_name),
+                                          target._parent->descriptor(), nameInside(target._name));
     if (renamed || renamed.error().value() != EXDEV) {
         return renamed;
     }
     if (auto copied = copyTo(target); !copied) {
         return copied;
     }
+    if (auto settled = settle(*target._parent); !settled) {
+        std::ignore = target.remove();
+        return settled;
+    }
     return remove();
 }
 
 Result<void> Item::copyTo(const Item& target) const {
-    auto copied = copyTree(_parent->descriptor(), std::string(_name).c_str(), target._parent->descriptor(),
-                           std::string(target._name).c_str());
-    if (!copied && copied.error().value() != EEXIST) {
-        // What was begun is worth nothing, and whether it can be removed changes nothing about the error.
-        std::ignore = target.remove();
-    }
-    return copied;
+    return copyTree(_parent->descriptor(), nameInside(_name), target._parent->descriptor(),
+                    nameInside(target._name));
 }
 
 std::string pathPrefix(std::string_view folder) {

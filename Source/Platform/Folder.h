@@ -29,7 +29,8 @@ class Folder {
 };
 
 /// One name in an opened folder: found once, then looked at and acted on in that very folder. A link at the
-/// name is the item itself and is never followed. The name's characters belong to whoever made the item.
+/// name is the item itself and is never followed. A name that would lead out of the folder ("..", one with
+/// "/" or a byte 0) does not exist; "." can be looked at and not changed.
 class Item {
   public:
     Item(std::shared_ptr<const Folder> parent, std::string_view name)
@@ -37,7 +38,7 @@ class Item {
         , _name(name) {}
 
     [[nodiscard]] const std::shared_ptr<const Folder>& parent() const { return _parent; }
-    [[nodiscard]] std::string_view name() const { return _name; }
+    [[nodiscard]] const std::string& name() const { return _name; }
 
     [[nodiscard]] Result<FileAttributes> attributes() const;
     /// Opens the item if it is a folder; a link to a folder is an error (ENOTDIR or ELOOP).
@@ -50,15 +51,16 @@ class Item {
     /// Gives the item another name in its folder. An existing item of that name is an error (EEXIST).
     [[nodiscard]] Result<void> rename(std::string_view newName) const;
     /// Moves the item, across file systems by copy and removal; owner, mode, times and extended attributes
-    /// stay. An existing target is an error (EEXIST). A failed move leaves the item where it was.
+    /// stay. An existing target is an error (EEXIST). A failed move leaves the item where it was; only where
+    /// the removal after a copy fails, the whole copy is there beside what could not be removed.
     [[nodiscard]] Result<void> moveTo(const Item& target) const;
     /// Copies the item, a folder with all that is in it, with what `moveTo` keeps. A failed copy leaves
-    /// nothing.
+    /// nothing. Holes in files stay holes; names of one file become files of their own.
     [[nodiscard]] Result<void> copyTo(const Item& target) const;
 
   private:
     std::shared_ptr<const Folder> _parent;
-    std::string_view _name;
+    std::string _name;
 };
 
 /// Paths that were found below one folder: the folder's descriptor and the paths relative to it. Whoever acts

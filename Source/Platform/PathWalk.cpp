@@ -39,11 +39,13 @@ Result<DeviceRoot::Target> PathWalk::follow(std::string_view path) {
         if (!_leaf.empty()) {
             return failure(ENOTDIR);
         }
-        if (name == ".") {
-            continue;
+        if (name != ".") {
+            if (auto done = name == ".." ? goUp() : step(name); !done) {
+                return std::unexpected(done.error());
+            }
         }
-        if (auto done = name == ".." ? goUp() : step(name); !done) {
-            return std::unexpected(done.error());
+        if (auto allowed = checkLinksThatEndHere(); !allowed) {
+            return std::unexpected(allowed.error());
         }
     }
     Descriptor folder = std::move(_here);
@@ -90,24 +92,25 @@ Result<void> PathWalk::step(const std::string& name) {
         _names.push_back(name);
     } else {
         _leaf = name;
+        _leafOwner = status.st_uid;
     }
-    return checkLinksThatEndHere(status.st_uid);
+    return {};
 }
 
 Result<void> PathWalk::goUp() {
     if (!_names.empty()) {
         _names.pop_back();
     }
+    // Of several steps up in a row only the last one has to be opened.
+    if (!_remaining.empty() && _remaining.back() == ".." && !linkEndsHere()) {
+        return {};
+    }
     auto parent = _root.openBelow(_root.rootDescriptor(), joined(_names));
     if (!parent) {
         return std::unexpected(parent.error());
     }
     _here = std::move(*parent);
-    struct stat status{};
-    if (::fstat(here(), &status) < 0) {
-        return lastError();
-    }
-    return checkLinksThatEndHere(status.st_uid);
+    return {};
 }
 
 Result<void> PathWalk::followLink(int link, uid_t owner) {
@@ -130,9 +133,25 @@ Result<void> PathWalk::followLink(int link, uid_t owner) {
     return {};
 }
 
-Result<void> PathWalk::checkLinksThatEndHere(uid_t reachedOwner) {
-    while (!_untrusted.empty() && _remaining.size() <= _untrusted.back().remaining) {
-        if (_untrusted.back().owner != reachedOwner) {
+Result<uid_t> PathWalk::ownerOfReached() const {
+    if (!_leaf.empty()) {
+        return _leafOwner;
+    }
+    struct stat status{};
+    if (::fstat(here(), &status) < 0) {
+        return lastError();
+    }
+    return status.st_uid;
+}
+
+// What counts is where the whole of a link's text has led, be its last word a name, "..", "." or just "/".
+Result<void> PathWalk::checkLinksThatEndHere() {
+    while (linkEndsHere()) {
+        const auto reachedOwner = ownerOfReached();
+        if (!reachedOwner) {
+            return std::unexpected(reachedOwner.error());
+        }
+        if (_untrusted.back().owner != *reachedOwner) {
             return failure(EPERM);
         }
         _untrusted.pop_back();

@@ -28,17 +28,21 @@ class PathWalk {
     Result<void> step(const std::string& name);
     Result<void> goUp();
     Result<void> followLink(int link, uid_t owner);
-    Result<void> checkLinksThatEndHere(uid_t reachedOwner);
+    [[nodiscard]] bool linkEndsHere() const {
+        return !_untrusted.empty() && _remaining.size() <= _untrusted.back().remaining;
+    }
+    Result<void> checkLinksThatEndHere();
     void push(std::string_view path);
     void goToRoot();
+    Result<uid_t> ownerOfReached() const;
     [[nodiscard]] int here() const { return _here ? _here.get() : _start; }
 
     const DeviceRoot& _root;
     int _start;
     Descriptor _here;
-    uid_t _hereOwner = 0;
     std::vector<std::string> _names;
     std::string _leaf;
+    uid_t _leafOwner = 0;
     std::vector<std::string> _remaining;
     std::vector<UntrustedLink> _untrusted;
     int _linksFollowed = 0;

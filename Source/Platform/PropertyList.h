@@ -105,10 +105,13 @@ const T* valueAt(const Dictionary& dictionary, std::string_view key) {
 enum class PropertyListFormat { xml, binary };
 
 /// Reads a property list, XML or binary, from untrusted bytes. Malformed, truncated, too deeply nested or
-/// oversized input is an error (`std::errc::illegal_byte_sequence`), never a crash.
+/// oversized input (PropertyListCheck.h has the limits) is an error (`std::errc::illegal_byte_sequence`),
+/// never a crash. Half a surrogate pair is read as the replacement character.
 [[nodiscard]] Result<Value> parsePropertyList(std::string_view bytes);
 
-/// The bytes of a property list that `parsePropertyList` and the usual property-list tools read back.
+/// The bytes of a property list that `parsePropertyList` and the usual property-list tools read back. XML
+/// holds whole seconds of a date only. Bytes that are no UTF-8 become replacement characters. Throws
+/// AssertionFailure for text with a zero byte, which no property list of the usual tools can hold.
 [[nodiscard]] std::string serializePropertyList(const Value& value, PropertyListFormat format);
 
 } // namespace platform

@@ -5,8 +5,8 @@
 namespace platform {
 
 /// Copies an entry of one opened folder into another one, a folder with all below it, keeping owner, mode,
-/// times and extended attributes; links are copied as links. An existing target is an error (EEXIST). On an
-/// error the part that was written may remain at the target.
+/// times, extended attributes and holes; links are copied as links. An existing target is an error (EEXIST), a
+/// folder copied into itself too (EINVAL). A failed copy leaves nothing.
 Result<void> copyTree(int fromParent, const char* fromName, int toParent, const char* toName);
 
 } // namespace platform

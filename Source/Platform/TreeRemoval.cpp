@@ -4,6 +4,7 @@
 #include "Platform/DirectoryEntries.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,25 +15,25 @@ namespace platform {
 
 namespace {
 
-constexpr size_t openLevels = 64;
-constexpr int readFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+bool isFolder(int parent, const char* name) {
+    struct stat status{};
+    return ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Tells what became of an attempt to unlink. The type byte may be missing, or the entry may have become a
+// folder since it was listed; some file systems say EPERM of a folder.
+bool failedForBeingFolder(int error, int parent, const char* name) {
+    return error == EISDIR || (error == EPERM && isFolder(parent, name));
+}
 
 // Empties one tree from the inside out. A level is a folder on the way: its files go while it is read, its
 // folders are kept by name and entered one after the other.
 class Remover {
   public:
     Result<void> run(int parent, const char* name) {
-        Descriptor folder(::openat(parent, name, readFlags));
-        if (!folder) {
-            note(errno);
-        } else {
-            enter(std::move(folder), name);
-            while (!_levels.empty()) {
-                advance();
-            }
-        }
-        if (::unlinkat(parent, name, AT_REMOVEDIR) < 0) {
-            note(errno);
+        removeFolder(parent, name);
+        while (!_levels.empty()) {
+            advance(parent);
         }
         if (_firstError != 0) {
             return failure(_firstError);
@@ -45,13 +46,26 @@ class Remover {
         Descriptor descriptor;
         std::string name;
         std::vector<std::string> folders;
-        dev_t device = 0;
-        ino_t inode = 0;
+        FolderIdentity identity;
     };
 
     void note(int error) {
-        if (_firstError == 0) {
+        if (_firstError == 0 && error != ENOENT) {
             _firstError = error;
+        }
+    }
+
+    // Enters the folder; what cannot be entered may still be empty, or no folder any more.
+    void removeFolder(int parent, std::string name) {
+        Descriptor folder(::openat(parent, name.c_str(), readFolderFlags));
+        if (folder) {
+            enter(std::move(folder), std::move(name));
+            return;
+        }
+        const int error = errno;
+        const int flags = error == ENOTDIR || error == ELOOP ? 0 : AT_REMOVEDIR;
+        if (::unlinkat(parent, name.c_str(), flags) < 0) {
+            note(errno == ENOTEMPTY || errno == EEXIST ? error : errno);
         }
     }
 
@@ -62,8 +76,12 @@ class Remover {
             if (entry.type == DT_DIR) {
                 level.folders.emplace_back(entry.name);
             } else if (::unlinkat(descriptor, entry.name.data(), 0) < 0) {
-                // The type byte may be missing, or the entry may have become a folder since.
-                errno == EISDIR ? static_cast<void>(level.folders.emplace_back(entry.name)) : note(errno);
+                const int error = errno;
+                if (failedForBeingFolder(error, descriptor, entry.name.data())) {
+                    level.folders.emplace_back(entry.name);
+                } else {
+                    note(error);
+                }
             }
         });
         if (!read) {
@@ -75,59 +93,43 @@ class Remover {
         }
     }
 
-    void advance() {
+    void advance(int parent) {
         Level& level = _levels.back();
         if (level.folders.empty()) {
-            leave();
+            leave(parent);
             return;
         }
         std::string name = std::move(level.folders.back());
         level.folders.pop_back();
-        Descriptor folder(::openat(level.descriptor.get(), name.c_str(), readFlags));
-        if (folder) {
-            enter(std::move(folder), std::move(name));
-        } else if (::unlinkat(level.descriptor.get(), name.c_str(),
-                              errno == ENOTDIR || errno == ELOOP ? 0 : AT_REMOVEDIR) < 0) {
-            note(errno);
-        }
+        removeFolder(level.descriptor.get(), std::move(name));
     }
 
-    void giveUpDescriptor(Level& level) {
+    static void giveUpDescriptor(Level& level) {
         struct stat status{};
-        if (!level.descriptor || ::fstat(level.descriptor.get(), &status) < 0) {
-            return;
+        if (level.descriptor && ::fstat(level.descriptor.get(), &status) == 0) {
+            level.identity = FolderIdentity::of(status);
+            level.descriptor.reset();
         }
-        level.device = status.st_dev;
-        level.inode = status.st_ino;
-        level.descriptor.reset();
     }
 
-    void leave() {
+    void leave(int parent) {
         const Level left = std::move(_levels.back());
         _levels.pop_back();
-        if (_levels.empty()) {
-            return;
+        if (!_levels.empty()) {
+            Level& outer = _levels.back();
+            if (!outer.descriptor) {
+                outer.descriptor = outer.identity.openAbove(left.descriptor.get());
+            }
+            if (!outer.descriptor) {
+                note(ESTALE);
+                _levels.clear();
+                return;
+            }
+            parent = outer.descriptor.get();
         }
-        Level& outer = _levels.back();
-        if (!outer.descriptor && !findAgain(outer, left.descriptor.get())) {
-            note(ENOENT);
-            _levels.clear();
-            return;
-        }
-        if (::unlinkat(outer.descriptor.get(), left.name.c_str(), AT_REMOVEDIR) < 0) {
+        if (::unlinkat(parent, left.name.c_str(), AT_REMOVEDIR) < 0) {
             note(errno);
         }
-    }
-
-    static bool findAgain(Level& outer, int inner) {
-        Descriptor parent(::openat(inner, "..", readFlags));
-        struct stat status{};
-        if (!parent || ::fstat(parent.get(), &status) < 0 || status.st_dev != outer.device ||
-            status.st_ino != outer.inode) {
-            return false;
-        }
-        outer.descriptor = std::move(parent);
-        return true;
     }
 
     std::vector<Level> _levels;
@@ -137,19 +139,16 @@ class Remover {
 } // namespace
 
 Result<void> removeTree(int parent, const char* name) {
+    const std::string_view entry(name);
+    // A folder seen from inside would be emptied before the system refused to remove it.
+    if (entry == "." || entry == ".." || entry.find('/') != std::string_view::npos) {
+        return failure(EINVAL);
+    }
     if (::unlinkat(parent, name, 0) == 0) {
         return {};
     }
-    if (errno != EISDIR && errno != EPERM) {
-        return lastError();
-    }
-    // A file that may not be removed gives EPERM as a folder does on some file systems.
     const int error = errno;
-    struct stat status{};
-    if (::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) < 0) {
-        return lastError();
-    }
-    if (!S_ISDIR(status.st_mode)) {
+    if (!failedForBeingFolder(error, parent, name)) {
         return failure(error);
     }
     return Remover().run(parent, name);

@@ -72,10 +72,10 @@ TEST(ToolTable, StandInsThatOthersCouldChangeDoNotCount) {
             fs::permissions(device.folder() / item, writable, fs::perm_options::add);
             EXPECT_FALSE(tableOf(device).isExecutable("/usr/bin/tool")) << item;
         }
-        if (::geteuid() == 0) {
-            TemporaryDevice device;
-            device.addTool("/usr/bin/tool", "exit 0");
-            ASSERT_EQ(::chown((device.folder() / item).c_str(), 12345, 12345), 0);
+        TemporaryDevice device;
+        device.addTool("/usr/bin/tool", "exit 0");
+        // Only root itself can give files away.
+        if (::chown((device.folder() / item).c_str(), 12345, 12345) == 0) {
             EXPECT_FALSE(tableOf(device).isExecutable("/usr/bin/tool")) << item;
         }
     }

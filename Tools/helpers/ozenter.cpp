@@ -15,6 +15,7 @@
 #include "Entrance.h"
 #include "Landlock.h"
 #include "PackageNames.h"
+#include "PackageScripts.h"
 
 #include <array>
 #include <cerrno>
@@ -46,8 +47,8 @@ constexpr std::array temporaryFolders = {"/tmp", "/var/tmp", "/dev/shm", "/run"}
     std::exit(notEnteredStatus);
 }
 
-[[noreturn]] void refuse(const char* reason) {
-    std::fprintf(stderr, "ozenter: %s\n", reason);
+[[noreturn]] void refuse(const std::string& reason) {
+    std::fprintf(stderr, "ozenter: %s\n", reason.c_str());
     std::exit(notEnteredStatus);
 }
 
@@ -234,7 +235,29 @@ bool isBelowProgramFolders(int folder) {
     return true;
 }
 
+/// Keeps a package tool from a removal that it could not finish.
+void keepPackagesWithScripts(const std::string& program, std::vector<std::string>& arguments) {
+    const PackageScripts scripts(rootDescriptor);
+    if (program.ends_with("/dpkg")) {
+        const std::string package = scripts.removedBy(arguments);
+        if (!package.empty()) {
+            refuse("package " + package + " has a removal script, which only the device itself can run; " +
+                   "nothing was removed");
+        }
+        return;
+    }
+    if (!scripts.names().empty()) {
+        std::fprintf(stderr, "Kept, since only the device itself can run their removal scripts: %s\n",
+                     scripts.names().c_str());
+    }
+    const auto options = scripts.keepingOptions();
+    arguments.insert(arguments.begin() + 1, options.begin(), options.end());
+}
+
 [[noreturn]] void guardAndExecute(const std::string& program, std::vector<std::string> arguments) {
+    if (::fcntl(rootDescriptor, F_GETFD) < 0) {
+        fail("no device root was passed");
+    }
     if (isBelowProgramFolders(rootDescriptor)) {
         refuse("the device's tree lies among the host's own programs; move it elsewhere");
     }
@@ -253,6 +276,7 @@ bool isBelowProgramFolders(int folder) {
     if (::chdir("/") != 0 || !rules.enforce()) {
         fail("the rules of access cannot be enforced");
     }
+    keepPackagesWithScripts(program, arguments);
     ::close(rootDescriptor);
     ::execv(program.c_str(), vectorOf(arguments).data());
     fail(program.c_str());

@@ -70,6 +70,7 @@ void OZCore::cleanApplications(const Run& run) {
         for (const auto& container : containersOf(*app)) {
             performInDirectory({container, containerActions});
         }
+        cleanKnownApp(app->identifier());
     }
 }
 

@@ -58,7 +58,7 @@ constexpr CleanupAction mobileCacheActions[] = {
 constexpr CleanupAction mobileLibraryActions[] = {
     // Newer generations keep the search index itself here.
     {.primitive = delFilesInFolderRecursive, .path = "./Spotlight", .belowFoundationVersion = 1300.0},
-    {.primitive = delWithPatterns,
+    {.primitive = delWithPattern,
      .path = ".",
      .onlyFiles = OnlyFiles::yes,
      .patterns = {.startPatterns = analyticsPatterns}},

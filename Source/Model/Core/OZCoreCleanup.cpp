@@ -23,6 +23,10 @@ OZCoreMode modeFor(Analyze analyze, bool testMode) {
     return testMode ? OZCoreMode::test : OZCoreMode::clean;
 }
 
+std::optional<std::string_view> firstOf(std::span<const std::string_view> patterns) {
+    return patterns.empty() ? std::nullopt : std::optional(patterns.front());
+}
+
 } // namespace
 
 uint64_t OZCore::Run::number(std::string_view key) const {
@@ -89,12 +93,11 @@ void OZCore::runStep(const CleanupStepDescription& step, const Run& run) {
         {cleanupstep::cacheFiles, &OZCore::cleanCacheFiles},
         {cleanupstep::tempFiles, &OZCore::cleanTempFiles},
         {cleanupstep::fileTypeCleanup, &OZCore::cleanFileTypes},
+        {cleanupstep::customFiles, &OZCore::cleanCustomFiles},
     };
     print(fmt::format(fmt::runtime(step.consoleHeading), OZStdIO::yellow, OZStdIO::reset));
     log(step.logHeading);
-    if (const auto section = sections.find(step.key); section != sections.end()) {
-        (this->*section->second)(run);
-    }
+    (this->*sections.at(step.key))(run);
     ++_cleanupStepCount;
 }
 
@@ -135,6 +138,11 @@ void OZCore::perform(std::span<const CleanupAction> actions) {
             break;
         case CleanupPrimitive::delFilesExcludingPatternsRecursive:
             delFilesExcludingPatternsRecursive(action.path, action.patterns);
+            break;
+        case CleanupPrimitive::delWithPattern:
+            delWithPattern(action.path, firstOf(action.patterns.startPatterns),
+                           firstOf(action.patterns.middlePatterns), firstOf(action.patterns.endPatterns),
+                           action.onlyFiles);
             break;
         case CleanupPrimitive::delWithPatterns:
             delWithPatterns(action.path, action.patterns, action.onlyFiles);

@@ -31,7 +31,7 @@ constexpr CleanupAction cacheActions[] = {
     {.primitive = delr, .path = "com.apple.metal"},
     {.primitive = delr, .path = "fsCachedData"},
     {.primitive = del, .path = "ApplicationCache.db"},
-    {.primitive = delWithPatterns,
+    {.primitive = delWithPattern,
      .path = ".",
      .onlyFiles = OnlyFiles::yes,
      .patterns = {.startPatterns = databasePatterns}},
@@ -99,6 +99,7 @@ void OZCore::cleanSystemApplications(const Run& run) {
             for (const auto folder : applicationFolders) {
                 delr(Paths{platform::joinPath(folder, app->identifier())});
             }
+            cleanKnownApp(app->identifier());
         }
     }
 }

@@ -71,3 +71,9 @@ std::vector<std::string> OZCore::prunePatterns(const Run& run) const {
     }
     return patterns;
 }
+
+void OZCore::cleanCustomFiles(const Run& /*run*/) {
+    for (const auto& record : _customFiles) {
+        cleanCustomFile(record);
+    }
+}

@@ -8,6 +8,8 @@
 #include <iterator>
 
 #include <gtest/gtest.h>
+#include <linux/landlock.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -29,6 +31,10 @@ class PackageTools : public testing::Test {
         if (::geteuid() != 0) {
             GTEST_SKIP() << "needs root, or a user namespace that maps it";
         }
+        if (::syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) < 1) {
+            GTEST_SKIP()
+                << "needs a kernel with Landlock; without it the package tools refuse to change anything";
+        }
         for (const char* folder :
              {"/var/lib/dpkg/info", "/var/lib/dpkg/updates", "/var/cache/apt/archives/partial",
               "/var/lib/apt/lists/partial", "/var/log"}) {
@@ -38,8 +44,15 @@ class PackageTools : public testing::Test {
         temporary.addFile("/var/lib/dpkg/available");
     }
 
-    /// Builds a package of one file and installs it into the tree, as an automatically installed one.
-    void install(const std::string& name, std::string_view postrm = "", std::string_view fields = "") {
+    /// Installs a package of one file into the tree, as an automatically installed one.
+    void install(const std::string& name, std::string_view postrm = "") {
+        build(name, "postrm", postrm);
+        host("dpkg --root=Root --force-architecture --log=/dev/null -i Root/package.deb");
+        std::ofstream(temporary.hostPath("/var/lib/apt/extended_states"), std::ios::app)
+            << "Package: " << name << "\nArchitecture: " << architecture << "\nAuto-Installed: 1\n\n";
+    }
+
+    void build(const std::string& name, std::string_view script, std::string_view lines) {
         const fs::path package = temporary.folder() / "package";
         fs::remove_all(package);
         fs::create_directories(package / "DEBIAN");
@@ -47,16 +60,12 @@ class PackageTools : public testing::Test {
         std::ofstream(package / "Library" / name) << "content";
         std::ofstream(package / "DEBIAN/control")
             << "Package: " << name << "\nVersion: 1.0\nArchitecture: " << architecture
-            << "\nMaintainer: a <a@b>\nDescription: test\n"
-            << fields;
-        if (!postrm.empty()) {
-            std::ofstream(package / "DEBIAN/postrm") << "#!/bin/sh\n" << postrm << "\n";
-            fs::permissions(package / "DEBIAN/postrm", fs::perms(0755));
+            << "\nMaintainer: a <a@b>\nDescription: test\n";
+        if (!lines.empty()) {
+            std::ofstream(package / "DEBIAN" / script) << "#!/bin/sh\n" << lines << "\n";
+            fs::permissions(package / "DEBIAN" / script, fs::perms(0755));
         }
-        host("dpkg-deb --root-owner-group -b package package.deb");
-        host("dpkg --root=Root --force-architecture --log=/dev/null -i package.deb");
-        std::ofstream(temporary.hostPath("/var/lib/apt/extended_states"), std::ios::app)
-            << "Package: " << name << "\nArchitecture: " << architecture << "\nAuto-Installed: 1\n\n";
+        host("dpkg-deb --root-owner-group -b package Root/package.deb");
     }
 
     /// A shell that works with the tree as its root.
@@ -97,7 +106,7 @@ TEST_F(PackageTools, QueriesReadTheDevicesDatabaseWithPlainNames) {
     EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package} ${Status}\\n"}),
               "com.one install ok installed\ncom.two install ok installed\n");
     EXPECT_EQ(output("/usr/bin/dpkg", {"-S", "/Library/com.one", "/Library"}),
-              "com.one: /Library/com.one\ncom.one, com.two: /Library\n");
+              "com.one: /Library/com.one\ncom.two, com.one: /Library\n");
     EXPECT_NE(output("/usr/bin/dpkg", {"-l"}).find("\nii  com.one "), std::string::npos);
     EXPECT_EQ(run("/usr/bin/dpkg", {"-S", "/none"})->terminationStatus(), 1);
 }
@@ -125,10 +134,10 @@ TEST_F(PackageTools, AutoremoveRemovesFromTheTreeAlone) {
 TEST_F(PackageTools, SimulationChangesNothing) {
     install("com.unused");
     const std::string list = "cd Root && find . -printf '%p %T@ %s %i\\n' | sort";
-    host("(" + list + ") > ../before");
+    host("(" + list + ") > before");
     output("/usr/bin/apt-get", {"-s", "autoremove"});
-    host("(" + list + ") > ../after");
-    host("cmp ../before ../after");
+    host("(" + list + ") > after");
+    host("cmp before after");
 }
 
 TEST_F(PackageTools, ScriptsOfTheTreeAreNeverRun) {
@@ -138,12 +147,28 @@ TEST_F(PackageTools, ScriptsOfTheTreeAreNeverRun) {
     ASSERT_TRUE(exists("/canary")) << "the script works where nothing keeps it from running";
     fs::remove(temporary.hostPath("/canary"));
 
-    install("com.one", "echo > /canary");
-    const auto task = run("/usr/bin/dpkg", {"-P", "com.one"});
+    build("com.one", "preinst", "echo > /canary");
+    const auto task =
+        run("/usr/bin/dpkg", {"--force-architecture", "-i", temporary.hostPath("/package.deb").string()});
     EXPECT_NE(task->terminationStatus(), 0);
-    install("com.two", "echo > /canary");
-    run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_NE(task->output().value_or("").find("preinst): Permission denied"), std::string::npos);
     EXPECT_FALSE(exists("/canary"));
+}
+
+TEST_F(PackageTools, PackagesWithRemovalScriptsAreKeptWhole) {
+    install("com.plain");
+    install("com.scripted", "exit 0");
+    const auto purge = run("/usr/bin/dpkg", {"-P", "com.plain", "com.scripted"});
+    EXPECT_EQ(purge->terminationStatus(), 126);
+    EXPECT_EQ(purge->output(),
+              "ozenter: package com.scripted has a removal script, which only the device itself "
+              "can run; nothing was removed\n");
+    const auto autoremove = run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_EQ(autoremove->terminationStatus(), 0) << autoremove->output().value_or("");
+    EXPECT_NE(autoremove->output().value_or("").find("removal scripts: com.scripted\n"), std::string::npos);
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package} ${Status}\n"}),
+              "com.scripted install ok installed\n");
+    EXPECT_TRUE(exists("/Library/com.scripted"));
 }
 
 TEST_F(PackageTools, SettingsOfTheTreeAreNotRead) {

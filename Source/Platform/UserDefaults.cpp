@@ -1,0 +1,174 @@
+#include "Platform/UserDefaults.h"
+
+#include "Platform/PropertyListCheck.h"
+
+#include <cstdio>
+
+#include <fmt/format.h>
+
+namespace platform {
+namespace {
+
+bool isTrueText(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\r+-0"), text.size()));
+    return !text.empty() && std::string_view("YyTt123456789").contains(text.front());
+}
+
+} // namespace
+
+UserDefaults::UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, std::string path)
+    : _fileManager(std::move(fileManager))
+    , _notificationCenter(notificationCenter)
+    , _path(std::move(path)) {}
+
+void UserDefaults::registerDefaults(const Dictionary& defaults) {
+    const std::lock_guard lock(_mutex);
+    for (const auto& [key, value] : defaults) {
+        _registered.insert_or_assign(key, value);
+    }
+}
+
+std::optional<Value> UserDefaults::objectForKey(std::string_view key) const {
+    const std::lock_guard lock(_mutex);
+    for (const Dictionary* values : {&stored(), &_registered}) {
+        if (const auto found = values->find(key); found != values->end()) {
+            return found->second;
+        }
+    }
+    return std::nullopt;
+}
+
+template <class T>
+std::optional<T> UserDefaults::typedObjectForKey(std::string_view key) const {
+    const auto value = objectForKey(key);
+    const T* typed = value ? value->as<T>() : nullptr;
+    return typed != nullptr ? std::optional(*typed) : std::nullopt;
+}
+
+std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {
+    return typedObjectForKey<std::string>(key);
+}
+
+std::optional<Array> UserDefaults::arrayForKey(std::string_view key) const {
+    return typedObjectForKey<Array>(key);
+}
+
+std::optional<Dictionary> UserDefaults::dictionaryForKey(std::string_view key) const {
+    return typedObjectForKey<Dictionary>(key);
+}
+
+bool UserDefaults::boolForKey(std::string_view key) const {
+    const auto value = objectForKey(key);
+    if (!value) {
+        return false;
+    }
+    const auto* text = value->as<std::string>();
+    return text != nullptr ? isTrueText(*text) : value->boolValue().value_or(false);
+}
+
+void UserDefaults::setObject(std::string_view key, Value value) {
+    setChange(key, std::move(value));
+}
+
+void UserDefaults::removeObjectForKey(std::string_view key) {
+    setChange(key, std::nullopt);
+}
+
+void UserDefaults::setChange(std::string_view key, std::optional<Value> value) {
+    const std::lock_guard lock(_mutex);
+    std::ignore = stored();
+    if (value) {
+        _stored->insert_or_assign(std::string(key), *value);
+    } else if (const auto found = _stored->find(key); found != _stored->end()) {
+        _stored->erase(found);
+    }
+    _changes.insert_or_assign(std::string(key), std::move(value));
+}
+
+const Dictionary& UserDefaults::stored() const {
+    if (!_stored) {
+        // The registered values serve in place of a file that cannot be read; saving deals with it.
+        _stored = readFile().value_or(Dictionary{});
+    }
+    return *_stored;
+}
+
+Result<Dictionary> UserDefaults::readFile() const {
+    const auto bytes = _fileManager.contentsAtPath(_path, maximumPropertyListSize);
+    if (!bytes) {
+        return bytes.error() == std::errc::no_such_file_or_directory ? Result<Dictionary>(Dictionary{})
+                                                                     : std::unexpected(bytes.error());
+    }
+    auto list = parsePropertyList(*bytes);
+    if (!list) {
+        return std::unexpected(list.error());
+    }
+    auto* values = list->as<Dictionary>();
+    return values != nullptr ? Result<Dictionary>(std::move(*values)) : failure(EILSEQ);
+}
+
+Result<void> UserDefaults::synchronize() {
+    _notificationCenter.post(userDefaultsWillSynchronizeNotification);
+    const std::lock_guard lock(_mutex);
+    return save();
+}
+
+Result<void> UserDefaults::save() {
+    auto file = readFile();
+    if (!file && _changes.empty()) {
+        return {};
+    }
+    if (!file) {
+        if (auto moved = setAside(); !moved) {
+            return moved;
+        }
+    }
+    // What was read before the file was damaged is better than nothing.
+    Dictionary values = file ? *file : stored();
+    for (const auto& [key, value] : _changes) {
+        if (value) {
+            values.insert_or_assign(key, *value);
+        } else {
+            values.erase(key);
+        }
+    }
+    if (!file || values != *file) {
+        if (auto written = writeFile(values); !written) {
+            return written;
+        }
+    }
+    _stored = std::move(values);
+    _changes.clear();
+    return {};
+}
+
+Result<void> UserDefaults::setAside() {
+    constexpr int mostKept = 1000;
+    for (int number = 1; number <= mostKept; ++number) {
+        const std::string name =
+            number == 1 ? _path + ".damaged" : fmt::format("{}.damaged-{}", _path, number);
+        const auto moved = _fileManager.moveItemAtPath(_path, name);
+        if (moved) {
+            fmt::print(stderr, "The settings in {} cannot be read; they were kept as {}.\n", _path, name);
+        }
+        if (moved || moved.error() != std::errc::file_exists) {
+            return moved;
+        }
+    }
+    return failure(EEXIST);
+}
+
+Result<void> UserDefaults::writeFile(const Dictionary& values) {
+    const std::string bytes = serializePropertyList(values, PropertyListFormat::binary);
+    auto written = _fileManager.writeContents(_path, bytes);
+    if (!written && written.error() == std::errc::no_such_file_or_directory) {
+        const std::string folder = _path.substr(0, _path.rfind('/'));
+        if (auto made = _fileManager.createDirectoryAtPath(folder, IntermediateFolders::create); !made) {
+            return made;
+        }
+        written = _fileManager.writeContents(_path, bytes);
+    }
+    return written;
+}
+
+} // namespace platform

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "Platform/FileManager.h"
+#include "Platform/NotificationCenter.h"
+#include "Platform/PropertyList.h"
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// Posted without an object, on the thread that calls `synchronize`, before the store is saved.
+inline constexpr std::string_view userDefaultsWillSynchronizeNotification =
+    "OZUserDefaultsWillSynchronizeNotification";
+
+/// A program's stored choices: values by key in one property list of the device. They are read at first use
+/// and kept in memory; nothing is written before `synchronize`. A stored value hides a registered one of the
+/// same key, whatever its type. Safe to use from several threads.
+class UserDefaults {
+  public:
+    /// The path names the property list, which need not exist, nor its folder. The centre outlives this
+    /// object.
+    UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, std::string path);
+    UserDefaults(const UserDefaults&) = delete;
+    UserDefaults& operator=(const UserDefaults&) = delete;
+
+    /// Adds values that are read where nothing is stored. They are never saved.
+    void registerDefaults(const Dictionary& defaults);
+
+    /// The stored value, else the registered one, else none.
+    [[nodiscard]] std::optional<Value> objectForKey(std::string_view key) const;
+    /// None for a value of another type.
+    [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const;
+    [[nodiscard]] std::optional<Array> arrayForKey(std::string_view key) const;
+    [[nodiscard]] std::optional<Dictionary> dictionaryForKey(std::string_view key) const;
+    /// A number that is not 0, or a text that begins with "Y", "T" or a number that is not 0. False for the
+    /// rest.
+    [[nodiscard]] bool boolForKey(std::string_view key) const;
+
+    void setObject(std::string_view key, Value value);
+    void setBool(std::string_view key, bool value) { setObject(key, value); }
+    void removeObjectForKey(std::string_view key);
+
+    /// Posts the notification, then saves what has changed into the file as it is by then, so that what other
+    /// processes stored under other keys stays. The file is replaced in one step, and left alone if nothing
+    /// changes. One that cannot be read is kept under another name, with a line on standard error that tells
+    /// so. After a failure the changes wait for the next call.
+    Result<void> synchronize();
+
+    [[nodiscard]] NotificationCenter& notificationCenter() const { return _notificationCenter; }
+
+  private:
+    template <class T>
+    std::optional<T> typedObjectForKey(std::string_view key) const;
+    const Dictionary& stored() const;
+    void setChange(std::string_view key, std::optional<Value> value);
+    /// The file's values: empty for a file that does not exist, an error for one that cannot be read.
+    Result<Dictionary> readFile() const;
+    Result<void> setAside();
+    Result<void> writeFile(const Dictionary& values);
+    Result<void> save();
+
+    mutable std::mutex _mutex;
+    mutable FileManager _fileManager;
+    NotificationCenter& _notificationCenter;
+    std::string _path;
+    Dictionary _registered;
+    mutable std::optional<Dictionary> _stored;
+    // Since the last save; none stands for a removal.
+    std::map<std::string, std::optional<Value>, std::less<>> _changes;
+};
+
+} // namespace platform

@@ -1,0 +1,79 @@
+#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using tests::runProgram;
+using tests::TemporaryFolder;
+
+namespace {
+
+constexpr const char* record = "success=true\nfreed=[0-9.,]+ [KMG]?i?B\ndeleted=[0-9]+\nshouldrespring=true\n";
+
+bool isOwnLog(const std::string& line) { return line.find("/Library/Ozvarine") != std::string::npos; }
+
+std::vector<std::string> listingWithoutLog(const TemporaryFolder& folder) {
+    auto lines = folder.listing();
+    std::erase_if(lines, isOwnLog);
+    return lines;
+}
+
+uint64_t deletedCount(const std::string& output) {
+    return std::stoull(output.substr(output.find("deleted=") + 8));
+}
+
+} // namespace
+
+TEST(CleanupOfTheDemoDevice, DryRunChangesOnlyItsLogAndACleanupLeavesNothingForTheNext) {
+    const TemporaryFolder folder;
+    const std::string device = folder.path("device");
+    ASSERT_EQ(runProgram("ozdevice", {"create", device, "--files", "300"}).status, 0);
+    const auto before = listingWithoutLog(folder);
+
+    const auto analysis = runProgram("ozvarine", {"--device", device, "--dry-run", "-clean", "-printresults"});
+    EXPECT_THAT(analysis.output, MatchesRegex(record));
+    EXPECT_GT(deletedCount(analysis.output), 0);
+    EXPECT_EQ(listingWithoutLog(folder), before);
+
+    const auto cleanup = runProgram("ozvarine", {"--device", device, "-clean", "-printresults"});
+    EXPECT_THAT(cleanup.output, MatchesRegex(record));
+    EXPECT_EQ(cleanup.errors, "");
+    EXPECT_EQ(cleanup.status, 0);
+    EXPECT_GT(deletedCount(cleanup.output), 0);
+    std::ifstream log(device + "/Root/var/mobile/Library/Ozvarine/junk.txt");
+    std::string lines[7];
+    for (auto& line : lines) {
+        std::getline(log, line);
+    }
+    EXPECT_EQ(lines[3], "");
+    EXPECT_THAT(lines[4], HasSubstr("Date: "));
+    EXPECT_EQ(lines[6], "Number of files: " + std::to_string(deletedCount(cleanup.output)));
+
+    EXPECT_EQ(deletedCount(runProgram("ozvarine", {"--device", device, "-clean", "-printresults"}).output), 0);
+}
+
+TEST(Cleanup, HoldsItsMemoryOver200000Files) {
+    const TemporaryFolder folder;
+    const std::string root = folder.path("device/Root");
+    constexpr size_t count = 200000;
+    folder.make("device/Root/var/tmp/\ndevice/Root/var/mobile/Library/");
+    std::ofstream(folder.path("device/Device.plist"))
+        << "<plist version=\"1.0\"><dict><key>SystemVersion</key><string>11.1</string></dict></plist>";
+    for (size_t index = 0; index < count; ++index) {
+        const std::string parent = root + "/var/tmp/folder" + std::to_string(index / 500);
+        if (index % 500 == 0) {
+            std::filesystem::create_directory(parent);
+        }
+        std::ofstream(parent + "/temporary-file-number-" + std::to_string(index));
+    }
+    const auto outcome = runProgram("ozvarine", {"--device", folder.path("device"), "-clean", "-printresults"});
+    EXPECT_EQ(deletedCount(outcome.output), count);
+    EXPECT_LT(outcome.peakMemory, (uint64_t{64} << 20U) + count * 300);
+}

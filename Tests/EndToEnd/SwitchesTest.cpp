@@ -1,0 +1,124 @@
+#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+using testing::HasSubstr;
+using tests::Outcome;
+using tests::runProgram;
+using tests::TemporaryFolder;
+
+namespace {
+
+// A plain tree that says no more than its version.
+void makeTree(const TemporaryFolder& folder, const std::string& version) {
+    folder.make("tree/System/Library/CoreServices/\ntree/var/mobile/\ntree/var/tmp/zz: junk");
+    std::ofstream(folder.path("tree/System/Library/CoreServices/SystemVersion.plist"))
+        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>ProductVersion</key><string>" << version
+        << "</string></dict></plist>";
+}
+
+Outcome onTree(const TemporaryFolder& folder, std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--device", folder.path("tree")});
+    return runProgram("ozvarine", arguments);
+}
+
+} // namespace
+
+TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
+    const TemporaryFolder folder;
+    folder.make("file: x\nempty/\nbroken/Root/\nbroken/Device.plist: not a list");
+    const struct {
+        std::vector<std::string> arguments;
+        const char* says;
+    } cases[] = {
+        {{"-clean"}, "no device given"},
+        {{"--device"}, "--device needs a directory"},
+        {{"--device", "/", "-clean"}, "this machine's own root"},
+        {{"--device", "/proc/self/root", "-clean"}, "this machine's own root"},
+        {{"--device", folder.path("missing"), "-clean"}, "there is no folder"},
+        {{"--device", folder.path("file"), "-clean"}, "is not a folder"},
+        {{"--device", folder.path("empty"), "-clean"}, "does not tell its iOS version"},
+        {{"--device", folder.path("broken"), "-clean"}, "repair it or remove it"},
+    };
+    const auto before = folder.listing();
+    for (const auto& [arguments, says] : cases) {
+        const Outcome outcome = runProgram("ozvarine", arguments);
+        EXPECT_EQ(outcome.status, 1) << says;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, HasSubstr(says));
+        EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 1) << outcome.errors;
+    }
+    EXPECT_EQ(folder.listing(), before);
+}
+
+TEST(Launcher, RefusesAFolderThatTheUserMayNotRead) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs root to become another user";
+    }
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    ::chmod(folder.path().c_str(), 0755);
+    ::chmod(folder.path("tree").c_str(), 0700);
+    // The test program's own folder may be closed to the other user, so a copy of the program in an open place runs.
+    const std::string command = "cp -r '" + std::string(OZ_BINARY_DIRECTORY) + "/ozvarine' '" + folder.path("oz") +
+                                "' && setpriv --reuid=65534 --regid=65534 --clear-groups '" + folder.path("oz") +
+                                "' --device '" + folder.path("tree") + "' -clean 2>'" + folder.path("errors") + "'";
+    EXPECT_NE(std::system(command.c_str()), 0);
+    EXPECT_THAT(folder.content("errors"), HasSubstr("may not be read by this user"));
+    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+}
+
+TEST(Launcher, TellsHelpAndVersion) {
+    EXPECT_THAT(runProgram("ozvarine", {"--help"}).output, HasSubstr("usage: ozvarine [--device DIR] [--dry-run]"));
+    EXPECT_THAT(runProgram("ozvarine", {"--version"}).output, testing::MatchesRegex("ozvarine [0-9.]+\n"));
+    EXPECT_EQ(runProgram("ozvarine", {"--help"}).status, 0);
+}
+
+TEST(Switches, UnknownOnesGetTheUsageText) {
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    const Outcome outcome = onTree(folder, {"-nonsense", "-clean"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "ozvarine: illegal option -nonsense\nusage: ozvarine [-clean [-respring | -autorespring] "
+                              "| -cli | -respring | -restore-togglable-items]\n");
+    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+}
+
+TEST(Switches, AnOlderPlatformIsRefusedBeforeAnythingRuns) {
+    const TemporaryFolder folder;
+    makeTree(folder, "7.1");
+    const Outcome outcome = onTree(folder, {"-clean"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, "This executable is not meant to be run on the current iOS version, aborting...\n");
+    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+}
+
+TEST(Switches, CleanTakesOnlyTheWordBehindIt) {
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"-clean"}, {"-clean", "whatever"}, {"-clean", "whatever", "-printresults"}}) {
+        const TemporaryFolder folder;
+        makeTree(folder, "11.1");
+        const Outcome outcome = onTree(folder, words);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.output + outcome.errors, "");
+        EXPECT_FALSE(folder.exists("tree/var/tmp/zz"));
+    }
+}
+
+TEST(Switches, ThePlainTreeIsTakenFromTheEnvironmentToo) {
+    const TemporaryFolder folder;
+    makeTree(folder, "8.4");
+    const Outcome outcome =
+        runProgram("ozvarine", {"-clean", "-printresults"}, {"OZVARINE_DEVICE=" + folder.path("tree")});
+    EXPECT_THAT(outcome.output,
+                testing::MatchesRegex("success=true\nfreed=[0-9.,]+ [KMG]?i?B\ndeleted=1\nshouldrespring=true\n"));
+    EXPECT_FALSE(folder.exists("tree/var/tmp/zz"));
+}

@@ -1,0 +1,116 @@
+#include "Model/Core/CleanupSteps.h"
+#include "Tests/Support/EngineFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using tests::EngineFixture;
+using testing::ElementsAre;
+using testing::MatchesRegex;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+void addTemporaryFiles(TemporaryDevice& device) {
+    for (const char* path : {"/var/tmp/logs/deep/x", "/var/tmp/log.txt", "/var/tmp/zz", "/var/tmp/sshstate",
+                             "/var/tmp/a/com.blued.y", "/var/spool/mdt/q/w", "/var/mobile/Media/ApplicationArchives/z",
+                             "/var/tmp/a/sock", "/var/mobile/Library/Assets/com_apple_MobileAsset_SoftwareUpdatX/a",
+                             "/var/MobileAsset/Assets/com_apple_MobileAsset_SoftwareUpdatX/a"}) {
+        device.addFile(path, "12345");
+    }
+}
+
+} // namespace
+
+TEST(Cleanup, TemporaryFilesGoAndWhatIsInUseStays) {
+    EngineFixture engine;
+    addTemporaryFiles(engine.device);
+    engine.clean({cleanupstep::tempFiles, cleanupstep::otaUpdates});
+    for (const char* path : {"/var/tmp/logs", "/var/tmp/log.txt", "/var/tmp/zz", "/var/spool/mdt/q",
+                             "/var/mobile/Media/ApplicationArchives/z",
+                             "/var/mobile/Library/Assets/com_apple_MobileAsset_SoftwareUpdatX"}) {
+        EXPECT_FALSE(engine.exists(path)) << path;
+    }
+    for (const char* path : {"/var/tmp/sshstate", "/var/tmp/a/com.blued.y", "/var/tmp/a/sock", "/var/spool/mdt",
+                             "/var/MobileAsset/Assets/com_apple_MobileAsset_SoftwareUpdatX/a"}) {
+        EXPECT_TRUE(engine.exists(path)) << path;
+    }
+    EXPECT_EQ(engine.core->cleanupStepCount(), 2);
+    EXPECT_FALSE(engine.core->isRunning());
+}
+
+TEST(Cleanup, TestModeRenamesAndAnalysisChangesNothing) {
+    EngineFixture engine;
+    addTemporaryFiles(engine.device);
+    engine.clean({cleanupstep::tempFiles}, OZCoreMode::analyze);
+    EXPECT_TRUE(engine.exists("/var/tmp/zz"));
+    // The files below "logs" are met by the first row as part of it and by the second row on their own.
+    EXPECT_EQ(engine.core->fileCount(), 10);
+    engine.clean({cleanupstep::tempFiles}, OZCoreMode::test);
+    // Here the second row meets them under the first row's backup names: one is moved within the moved folder, one
+    // is a backup itself and only counted.
+    EXPECT_EQ(engine.core->fileCount(), 10);
+    EXPECT_TRUE(engine.exists("/var/tmp/zz.OzvarineBackup"));
+    EXPECT_TRUE(engine.exists("/var/tmp/logs.OzvarineBackup/deep/x.OzvarineBackup"));
+    EXPECT_THAT(engine.log(), StartsWith("###################\n# PROCESSED FILES #\n###################\n\nDate: "));
+}
+
+TEST(Cleanup, SummaryStandsAtLineFourWhateverFollows) {
+    const std::string summary = "\nDate: [0-9]{2}-[0-9]{2}-[0-9]{4} [0-9]{2}:[0-9]{2}\n\nNumber of files: ";
+    EngineFixture engine;
+    engine.clean({});
+    EXPECT_THAT(engine.log(), MatchesRegex("#+\n# DELETED FILES #\n#+\n" + summary + "0\nTotal size: 0.00 B\n"));
+    EXPECT_EQ(engine.core->freedSpaceString(), "0.00 B");
+    EXPECT_EQ(engine.core->freedSpace(), 0);
+
+    engine.device.addFile("/var/tmp/zz", "12345");
+    engine.clean({cleanupstep::tempFiles}, OZCoreMode::analyze);
+    EXPECT_THAT(engine.log(), MatchesRegex("#+\n# PROCESSED FILES #\n#+\n" + summary +
+                                           "1\nApproximate size: 5.00 B\n\nTemporary Files\n#+\n\n/var/tmp/zz\n\n"));
+}
+
+TEST(Cleanup, LogTakesThePlaceOfWhateverStandsInItsWay) {
+    EngineFixture engine;
+    engine.device.addFile("/var/mobile/Library/Ozvarine", "a file where the folder belongs");
+    engine.clean({});
+    EXPECT_THAT(engine.log(), StartsWith("#################\n# DELETED FILES"));
+    engine.core->cleanupLogger()->log("later");
+    EXPECT_THAT(engine.log(), testing::EndsWith("later"));
+    // Another name of the log's file keeps its content.
+    std::filesystem::create_hard_link(engine.device.hostPath(OZCleanupLogger::logFilePath),
+                                      engine.device.hostPath("/other"));
+    const std::string before = engine.device.contents("/other");
+    engine.clean({});
+    EXPECT_EQ(engine.device.contents("/other"), before);
+}
+
+TEST(Cleanup, StepsThatAreOnAreEnteredInTheirOrder) {
+    EngineFixture engine;
+    platform::Dictionary settings = OZCore::defaultCleanupSettings(engine.device.device());
+    settings["ATTACHMENTS"] = uint64_t{2};
+    settings.erase("CYDIA");
+    engine.core->clean(&settings, Analyze::yes);
+    EXPECT_EQ(engine.core->cleanupStepCount(), 9);
+    size_t last = 0;
+    for (const auto& step : cleanupSteps) {
+        const size_t at = engine.log().find(step.logHeading);
+        const bool isOn = settings.contains(std::string(step.key)) && settings[std::string(step.key)].boolValue().value();
+        EXPECT_EQ(at != std::string::npos, isOn) << step.key;
+        EXPECT_TRUE(!isOn || at >= last) << step.key;
+        last = isOn ? at : last;
+    }
+}
+
+TEST(CleanupSettings, AreRepairedFromDefaults) {
+    EngineFixture engine;
+    engine.core->setCleanupSettingsResettingInvalid(
+        {{"ATTACHMENTS", 2}, {"SAFARI", "text"}, {"TEMPFILES", false}, {"NOSTEP", true}});
+    const auto& settings = engine.core->cleanupSettings();
+    EXPECT_EQ(settings.size(), 13);
+    EXPECT_EQ(settings.at("ATTACHMENTS").unsignedValue(), 2);
+    EXPECT_EQ(settings.at("SAFARI").boolValue(), true);
+    EXPECT_EQ(settings.at("TEMPFILES").boolValue(), false);
+    EXPECT_EQ(engine.core->enabledCleanupStepKeys().front(), "ATTACHMENTS");
+    EXPECT_EQ(EngineFixture(1047.2).core->cleanupSettings().count("BATTERYDATA"), 0);
+}

@@ -1,0 +1,193 @@
+#include "Tests/Support/EngineFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using tests::EngineFixture;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+constexpr std::string_view backup = OZCore::backupExtension;
+
+// What one call of a primitive leaves of "/f" (3 bytes), "/d" with two files of 2 bytes and a link, and "/l".
+struct Case {
+    const char* name;
+    OZCoreMode mode;
+    void (*call)(OZCore&);
+    uint64_t fileCount;
+    // Bytes of the files; a folder's own size depends on the file system and is left out by comparing ">=".
+    uint64_t atLeastFreed;
+    bool fileStays;
+    bool folderStays;
+};
+
+void PrintTo(const Case& row, std::ostream* out) { *out << row.name; }
+
+const OZCore::Paths everything = {"/f", "/d", "/l", "/missing"};
+
+class PrimitiveCounting : public testing::TestWithParam<Case> {};
+
+} // namespace
+
+TEST_P(PrimitiveCounting, DependsOnModeAndType) {
+    const Case& row = GetParam();
+    EngineFixture engine;
+    engine.device.addFile("/f", "abc");
+    engine.device.addFile("/d/one", "12");
+    engine.device.addFile("/d/sub/two", "34");
+    engine.device.addLink("/d/link", "/f");
+    engine.device.addLink("/l", "/f");
+    engine.enter(row.mode);
+    row.call(*engine.core);
+    EXPECT_EQ(engine.core->fileCount(), row.fileCount);
+    EXPECT_GE(engine.core->freedSpace(), row.atLeastFreed);
+    EXPECT_EQ(engine.exists("/f"), row.fileStays);
+    EXPECT_EQ(engine.exists("/d/sub/two"), row.folderStays);
+    EXPECT_EQ(engine.loggedPaths().size(), row.fileCount);
+    if (row.mode == OZCoreMode::test) {
+        EXPECT_EQ(engine.exists(std::string("/f").append(backup)), !row.fileStays);
+        EXPECT_EQ(engine.exists(std::string("/d").append(backup) + "/sub/two"), !row.folderStays);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Modes, PrimitiveCounting,
+    testing::Values(
+        Case{"del cleans", OZCoreMode::clean, [](OZCore& core) { core.del(everything); }, 1, 0, false, true},
+        Case{"del analyzes", OZCoreMode::analyze, [](OZCore& core) { core.del(everything); }, 1, 3, true, true},
+        Case{"del tests", OZCoreMode::test, [](OZCore& core) { core.del(everything); }, 1, 3, false, true},
+        // The folder, its sub-folder, two files and a link, beside the file; a named link is left alone.
+        Case{"delr cleans", OZCoreMode::clean, [](OZCore& core) { core.delr(everything); }, 6, 0, false, false},
+        Case{"delr analyzes", OZCoreMode::analyze, [](OZCore& core) { core.delr(everything); }, 6, 7, true, true},
+        Case{"delr tests", OZCoreMode::test, [](OZCore& core) { core.delr(everything); }, 6, 7, false, false},
+        // No type is asked: the link goes, too, and a folder is one item.
+        Case{"quickDel cleans", OZCoreMode::clean, [](OZCore& core) { core.quickDel(everything); }, 3, 0, false,
+             false},
+        Case{"quickDel analyzes", OZCoreMode::analyze, [](OZCore& core) { core.quickDel(everything); }, 3, 3,
+             true, true},
+        Case{"quickDel tests", OZCoreMode::test, [](OZCore& core) { core.quickDel(everything); }, 3, 3, false,
+             false},
+        // In an analysis alone, what is missing counts.
+        Case{"quickDelLang cleans", OZCoreMode::clean,
+             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 0, true,
+             false},
+        Case{"quickDelLang analyzes", OZCoreMode::analyze,
+             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 3, 4, true,
+             true},
+        Case{"quickDelLang tests", OZCoreMode::test,
+             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 4, true,
+             false}),
+    [](const auto& row) {
+        std::string name = row.param.name;
+        std::ranges::replace(name, ' ', '_');
+        return name;
+    });
+
+TEST(OZCorePrimitives, TestModeReplacesAnOldBackupAndLeavesBackupsWhereTheyAre) {
+    EngineFixture engine;
+    engine.device.addFile("/f", "new");
+    engine.device.addFile(std::string("/f").append(backup), "old");
+    engine.enter(OZCoreMode::test);
+    engine.core->del(OZCore::Paths{std::string("/f").append(backup), "/f"});
+    EXPECT_EQ(engine.core->fileCount(), 2);
+    EXPECT_EQ(engine.device.contents(std::string("/f").append(backup)), "new");
+    EXPECT_FALSE(engine.exists("/f"));
+}
+
+TEST(OZCorePrimitives, ALaterStepSeesAnItemAgainInAnalysisAlone) {
+    for (const auto& [mode, count] : {std::pair{OZCoreMode::analyze, 2U}, {OZCoreMode::test, 1U}}) {
+        EngineFixture engine;
+        engine.device.addFile("/f");
+        engine.enter(mode);
+        engine.core->del(OZCore::Paths{"/f"});
+        engine.core->del(OZCore::Paths{"/f"});
+        EXPECT_EQ(engine.core->fileCount(), count);
+    }
+}
+
+TEST(OZCorePrimitives, PatternsAskTheEntrysName) {
+    EngineFixture engine;
+    for (const char* path : {"/p/logs.txt", "/p/catalog", "/p/log/deep", "/p/http_x", "/p/a.google.b", "/p/.flurry"}) {
+        engine.device.addFile(path);
+    }
+    engine.enter(OZCoreMode::analyze);
+    engine.core->delWithPattern("/p", "log", std::nullopt, ".txt", OnlyFiles::no);
+    EXPECT_THAT(engine.loggedPaths(), ElementsAre("/p/logs.txt"));
+
+    engine.enter(OZCoreMode::analyze);
+    engine.core->delWithPattern("/p", "log", std::nullopt, std::nullopt, OnlyFiles::yes);
+    EXPECT_THAT(engine.loggedPaths(), ElementsAre("/p/logs.txt"));
+
+    engine.enter(OZCoreMode::analyze);
+    constexpr std::string_view starts[] = {"http_"};
+    constexpr std::string_view middles[] = {"google"};
+    // Tried at the beginning of a name: ".txt" takes nothing, ".flu" the hidden file.
+    constexpr std::string_view ends[] = {".txt", ".flu"};
+    engine.core->delWithPatterns(
+        "/p", {.startPatterns = starts, .middlePatterns = middles, .endPatterns = ends}, OnlyFiles::no);
+    EXPECT_THAT(engine.loggedPaths(), UnorderedElementsAre("/p/http_x", "/p/a.google.b", "/p/.flurry"));
+}
+
+TEST(OZCorePrimitives, RecursiveDeletionSparesNamesAndFolders) {
+    EngineFixture engine;
+    for (const char* path : {"/t/sock", "/t/a/sock", "/t/a/my.blued.tmp", "/t/blued/x", "/t/y"}) {
+        engine.device.addFile(path);
+    }
+    engine.device.addLink("/t/link", "/t/y");
+    engine.enter(OZCoreMode::clean);
+    constexpr std::string_view exact[] = {"sock"};
+    constexpr std::string_view middle[] = {"blued"};
+    engine.core->delFilesExcludingPatternsRecursive("/t", {.exactMatches = exact, .middlePatterns = middle});
+    EXPECT_THAT(engine.loggedPaths(), UnorderedElementsAre("/t/blued/x", "/t/y"));
+    EXPECT_TRUE(engine.exists("/t/a/sock") && engine.exists("/t/a/my.blued.tmp") && engine.exists("/t/blued"));
+    EXPECT_TRUE(engine.exists("/t/link"));
+}
+
+TEST(OZCorePrimitives, RelativePathsBelongToTheDirectoryThatWasFound) {
+    EngineFixture engine;
+    engine.device.addFile("/w/x/one");
+    engine.device.addFile("/w/x/keep/two");
+    engine.enter(OZCoreMode::clean);
+    EXPECT_FALSE(engine.core->changeDir("/missing"));
+    EXPECT_EQ(engine.log(), "");
+    ASSERT_TRUE(engine.core->changeDir("/w"));
+    engine.core->delFolderContents("./x", OnlyFiles::yes);
+    EXPECT_EQ(engine.log(), "\n##\nIn dir: /w\n##\n\n./x/one\n\n");
+    EXPECT_TRUE(engine.exists("/w/x/keep/two"));
+}
+
+TEST(OZCorePrimitives, EmptyFoldersAreThoseWithoutAFileAtAnyDepth) {
+    EngineFixture engine;
+    for (const char* folder : {"/e/empty", "/e/nest/inner", "/e/full"}) {
+        std::filesystem::create_directories(engine.device.hostPath(folder));
+    }
+    engine.device.addFile("/e/full/deep/file");
+    engine.device.addLink("/e/linked/link", "/e");
+    engine.enter(OZCoreMode::clean);
+    engine.core->delEmptyDirs("/e");
+    EXPECT_FALSE(engine.exists("/e/empty") || engine.exists("/e/nest"));
+    EXPECT_TRUE(engine.exists("/e/full/deep/file") && engine.exists("/e/linked/link"));
+    // "inner" went with "nest" and is not counted for itself.
+    EXPECT_EQ(engine.core->fileCount(), 3);
+}
+
+TEST(OZCorePrimitives, FindGivesNamesOfAnyBytes) {
+    EngineFixture engine;
+    const std::vector<std::string> names = {"plain.log", "white space.log", "line\nbreak.log", "\xff\xfe.log"};
+    for (const auto& name : names) {
+        engine.device.addFile("/n/" + name);
+    }
+    engine.device.addFile("/break.log");
+    engine.enter(OZCoreMode::clean);
+    const auto found = engine.core->find({"/n", "-regextype", "posix-extended", "-regex", "^.*\\.(log)$", "-type",
+                                          "f", "-print"});
+    EXPECT_THAT(found.names, testing::UnorderedElementsAreArray(names));
+    engine.core->quickDel(found);
+    EXPECT_EQ(engine.core->fileCount(), names.size());
+    EXPECT_TRUE(std::filesystem::is_empty(engine.device.hostPath("/n")));
+    EXPECT_TRUE(engine.exists("/break.log"));
+    EXPECT_THAT(engine.core->find({"/missing"}).names, IsEmpty());
+}

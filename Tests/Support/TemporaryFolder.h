@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tests {
+
+/// A new folder of the host that is gone, with all in it, at the end of its life. It works with the host's
+/// own calls and tools only, so that it can judge ours.
+class TemporaryFolder {
+  public:
+    explicit TemporaryFolder(const std::string& below = "/tmp");
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    [[nodiscard]] const std::string& path() const { return _path; }
+    [[nodiscard]] std::string path(std::string_view relative) const {
+        return _path + "/" + std::string(relative);
+    }
+
+    /// Makes one item a line, with the folders on the way: "a/folder/", "a/file: content", "a/link ->
+    /// target", "a/name == file that is there" (another name of it), "a/pipe |". Space around a line does not
+    /// count.
+    void make(std::string_view lines) const;
+    [[nodiscard]] bool exists(std::string_view relative) const;
+    [[nodiscard]] std::string content(std::string_view relative) const;
+    /// All below the folder, sorted, one text each: path, type and mode in octal, owner, size, and a file's
+    /// content hash or a link's target.
+    [[nodiscard]] std::vector<std::string> listing() const;
+
+  private:
+    void makeOne(std::string_view line) const;
+
+    std::string _path;
+};
+
+/// Makes `depth` folders named "d", each in the one before, however long their path gets.
+void makeDeepFolders(int folder, size_t depth);
+
+} // namespace tests
