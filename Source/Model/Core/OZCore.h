@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Model/Core/CleanupAction.h"
+#include "Model/Core/CustomFileRecord.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OnlyFiles.h"
 #include "Platform/FileManager.h"
@@ -20,6 +21,7 @@ namespace platform {
 class Device;
 }
 struct CleanupStepDescription;
+class OZApp;
 class OZAppList;
 class OZLocalizationManager;
 
@@ -121,6 +123,19 @@ class OZCore : public platform::FileManager {
     /// The paths that the device's "find" prints for these arguments, the first of which is the folder to search.
     /// None without the tool.
     platform::FoundPaths find(const std::vector<std::string>& arguments);
+    /// The same over several folders with one run of the tool; those that are not there are left out.
+    std::vector<platform::FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
+
+    // What is no fixed step.
+    /// Removes what a record of the user names. A blank path names nothing.
+    void cleanCustomFile(const CustomFileRecord& record);
+    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The current
+    /// directory stays where the rule for the application went.
+    void cleanKnownApp(std::string_view identifier);
+
+    /// The folders of the attachments that the message database knows, relative to the user's home, one for each
+    /// attachment. None if the database cannot be read as a whole; an empty list means that it knows none.
+    std::optional<Paths> attachmentPathsFromSMSDatabase();
 
   private:
     struct Run;
@@ -129,12 +144,36 @@ class OZCore : public platform::FileManager {
     /// For whoever sits at a terminal; nothing unless command-line output is enabled.
     void print(std::string_view text) const;
     void log(std::string_view text);
+    void printAndLog(std::string_view text);
     void perform(std::span<const CleanupAction> actions);
     void performInDirectory(const CleanupGroup& group);
 
-    // The sections of a run, by the steps' keys.
-    void cleanOTAUpdates();
-    void cleanTempFiles();
+    // The sections of a run, in its order.
+    void cleanAttachments(const Run& run);
+    void cleanSafari(const Run& run);
+    void cleanApplications(const Run& run);
+    void cleanOTAUpdates(const Run& run);
+    void cleanBatteryData(const Run& run);
+    void cleanCydia(const Run& run);
+    void cleanCydiaSources(const Run& run);
+    void cleanDependencies(const Run& run);
+    void cleanLogFiles(const Run& run);
+    void cleanCacheFiles(const Run& run);
+    void cleanTempFiles(const Run& run);
+    void cleanFileTypes(const Run& run);
+    void cleanCustomFiles(const Run& run);
+
+    // Parts of sections.
+    void cleanUnknownAttachments();
+    void logNameOfApplication(const OZApp& app, std::string_view ending);
+    void quitApplication(const OZApp& app, const Run& run);
+    void cleanSystemApplications(const Run& run);
+    void cleanAuxoSnapshots();
+    void purgeRemovedPackages();
+    void cleanLinkedCrashReports();
+    [[nodiscard]] std::vector<std::string> prunePatterns(const Run& run) const;
+
+    void cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles);
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
@@ -158,6 +197,8 @@ class OZCore : public platform::FileManager {
     OZAppList* _appList;
     OZLocalizationManager* _localizationManager;
     platform::Dictionary _cleanupSettings;
+    std::vector<CustomFileRecord> _customFiles;
+    std::vector<std::string> _fileTypes;
     bool _testMode = false;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;
