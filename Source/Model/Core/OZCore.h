@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Model/Core/CleanupAction.h"
+#include "Model/Core/CustomFileRecord.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OnlyFiles.h"
 #include "Platform/FileManager.h"
@@ -20,7 +21,7 @@ namespace platform {
 class Device;
 }
 struct CleanupStepDescription;
-struct CustomFileRecord;
+class OZApp;
 class OZAppList;
 class OZLocalizationManager;
 
@@ -132,6 +133,10 @@ class OZCore : public platform::FileManager {
     /// directory stays where the rule for the application went.
     void cleanKnownApp(std::string_view identifier);
 
+    /// The folders of the attachments that the message database knows, relative to the user's home, one for each
+    /// attachment. None if the database cannot be read as a whole; an empty list means that it knows none.
+    std::optional<Paths> attachmentPathsFromSMSDatabase();
+
   private:
     struct Run;
 
@@ -139,12 +144,34 @@ class OZCore : public platform::FileManager {
     /// For whoever sits at a terminal; nothing unless command-line output is enabled.
     void print(std::string_view text) const;
     void log(std::string_view text);
+    void printAndLog(std::string_view text);
     void perform(std::span<const CleanupAction> actions);
     void performInDirectory(const CleanupGroup& group);
 
-    // The sections of a run, by the steps' keys.
-    void cleanOTAUpdates();
-    void cleanTempFiles();
+    // The sections of a run, in its order.
+    void cleanAttachments(const Run& run);
+    void cleanSafari(const Run& run);
+    void cleanApplications(const Run& run);
+    void cleanOTAUpdates(const Run& run);
+    void cleanBatteryData(const Run& run);
+    void cleanCydia(const Run& run);
+    void cleanCydiaSources(const Run& run);
+    void cleanDependencies(const Run& run);
+    void cleanLogFiles(const Run& run);
+    void cleanCacheFiles(const Run& run);
+    void cleanTempFiles(const Run& run);
+    void cleanFileTypes(const Run& run);
+    void cleanCustomFiles(const Run& run);
+
+    // Parts of sections.
+    void cleanUnknownAttachments();
+    void logNameOfApplication(const OZApp& app, std::string_view ending);
+    void quitApplication(const OZApp& app, const Run& run);
+    void cleanSystemApplications(const Run& run);
+    void cleanAuxoSnapshots();
+    void purgeRemovedPackages();
+    void cleanLinkedCrashReports();
+    [[nodiscard]] std::vector<std::string> prunePatterns(const Run& run) const;
 
     void cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles);
 
@@ -170,6 +197,8 @@ class OZCore : public platform::FileManager {
     OZAppList* _appList;
     OZLocalizationManager* _localizationManager;
     platform::Dictionary _cleanupSettings;
+    std::vector<CustomFileRecord> _customFiles;
+    std::vector<std::string> _fileTypes;
     bool _testMode = false;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;
