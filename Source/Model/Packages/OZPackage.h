@@ -61,7 +61,7 @@ class OZPackage {
     /// path, and if the list cannot be read or written.
     bool removeFilePath(std::string_view path);
 
-    [[nodiscard]] platform::Result<OZPackageFileList> fileList() const;
+    [[nodiscard]] platform::Result<OZPackageFileList> fileListWithUsedEncoding() const;
     /// Writes the list's paths in its encoding. False if it has none: a list file is never emptied.
     bool writeFileList(const OZPackageFileList& list);
 

@@ -2,7 +2,6 @@
 
 #include "Model/Items/Togglable/OZTogglableItem.h"
 
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -47,6 +46,7 @@ class OZTogglableItemList : public OZTogglableItem {
   protected:
     /// The items, for subclasses, which fill the map in `initializeItems` or in their constructors.
     [[nodiscard]] OZTogglableItemMap& protectedItems();
+    [[nodiscard]] bool hasMadeItems() const { return _protectedItems.has_value(); }
     /// Called once, at the first use of the items, with an empty map.
     virtual void initializeItems() {}
 

@@ -2,6 +2,8 @@
 
 #include "Model/Items/Togglable/OZTogglableItemList.h"
 
+#include <functional>
+
 namespace platform {
 class Device;
 }

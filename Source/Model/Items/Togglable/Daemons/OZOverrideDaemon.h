@@ -21,7 +21,7 @@ class OZOverrideDaemon : public OZTogglableItem {
     bool applyChanges() override;
     bool discardChanges() override;
     /// A daemon without an override is enabled.
-    [[nodiscard]] bool currentEnabledState() override;
+    [[nodiscard]] bool currentEnabledState() override { return isEnabledInDatabase(); }
     [[nodiscard]] bool enabledState() override { return _enabledState; }
     void setEnabledState(bool enabled) override { _enabledState = enabled; }
 
@@ -35,6 +35,8 @@ class OZOverrideDaemon : public OZTogglableItem {
   private:
     OZOverrideDaemon(platform::Device& device, std::string identifier,
                      std::unique_ptr<OZFileDaemon> fileDaemon);
+
+    [[nodiscard]] bool isEnabledInDatabase() const;
 
     platform::Device& _device;
     bool _enabledState = false;
