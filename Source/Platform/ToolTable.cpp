@@ -17,9 +17,17 @@ namespace {
 
 constexpr std::array hostDirectories = {"/usr/bin", "/bin", "/usr/sbin", "/sbin"};
 
-// The queries of dpkg that it hands on to dpkg-query itself.
-constexpr std::array<std::string_view, 10> queryOptions = {
-    "-l", "--list", "-S", "--search", "-L", "--listfiles", "-s", "--status", "-p", "--print-avail",
+// The package queries, which dpkg hands on to dpkg-query, and the helper's mode for each.
+struct PackageQuery {
+    std::string_view option;
+    const char* mode;
+};
+constexpr std::array packageQueries = {
+    PackageQuery{"-l", "list"},   PackageQuery{"--list", "list"},
+    PackageQuery{"-S", "search"}, PackageQuery{"--search", "search"},
+    PackageQuery{"-L", "enter"},  PackageQuery{"--listfiles", "enter"},
+    PackageQuery{"-s", "enter"},  PackageQuery{"--status", "enter"},
+    PackageQuery{"-p", "enter"},  PackageQuery{"--print-avail", "enter"},
 };
 
 // No time zone file and no locale is read, so nothing in the tree steers these; in the locale "C" names of
@@ -70,8 +78,11 @@ std::optional<std::string> hostProgram(std::string_view name) {
     return std::nullopt;
 }
 
-bool isQuery(const std::vector<std::string>& arguments) {
-    return arguments.size() > 1 && std::ranges::find(queryOptions, arguments[1]) != queryOptions.end();
+/// The package query that a vector asks for, or null.
+const PackageQuery* packageQueryOf(const std::vector<std::string>& arguments) {
+    const auto* const found =
+        std::ranges::find(packageQueries, arguments.size() > 1 ? arguments[1] : "", &PackageQuery::option);
+    return found == packageQueries.end() ? nullptr : found;
 }
 
 /// Numbers below 10 are left free, since the child's copies go there.
@@ -116,15 +127,14 @@ Command Tool::command(const std::vector<std::string>& arguments, int root, int c
         command.environment = {"OZVARINE_DEVICE=" + _deviceDirectory};
         return command;
     }
-    // The package manager only hands its queries on; asked directly, the query tool can be kept in the tree.
-    const bool queries = _kind == Kind::packageManager && isQuery(arguments);
-    const bool entered = _kind == Kind::entered || queries;
+    // The package manager hands its queries on; the query tool itself can be kept in the tree like a search.
+    const bool isPackageTool = _kind == Kind::packageManager || _kind == Kind::packageQuery;
+    const PackageQuery* const query = isPackageTool ? packageQueryOf(arguments) : nullptr;
+    const bool entered = query != nullptr || _kind == Kind::entered || _kind == Kind::packageQuery;
+    const char* const mode = query != nullptr ? query->mode : entered ? "enter" : "guard";
+    const std::string program = query != nullptr ? hostProgram("dpkg-query").value_or("") : _program;
     command.path = _helpers + "/ozenter";
-    command.arguments = {"ozenter",
-                         queries   ? "query"
-                         : entered ? "enter"
-                                   : "guard",
-                         queries ? hostProgram("dpkg-query").value_or("") : _program, arguments.at(0)};
+    command.arguments = {"ozenter", mode, program, arguments.at(0)};
     command.environment = minimalEnvironment;
     command.replacesEnvironment = true;
     command.descriptors.push_back(duplicate(root));
@@ -198,7 +208,7 @@ std::optional<Tool> ToolTable::hostToolAt(std::string_view devicePath) const {
     static constexpr std::array hostTools = {
         HostTool{"find", Tool::Kind::entered},
         HostTool{"sed", Tool::Kind::entered},
-        HostTool{"dpkg-query", Tool::Kind::entered},
+        HostTool{"dpkg-query", Tool::Kind::packageQuery},
         HostTool{"dpkg", Tool::Kind::packageManager},
         HostTool{"apt-get", Tool::Kind::packageDownloader},
     };

@@ -34,7 +34,7 @@ class Tool {
   private:
     friend class ToolTable;
 
-    enum class Kind { standIn, entered, packageManager, packageDownloader };
+    enum class Kind { standIn, entered, packageQuery, packageManager, packageDownloader };
 
     Kind _kind = Kind::standIn;
     std::string _name;

@@ -7,7 +7,12 @@
 #include <vector>
 
 #include <gmock/gmock.h>
+#include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace tests {
 
@@ -15,6 +20,37 @@ namespace tests {
 template <class T>
 int errorOf(const platform::Result<T>& result) {
     return result ? 0 : result.error().value();
+}
+
+/// Lowers one limit of the process for the time of its life.
+class LoweredLimit {
+  public:
+    LoweredLimit(int resource, rlim_t limit)
+        : _resource(resource) {
+        ::getrlimit(static_cast<__rlimit_resource>(_resource), &_old);
+        const rlimit lower{.rlim_cur = limit, .rlim_max = _old.rlim_max};
+        ::setrlimit(static_cast<__rlimit_resource>(_resource), &lower);
+    }
+    LoweredLimit(const LoweredLimit&) = delete;
+    LoweredLimit& operator=(const LoweredLimit&) = delete;
+    ~LoweredLimit() { ::setrlimit(static_cast<__rlimit_resource>(_resource), &_old); }
+
+  private:
+    int _resource;
+    rlimit _old{};
+};
+
+/// Runs a check in a process of an ordinary user; true when the check gave true. Needs root.
+template <class Check>
+bool holdsForUser(uid_t user, Check check) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool became = ::setgroups(0, nullptr) == 0 && ::setresgid(user, user, user) == 0 &&
+                            ::setresuid(user, user, user) == 0;
+        ::_exit(became && check() ? 0 : 1);
+    }
+    int status = 0;
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
 /// A device root "root" in a folder of the host, beside it "outside", which nothing may ever change. Every
@@ -50,6 +86,11 @@ class FileManagerFixture : public testing::TestWithParam<platform::PathResolutio
     }
     [[nodiscard]] bool exists(const std::string& path) const { return host.exists("root" + path); }
     [[nodiscard]] std::string content(const std::string& path) const { return host.content("root" + path); }
+
+    /// False, where the tests do not run with the rights of root, and no file can be given away.
+    [[nodiscard]] bool giveToUser(const std::string& path, uid_t user) const {
+        return ::geteuid() == 0 && ::lchown(host.path("root" + path).c_str(), user, user) == 0;
+    }
 
     TemporaryFolder host;
     platform::Result<platform::FileManager> files = platform::failure(0);

@@ -1,6 +1,8 @@
 #include "PackageNames.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -18,38 +20,40 @@ std::string plainList(std::string_view list) {
     return plain;
 }
 
-/// The second column of a table, with blanks in place of the architecture so that the columns stay.
-std::string plainColumn(std::string line, size_t column) {
-    const size_t end = line.find(' ', column);
-    for (size_t index = line.find(':', column); index < end && index < line.size(); ++index) {
-        line[index] = ' ';
+/// "packages: /path" with plain names; any other line stays.
+std::string plainSearchLine(std::string_view line) {
+    const size_t path = line.find(": /");
+    return path == std::string_view::npos ? std::string(line)
+                                          : plainList(line.substr(0, path)) + std::string(line.substr(path));
+}
+
+/// A row of the table, with blanks in place of the architecture so that the columns stay.
+std::string plainListLine(std::string_view line) {
+    // Three characters of state and a blank stand before the name.
+    constexpr size_t nameColumn = 4;
+    std::string plain(line);
+    if (line.size() > nameColumn && line[nameColumn - 1] == ' ') {
+        const size_t end = std::min(line.find(' ', nameColumn), line.size());
+        for (size_t index = line.find(':', nameColumn); index < end; ++index) {
+            plain[index] = ' ';
+        }
     }
-    return line;
+    return plain;
 }
 
 } // namespace
 
-std::string lineWithPlainNames(std::string_view line) {
-    // "packages: /path" of a search.
-    const size_t path = line.find(": /");
-    if (path != std::string_view::npos) {
-        return plainList(line.substr(0, path)) + std::string(line.substr(path));
-    }
-    // "ii  package  version …" of a list: two or three letters of state.
-    const size_t column = line.find_first_not_of(' ', 3);
-    if (line.size() > 3 && column != std::string_view::npos && column > line.find(' ')) {
-        return plainColumn(std::string(line), column);
-    }
-    return std::string(line);
+std::string lineWithPlainNames(std::string_view line, QueryOutput output) {
+    return output == QueryOutput::list ? plainListLine(line) : plainSearchLine(line);
 }
 
-bool copyWithPlainNames(int from) {
+bool copyWithPlainNames(int from, QueryOutput output) {
     const std::unique_ptr<FILE, decltype(&std::fclose)> lines(::fdopen(from, "r"), &std::fclose);
     char* line = nullptr;
     size_t capacity = 0;
     ssize_t length = 0;
     while (lines && (length = ::getline(&line, &capacity, lines.get())) > 0) {
-        const std::string plain = lineWithPlainNames({line, static_cast<size_t>(length)});
+        const std::string plain = lineWithPlainNames({line, static_cast<size_t>(length)}, output);
         std::fwrite(plain.data(), 1, plain.size(), stdout);
     }
     std::free(line);

@@ -7,7 +7,7 @@
 // tree when all is loaded. Should that fail, the program is left in the empty root, without a right to write
 // anything but the tree.
 //
-// query: the same for a package query, whose output is put right (see PackageNames.h).
+// list, search: the same for a package query, whose output is put right (see PackageNames.h).
 //
 // guard: the program stays in the host's world and is told the tree by its arguments, but writes nowhere but
 // into the tree and executes nothing that lies in it.
@@ -192,7 +192,8 @@ int statusOf(int waitStatus) {
     return WIFEXITED(waitStatus) ? WEXITSTATUS(waitStatus) : notEnteredStatus;
 }
 
-[[noreturn]] void query(const std::string& program, const std::vector<std::string>& arguments) {
+[[noreturn]] void query(QueryOutput output, const std::string& program,
+                        const std::vector<std::string>& arguments) {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
         fail("no pipe can be made");
@@ -206,7 +207,7 @@ int statusOf(int waitStatus) {
         enterAndExecute(program, arguments);
     }
     ::close(ends[1]);
-    const bool copied = copyWithPlainNames(ends[0]);
+    const bool copied = copyWithPlainNames(ends[0], output);
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
@@ -255,6 +256,9 @@ void keepPackagesWithScripts(const std::string& program, std::vector<std::string
 }
 
 [[noreturn]] void guardAndExecute(const std::string& program, std::vector<std::string> arguments) {
+    if (::fcntl(rootDescriptor, F_GETFD) < 0) {
+        fail("no device root was passed");
+    }
     if (isBelowProgramFolders(rootDescriptor)) {
         refuse("the device's tree lies among the host's own programs; move it elsewhere");
     }
@@ -292,8 +296,8 @@ int main(int count, char** vector) {
     if (mode == "enter") {
         enterAndExecute(program, arguments);
     }
-    if (mode == "query") {
-        query(program, arguments);
+    if (mode == "list" || mode == "search") {
+        query(mode == "list" ? QueryOutput::list : QueryOutput::search, program, arguments);
     }
     if (mode == "guard") {
         guardAndExecute(program, arguments);

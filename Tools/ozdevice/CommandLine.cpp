@@ -17,15 +17,17 @@ using Arguments = std::span<const std::string>;
 
 constexpr std::string_view usage =
     R"(Usage: ozdevice create DIR [--ios VERSION] [--model NAME] [--files N] [--seed S]
+                       [--architecture NAME]
        ozdevice info DIR
 
 create  makes a device folder in DIR, which must be missing or empty
 info    prints what a device folder holds
 
-  --ios VERSION  version of the system, 4 to 11, such as 9 or 9.3.5 (default 11.1.2)
-  --model NAME   hardware model, such as iPhone9,3 (default: one that is usual for the version)
-  --files N      number of caches, logs and temporary files to add (default 1500)
-  --seed S       number that the made-up values are drawn from (default 1)
+  --ios VERSION        version of the system, 4 to 11, such as 9 or 9.3.5 (default 11.1.2)
+  --model NAME         hardware model, such as iPhone9,3 (default: usual for the version)
+  --files N            number of caches, logs and temporary files to add (default 1500)
+  --seed S             number that the made-up values are drawn from (default 1)
+  --architecture NAME  architecture of the packages, such as all (default iphoneos-arm)
 )";
 
 constexpr int failed = 1;
@@ -49,6 +51,8 @@ std::string takeOption(DeviceOptions& options, const std::string& name, const st
         options.productVersion = value;
     } else if (name == "--model") {
         options.model = value;
+    } else if (name == "--architecture") {
+        options.packageArchitecture = value;
     } else if (name == "--files") {
         return readNumber(value, options.junkFileCount) ? "" : "--files takes a number";
     } else if (name == "--seed") {

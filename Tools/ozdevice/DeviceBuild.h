@@ -21,6 +21,9 @@ struct DeviceOptions {
     /// How many caches, logs and temporary files to add to what every device has.
     size_t junkFileCount = 1500;
     uint64_t seed = 1;
+    /// Of all packages. The device's own is foreign to the package tools of a host, which then add it to
+    /// names.
+    std::string packageArchitecture = "iphoneos-arm";
 };
 
 constexpr int anyMajor = 99;

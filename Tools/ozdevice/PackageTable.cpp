@@ -13,7 +13,8 @@ constexpr TreeEntry substrate[] = {
 };
 constexpr TreeEntry safeMode[] = {OZ_ADD_ON("MobileSafety")};
 constexpr TreeEntry preferenceLoader[] = {OZ_ADD_ON("PreferenceLoader"), {"/usr/lib/libprefs.dylib"}};
-constexpr TreeEntry activator[] = {OZ_ADD_ON("Activator"), {"/usr/lib/libactivator.dylib"}};
+constexpr TreeEntry activator[] = {
+    OZ_ADD_ON("Activator"), {"/usr/lib/libactivator.dylib"}, {"/Library/Activator/Icon.png"}};
 constexpr TreeEntry flipswitch[] = {OZ_ADD_ON("Flipswitch"), {"/usr/lib/libflipswitch.dylib"}};
 constexpr TreeEntry winterBoard[] = {OZ_ADD_ON("WinterBoard"), OZ_ADD_ON("IconBundles")};
 constexpr TreeEntry anemone[] = {OZ_ADD_ON("AnemoneCore"), OZ_ADD_ON("AnemoneIcons"),
@@ -21,11 +22,13 @@ constexpr TreeEntry anemone[] = {OZ_ADD_ON("AnemoneCore"), OZ_ADD_ON("AnemoneIco
 constexpr TreeEntry iconSupport[] = {OZ_ADD_ON("IconSupport")};
 constexpr TreeEntry statusDots[] = {OZ_ADD_ON("StatusDots")};
 constexpr TreeEntry dock[] = {OZ_ADD_ON("DockColumns")};
-constexpr TreeEntry lockClock[] = {OZ_ADD_ON("LockClock")};
+constexpr TreeEntry lockClock[] = {OZ_ADD_ON("LockClock"),
+                                   {"/Library/PreferenceLoader/Preferences/LockClock/LockClock.png"}};
 constexpr TreeEntry lockClockExtra[] = {OZ_ADD_ON("LockClockExtra")};
 constexpr TreeEntry batteryLife[] = {{"/usr/share/batterylife/table.txt"}};
 constexpr TreeEntry library[] = {{"/usr/lib/libhillside.dylib"}};
 constexpr TreeEntry oldLibrary[] = {{"/usr/lib/libquarry.dylib"}};
+constexpr TreeEntry leftoverLibrary[] = {{"/usr/lib/libleftover.dylib"}};
 constexpr TreeEntry filza[] = {{.path = "/usr/libexec/filza/helper", .mode = 0755}};
 constexpr TreeEntry caught[] = {
     {"/Applications/iCaughtUPro.app/log.txt"},
@@ -148,11 +151,12 @@ constexpr PackageRow packages[] = {
      .version = "3.2",
      .files = caught,
      .application = {"com.itaysoft.icaughtuproapp", "iCaughtU Pro", "iCaughtUPro"}},
-    {.identifier = "libquarry",
-     .name = "Quarry Library",
-     .version = "0.4",
+    {.identifier = "libquarry", .name = "Quarry Library", .version = "0.4", .files = oldLibrary},
+    {.identifier = "org.hillside.leftover",
+     .name = "Leftover Library",
+     .version = "0.2",
      .state = PackageState::automatic,
-     .files = oldLibrary},
+     .files = leftoverLibrary},
     {.identifier = "org.hillside.removed",
      .name = "Removed Tweak",
      .version = "1.0",
@@ -164,7 +168,7 @@ constexpr PreferenceBundleRow preferenceBundles[] = {
     {"org.hillside.statusdots", "StatusDots", "Status Dots", "StatusDotsPreferences", "icon.png"},
     {"org.hillside.dock", "DockColumns", "Dock Columns", "DockPreferences", "icon.png", 0, 847.20},
     {"org.hillside.dock", "DockColumns7", "Dock Columns", "DockPreferences", "icon.png", 847.20},
-    {"org.hillside.lockclock", "LockClock/LockClock", "Lock Clock"},
+    {"org.hillside.lockclock", "LockClock/LockClock", "Lock Clock", "", "LockClock.png"},
     {"libactivator", "LibActivator", "Activator", "LibActivator", "/Library/Activator/Icon.png", 478.47},
 };
 

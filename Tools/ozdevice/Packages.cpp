@@ -13,19 +13,19 @@ constexpr std::string_view databaseFolder = "/var/lib/dpkg";
 constexpr std::string_view archiveFolder = "/var/cache/apt/archives";
 
 constexpr TreeEntry emptyDatabase[] = {
-    {"/var/lib/dpkg/alternatives/"}, {"/var/lib/dpkg/info/"},    {"/var/lib/dpkg/parts/"},
-    {"/var/lib/dpkg/triggers/"},     {"/var/lib/dpkg/updates/"},
+    {"/var/lib/dpkg/alternatives/"}, {"/var/lib/dpkg/info/"},      {"/var/lib/dpkg/parts/"},
+    {"/var/lib/dpkg/triggers/"},     {"/var/lib/dpkg/updates/"},   {"/etc/apt/apt.conf.d/"},
+    {"/etc/apt/preferences.d/"},     {"/etc/apt/sources.list.d/"},
 };
 
 bool isFor(const PackageRow& row, const Generation& generation) {
     return generation.major >= row.since && generation.major <= row.until;
 }
 
-std::string control(const PackageRow& row) {
-    std::string text =
-        fmt::format("Package: {}\nName: {}\nVersion: {}\nSection: Tweaks\nArchitecture: iphoneos-arm\n"
-                    "Maintainer: Hillside <packages@example.org>\nDescription: {}\n",
-                    row.identifier, row.name, row.version, row.name);
+std::string control(const PackageRow& row, std::string_view architecture) {
+    std::string text = fmt::format("Package: {}\nName: {}\nVersion: {}\nSection: Tweaks\nArchitecture: {}\n"
+                                   "Maintainer: Hillside <packages@example.org>\nDescription: {}\n",
+                                   row.identifier, row.name, row.version, architecture, row.name);
     if (!row.depends.empty()) {
         text += fmt::format("Depends: {}\n", row.depends);
     }
@@ -60,7 +60,7 @@ class PackageInstaller {
 };
 
 void PackageInstaller::writeContents(DeviceBuild& contents, const PackageRow& row) {
-    contents.add("/DEBIAN/control", control(row));
+    contents.add("/DEBIAN/control", control(row, _build.options.packageArchitecture));
     contents.add(row.files);
     if (!row.application.identifier.empty()) {
         addApplicationOfPackage(contents, row.application, row.applicationIcon);
@@ -88,7 +88,8 @@ std::string PackageInstaller::buildArchive(const PackageRow& row) {
     DeviceBuild contents(writer, _build.generation, _build.options);
     writeContents(contents, row);
     writer.dateFolders();
-    std::string archive = fmt::format("{}/{}_{}_iphoneos-arm.deb", _staging, row.identifier, row.version);
+    std::string archive = fmt::format("{}/{}_{}_{}.deb", _staging, row.identifier, row.version,
+                                      _build.options.packageArchitecture);
     runHostProgram({"dpkg-deb", "--root-owner-group", "-Znone", "--build", tree, archive}, _staging);
     return archive;
 }
@@ -121,11 +122,12 @@ void PackageInstaller::writeAutomaticPackages() {
     std::string text;
     for (const PackageRow& row : packageTable()) {
         if (row.state == PackageState::automatic && isFor(row, _build.generation)) {
-            text +=
-                fmt::format("Package: {}\nArchitecture: iphoneos-arm\nAuto-Installed: 1\n\n", row.identifier);
+            text += fmt::format("Package: {}\nArchitecture: {}\nAuto-Installed: 1\n\n", row.identifier,
+                                _build.options.packageArchitecture);
         }
     }
     _build.add("/var/lib/apt/extended_states", text);
+    _build.add("/etc/apt/sources.list", std::string_view("# Sources are kept by the installer.\n"));
 }
 
 void PackageInstaller::install() {

@@ -13,10 +13,8 @@ constexpr std::array toolPaths = {"usr/bin/killall", "bin/launchctl", "bin/su", 
 
 fs::path standInProgram() {
     const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
-    for (const char* const place : {"../libexec/ozstandin", "../../libexec/ozstandin"}) {
-        if (const fs::path path = folder / place; fs::is_regular_file(path)) {
-            return path;
-        }
+    if (const fs::path path = folder / "../libexec/ozstandin"; fs::is_regular_file(path)) {
+        return path;
     }
     throw std::runtime_error("the program of the stand-in tools is missing; build the target ozstandin");
 }
@@ -29,10 +27,12 @@ void installStandInTools(const fs::path& toolsFolder) {
     for (const char* const path : toolPaths) {
         const fs::path tool = toolsFolder / path;
         fs::create_directories(tool.parent_path());
-        if (tool == first) {
+        std::error_code cannotLink;
+        if (tool != first) {
+            fs::create_hard_link(first, tool, cannotLink);
+        }
+        if (tool == first || cannotLink) {
             fs::copy_file(standInProgram(), tool);
-        } else {
-            fs::create_hard_link(first, tool);
         }
     }
 }

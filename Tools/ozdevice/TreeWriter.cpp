@@ -37,6 +37,16 @@ std::pair<std::string, std::string> splitLast(std::string_view path) {
     return {physical.substr(0, slash), physical.substr(slash + 1)};
 }
 
+/// Some age up to five months for a folder that nobody gave one.
+int64_t ageByName(std::string_view path) {
+    constexpr uint32_t fiveMonths = 150 * 24 * 3600;
+    uint32_t hash = 2166136261;
+    for (const char character : path) {
+        hash = (hash ^ static_cast<unsigned char>(character)) * 16777619;
+    }
+    return hash % fiveMonths;
+}
+
 void writeAll(int file, std::string_view content) {
     while (!content.empty()) {
         const ssize_t written = ::write(file, content.data(), content.size());
@@ -75,25 +85,29 @@ std::string TreeWriter::hostPath(std::string_view path) const {
     return _directory + physicalPath(path);
 }
 
+Descriptor TreeWriter::enter(int parent, const std::string& name, const std::string& path) {
+    Descriptor folder(::openat(parent, name.c_str(), folderFlags));
+    if (!folder && errno == ENOENT && ::mkdirat(parent, name.c_str(), 0755) == 0) {
+        _folderAges.emplace(path, ageByName(path));
+        folder = Descriptor(::openat(parent, name.c_str(), folderFlags));
+    }
+    if (!folder) {
+        fail(path);
+    }
+    return folder;
+}
+
 const Descriptor& TreeWriter::openFolder(const std::string& physical) {
     if (_current && physical == _currentPath) {
         return _current;
     }
-    Descriptor folder(::fcntl(_root.get(), F_DUPFD_CLOEXEC, 0));
-    for (size_t start = 1; start < physical.size();) {
+    // Most entries lie near the one before, so the way down starts there where it can.
+    const bool fromCurrent =
+        _current && physical.size() > _currentPath.size() && isBelow(physical, _currentPath);
+    Descriptor folder(::fcntl(fromCurrent ? _current.get() : _root.get(), F_DUPFD_CLOEXEC, 0));
+    for (size_t start = fromCurrent ? _currentPath.size() + 1 : 1; start < physical.size();) {
         const size_t end = std::min(physical.find('/', start), physical.size());
-        const std::string name = physical.substr(start, end - start);
-        const std::string soFar = physical.substr(0, end);
-        if (::mkdirat(folder.get(), name.c_str(), 0755) == 0) {
-            _folderAges.emplace(soFar, 0);
-        } else if (errno != EEXIST) {
-            fail(soFar);
-        }
-        Descriptor next(::openat(folder.get(), name.c_str(), folderFlags));
-        if (!next) {
-            fail(soFar);
-        }
-        folder = std::move(next);
+        folder = enter(folder.get(), physical.substr(start, end - start), physical.substr(0, end));
         start = end + 1;
     }
     _current = std::move(folder);

@@ -54,6 +54,8 @@ class TreeWriter {
 
   private:
     const platform::Descriptor& openFolder(const std::string& physicalPath);
+    /// Opens a folder in another and makes it if it is missing.
+    platform::Descriptor enter(int parent, const std::string& name, const std::string& path);
     void writeFile(int parent, const char* name, std::string_view content, FileTraits traits);
     void finish(int file, mode_t mode, int64_t age);
     [[nodiscard]] timespec moment(int64_t age) const { return {_now - age, 0}; }

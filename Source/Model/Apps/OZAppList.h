@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Model/Apps/InstalledApps.h"
 #include "Model/Apps/OZApp.h"
-#include "Platform/PropertyList.h"
+#include "Model/Services/OZUserDefaultsSync.h"
 
+#include <concepts>
 #include <map>
 #include <memory>
 #include <optional>
@@ -27,8 +29,8 @@ enum class OZAppFilterMask : unsigned {
 enum class OZExclusionMask : unsigned { none = 0, cleanup = 1, images = 2, languages = 4, all = 7 };
 
 template <class Mask>
-concept OZMask = std::is_same_v<Mask, OZAppTypeMask> || std::is_same_v<Mask, OZAppFilterMask> ||
-                 std::is_same_v<Mask, OZExclusionMask>;
+concept OZMask = std::same_as<Mask, OZAppTypeMask> || std::same_as<Mask, OZAppFilterMask> ||
+                 std::same_as<Mask, OZExclusionMask>;
 template <OZMask Mask>
 constexpr Mask operator|(Mask left, Mask right) {
     return static_cast<Mask>(static_cast<unsigned>(left) | static_cast<unsigned>(right));
@@ -55,20 +57,31 @@ struct OZAppQuery {
 };
 
 /// The installed applications, as they were when the list was made, and what the user has excluded them from.
-/// Nothing else reads installation data.
-class OZAppList {
+/// Nothing else reads installation data. Exclusions belong to the main thread; the rest may be read anywhere.
+class OZAppList : public OZUserDefaultsSync {
   public:
     using Apps = std::vector<std::shared_ptr<const OZApp>>;
     using Exclusions = std::map<std::string, OZExclusionMask, std::less<>>;
 
-    /// The device outlives the list.
+    /// Loads the applications; the stored exclusions are left to `loadDefaults`. The device outlives the
+    /// list.
     explicit OZAppList(platform::Device& device);
-    ~OZAppList();
 
-    /// Sorted by display name without regard to case.
+    /// Whether the device tells its applications itself, by a list of its own or by the metadata in their
+    /// containers. Older ones are asked for their installer's cache file.
+    static bool appLoadSupportedAPI(const platform::Device& device);
+    /// What is installed on a device, from the source that its generation has.
+    static InstalledApps loadSystemAppInfo(platform::Device& device);
+    /// Loads the applications anew. An entry without an executable that is there is passed over. Not to be
+    /// called while another thread reads the list.
+    void loadApps();
+
+    /// Sorted by display name without regard to case. The icon filter looks into bundles that have not been
+    /// checked yet.
     [[nodiscard]] Apps appList(const OZAppQuery& query) const;
     /// Null if there is none. User applications come first.
     [[nodiscard]] std::shared_ptr<const OZApp> appWithIdentifier(std::string_view identifier) const;
+    /// Paths that the excluded applications occupy; callers take their last components.
     [[nodiscard]] std::vector<std::string> pathsForExcludedApps(OZExclusionMask exclusionMask,
                                                                 OZAppTypeMask typeMask) const;
 
@@ -80,6 +93,11 @@ class OZAppList {
     [[nodiscard]] std::optional<std::string> userGroupDataContainerDir() const;
     [[nodiscard]] std::optional<std::string> systemGroupDataContainerDir() const;
     [[nodiscard]] std::optional<std::string> pluginDataContainerDir() const;
+
+    /// Checks the icons of the system applications beside the calling thread, so that a later query need not.
+    /// Returns at once; the list may go before the check ends. For front ends that will show the
+    /// applications: a one-shot switch has no use for the work, which is why no list starts it by itself.
+    void checkSystemAppIconValidityInBackground() const;
 
     // Exclusions. Only installed applications have one; a mask of none takes it away.
     [[nodiscard]] const Exclusions& allExcludedApps() const { return _excludedApps; }
@@ -93,9 +111,18 @@ class OZAppList {
     void setExclusionMask(OZExclusionMask mask, std::string_view identifier);
     void toggleExclusionMask(OZExclusionMask mask, std::string_view identifier);
 
+    void loadDefaults() override;
+    void writeDefaults() override;
+
   private:
+    using AppsByIdentifier = std::map<std::string, std::shared_ptr<const OZApp>, std::less<>>;
+    using Selection = std::map<std::string_view, std::shared_ptr<const OZApp>>;
+
+    [[nodiscard]] Selection appsOfTypes(OZAppTypeMask typeMask, OZAppFilterMask filterMask) const;
+    [[nodiscard]] bool isInstalled(std::string_view identifier) const;
+
     platform::Device& _device;
     Exclusions _excludedApps;
-    std::map<std::string, std::shared_ptr<const OZApp>, std::less<>> _userApps;
-    std::map<std::string, std::shared_ptr<const OZApp>, std::less<>> _systemApps;
+    AppsByIdentifier _userApps;
+    AppsByIdentifier _systemApps;
 };

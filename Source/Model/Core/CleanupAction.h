@@ -21,6 +21,8 @@ enum class CleanupPrimitive {
     delFolderContents,
     delFilesInFolderRecursive,
     delFilesExcludingPatternsRecursive,
+    /// With the first start, middle and end pattern, all of which a name must have.
+    delWithPattern,
     delWithPatterns,
 };
 

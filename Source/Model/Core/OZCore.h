@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Model/Core/CleanupAction.h"
+#include "Model/Core/CustomFileRecord.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OnlyFiles.h"
+#include "Model/Services/OZUserDefaultsSync.h"
 #include "Platform/FileManager.h"
 #include "Platform/PropertyList.h"
 
@@ -11,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -20,6 +23,7 @@ namespace platform {
 class Device;
 }
 struct CleanupStepDescription;
+class OZApp;
 class OZAppList;
 class OZLocalizationManager;
 
@@ -39,13 +43,14 @@ enum class Analyze : bool { no, yes };
 /// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling thread,
 /// and the device's current directory belongs to it. While it runs, another thread may poll `isRunning`,
 /// `cleanupStepCount` and `fileCount`.
-class OZCore : public platform::FileManager {
+class OZCore : public platform::FileManager, public OZUserDefaultsSync {
   public:
     using Paths = std::vector<std::string>;
+    using LanguageNames = std::set<std::string, std::less<>>;
 
     /// The collaborators may be absent (null) and outlive the engine: steps that need them then find nothing.
     OZCore(platform::Device& device, OZAppList* appList, OZLocalizationManager* localizationManager);
-    ~OZCore();
+    ~OZCore() override;
 
     static constexpr std::string_view backupExtension = ".OzvarineBackup";
 
@@ -70,6 +75,38 @@ class OZCore : public platform::FileManager {
     /// Whether the steps print their headings; one switch for all engines of the process.
     [[nodiscard]] bool commandLineOutputEnabled() const { return _commandLineOutputEnabled; }
     void setCommandLineOutputEnabled(bool enabled) { _commandLineOutputEnabled = enabled; }
+
+    // Choices of the user beyond the steps.
+    /// In the user's order.
+    [[nodiscard]] const std::vector<CustomFileRecord>& customFiles() const { return _customFiles; }
+    /// Takes the dictionaries that are complete records; everything else falls away.
+    void setCustomFilesExcludingInvalid(const platform::Array& customFiles);
+    /// A record without path or file type is passed over.
+    void addCustomFile(const CustomFileRecord& record);
+    /// The same. Throws AssertionFailure for an index behind the end; so do the next two.
+    void insertCustomFile(const CustomFileRecord& record, size_t index);
+    void removeCustomFile(size_t index);
+    /// Removes the record at the index, then inserts the other: an incomplete one leaves nothing there.
+    void replaceCustomFile(size_t index, const CustomFileRecord& record);
+    /// Extensions without their dot.
+    static std::vector<std::string> defaultFileTypes();
+    [[nodiscard]] const std::vector<std::string>& fileTypes() const { return _fileTypes; }
+    void resetFileTypes();
+    /// Takes the types that may be cleaned; true if any was refused. Nothing but empty texts means the defaults.
+    bool setFileTypesExcludingIllegal(std::vector<std::string> fileTypes);
+    /// English names of languages.
+    [[nodiscard]] const LanguageNames& languagesToRemove() const { return _languagesToRemove; }
+    void setLanguagesToRemove(LanguageNames languages) { _languagesToRemove = std::move(languages); }
+    void addLanguageToRemove(std::string_view language) { _languagesToRemove.emplace(language); }
+    void removeLanguageToRemove(const std::string& language) { _languagesToRemove.erase(language); }
+    void removeAllLanguagesToRemove() { _languagesToRemove.clear(); }
+    /// Unmarks the languages whose name is a part of one of these, without regard to case and diacritics.
+    void removeLanguagesInUse(std::span<const std::string> names);
+
+    // All choices, as they outlive the process.
+    void registerDefaults() override;
+    void loadDefaults() override;
+    void writeDefaults() override;
 
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
@@ -121,6 +158,19 @@ class OZCore : public platform::FileManager {
     /// The paths that the device's "find" prints for these arguments, the first of which is the folder to search.
     /// None without the tool.
     platform::FoundPaths find(const std::vector<std::string>& arguments);
+    /// The same over several folders with one run of the tool; those that are not there are left out.
+    std::vector<platform::FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
+
+    // What is no fixed step.
+    /// Removes what a record of the user names. A blank path names nothing.
+    void cleanCustomFile(const CustomFileRecord& record);
+    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The current
+    /// directory stays where the rule for the application went.
+    void cleanKnownApp(std::string_view identifier);
+
+    /// The folders of the attachments that the message database knows, relative to the user's home, one for each
+    /// attachment. None if the database cannot be read as a whole; an empty list means that it knows none.
+    std::optional<Paths> attachmentPathsFromSMSDatabase();
 
   private:
     struct Run;
@@ -129,12 +179,36 @@ class OZCore : public platform::FileManager {
     /// For whoever sits at a terminal; nothing unless command-line output is enabled.
     void print(std::string_view text) const;
     void log(std::string_view text);
+    void printAndLog(std::string_view text);
     void perform(std::span<const CleanupAction> actions);
     void performInDirectory(const CleanupGroup& group);
 
-    // The sections of a run, by the steps' keys.
-    void cleanOTAUpdates();
-    void cleanTempFiles();
+    // The sections of a run, in its order.
+    void cleanAttachments(const Run& run);
+    void cleanSafari(const Run& run);
+    void cleanApplications(const Run& run);
+    void cleanOTAUpdates(const Run& run);
+    void cleanBatteryData(const Run& run);
+    void cleanCydia(const Run& run);
+    void cleanCydiaSources(const Run& run);
+    void cleanDependencies(const Run& run);
+    void cleanLogFiles(const Run& run);
+    void cleanCacheFiles(const Run& run);
+    void cleanTempFiles(const Run& run);
+    void cleanFileTypes(const Run& run);
+    void cleanCustomFiles(const Run& run);
+
+    // Parts of sections.
+    void cleanUnknownAttachments();
+    void logNameOfApplication(const OZApp& app, std::string_view ending);
+    void quitApplication(const OZApp& app, const Run& run);
+    void cleanSystemApplications(const Run& run);
+    void cleanAuxoSnapshots();
+    void purgeRemovedPackages();
+    void cleanLinkedCrashReports();
+    [[nodiscard]] std::vector<std::string> prunePatterns(const Run& run) const;
+
+    void cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles);
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
@@ -158,6 +232,9 @@ class OZCore : public platform::FileManager {
     OZAppList* _appList;
     OZLocalizationManager* _localizationManager;
     platform::Dictionary _cleanupSettings;
+    std::vector<CustomFileRecord> _customFiles;
+    std::vector<std::string> _fileTypes;
+    LanguageNames _languagesToRemove;
     bool _testMode = false;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;

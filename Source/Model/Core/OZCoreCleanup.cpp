@@ -1,28 +1,18 @@
-#include "Model/Core/OZCore.h"
-
 #include "Model/Core/CleanupSteps.h"
+#include "Model/Core/OZCoreRun.h"
 #include "Model/Services/OZStdIO.h"
 #include "Platform/Device.h"
 
-#include <algorithm>
-#include <array>
-
-#include <unistd.h>
+#include <map>
 
 #include <fmt/format.h>
-
-/// What the sections of one run share.
-struct OZCore::Run {
-    /// The steps to enter, by key.
-    const platform::Dictionary& settings;
-    /// Whether a terminal watches: the run then leaves other programs alone.
-    bool outputIsTerminal;
-};
+#include <unistd.h>
 
 namespace {
 
 constexpr std::string_view deletedFilesBanner = "#################\n# DELETED FILES #\n#################\n";
-constexpr std::string_view processedFilesBanner = "###################\n# PROCESSED FILES #\n###################\n";
+constexpr std::string_view processedFilesBanner =
+    "###################\n# PROCESSED FILES #\n###################\n";
 // Right behind the banner's three lines.
 constexpr unsigned long summaryLine = 4;
 
@@ -33,16 +23,24 @@ OZCoreMode modeFor(Analyze analyze, bool testMode) {
     return testMode ? OZCoreMode::test : OZCoreMode::clean;
 }
 
-bool isOn(const platform::Dictionary& settings, std::string_view key) {
+std::optional<std::string_view> firstOf(std::span<const std::string_view> patterns) {
+    return patterns.empty() ? std::nullopt : std::optional(patterns.front());
+}
+
+} // namespace
+
+uint64_t OZCore::Run::number(std::string_view key) const {
+    const auto found = settings.find(key);
+    return found == settings.end() ? 0 : found->second.unsignedValue().value_or(0);
+}
+
+bool OZCore::Run::isOn(std::string_view key) const {
     const auto found = settings.find(key);
     if (found == settings.end()) {
         return false;
     }
-    return key == cleanupstep::attachments ? found->second.unsignedValue().value_or(0) != 0
-                                           : found->second.boolValue().value_or(false);
+    return key == cleanupstep::attachments ? number(key) != 0 : found->second.boolValue().value_or(false);
 }
-
-} // namespace
 
 void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
     _isRunning = true;
@@ -62,7 +60,7 @@ void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
         log(processedFilesBanner);
     }
     for (const auto& step : cleanupSteps) {
-        if (isOn(run.settings, step.key)) {
+        if (run.isOn(step.key)) {
             runStep(step, run);
         }
     }
@@ -80,18 +78,26 @@ void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
     _isRunning = false;
 }
 
-void OZCore::runStep(const CleanupStepDescription& step, const Run& /*run*/) {
-    using Section = void (OZCore::*)();
-    static constexpr std::array<std::pair<std::string_view, Section>, 2> sections{{
+void OZCore::runStep(const CleanupStepDescription& step, const Run& run) {
+    using Section = void (OZCore::*)(const Run&);
+    static const std::map<std::string_view, Section> sections{
+        {cleanupstep::attachments, &OZCore::cleanAttachments},
+        {cleanupstep::safari, &OZCore::cleanSafari},
+        {cleanupstep::applications, &OZCore::cleanApplications},
         {cleanupstep::otaUpdates, &OZCore::cleanOTAUpdates},
+        {cleanupstep::batteryData, &OZCore::cleanBatteryData},
+        {cleanupstep::cydia, &OZCore::cleanCydia},
+        {cleanupstep::cydiaSources, &OZCore::cleanCydiaSources},
+        {cleanupstep::dependencies, &OZCore::cleanDependencies},
+        {cleanupstep::logFiles, &OZCore::cleanLogFiles},
+        {cleanupstep::cacheFiles, &OZCore::cleanCacheFiles},
         {cleanupstep::tempFiles, &OZCore::cleanTempFiles},
-    }};
+        {cleanupstep::fileTypeCleanup, &OZCore::cleanFileTypes},
+        {cleanupstep::customFiles, &OZCore::cleanCustomFiles},
+    };
     print(fmt::format(fmt::runtime(step.consoleHeading), OZStdIO::yellow, OZStdIO::reset));
     log(step.logHeading);
-    const auto* section = std::ranges::find(sections, step.key, &std::pair<std::string_view, Section>::first);
-    if (section != sections.end()) {
-        (this->*section->second)();
-    }
+    (this->*sections.at(step.key))(run);
     ++_cleanupStepCount;
 }
 
@@ -105,6 +111,11 @@ void OZCore::log(std::string_view text) {
     if (_cleanupLogger) {
         _cleanupLogger->log(text);
     }
+}
+
+void OZCore::printAndLog(std::string_view text) {
+    print(text);
+    log(text);
 }
 
 void OZCore::perform(std::span<const CleanupAction> actions) {
@@ -127,6 +138,11 @@ void OZCore::perform(std::span<const CleanupAction> actions) {
             break;
         case CleanupPrimitive::delFilesExcludingPatternsRecursive:
             delFilesExcludingPatternsRecursive(action.path, action.patterns);
+            break;
+        case CleanupPrimitive::delWithPattern:
+            delWithPattern(action.path, firstOf(action.patterns.startPatterns),
+                           firstOf(action.patterns.middlePatterns), firstOf(action.patterns.endPatterns),
+                           action.onlyFiles);
             break;
         case CleanupPrimitive::delWithPatterns:
             delWithPatterns(action.path, action.patterns, action.onlyFiles);

@@ -39,6 +39,6 @@ constexpr CleanupAction tempFileActions[] = {
 
 } // namespace
 
-void OZCore::cleanOTAUpdates() { perform(otaUpdateActions); }
+void OZCore::cleanOTAUpdates(const Run& /*run*/) { perform(otaUpdateActions); }
 
-void OZCore::cleanTempFiles() { perform(tempFileActions); }
+void OZCore::cleanTempFiles(const Run& /*run*/) { perform(tempFileActions); }

@@ -99,15 +99,19 @@ TEST_F(HostTools, TreeCannotSteerTheLoader) {
 }
 
 TEST_F(HostTools, TreeCannotGiveCodeToATool) {
-    // A program and a name service that would work, so that only the rules can keep them from it.
     for (const char* name : {"sh", "touch"}) {
         fs::create_directories(temporary.hostPath("/bin"));
         fs::copy_file(fs::path("/bin") / name, temporary.hostPath("/bin") / name);
     }
+    // This library works anywhere, and ends any process that loads it with status 126.
+    const fs::path library = fs::canonical("/proc/self/exe").parent_path() / "../libexec/libozenter.so";
+    for (const char* folder : {"/lib", "/lib/x86_64-linux-gnu", "/lib/aarch64-linux-gnu"}) {
+        fs::create_directories(temporary.hostPath(folder));
+        fs::copy_file(library, temporary.hostPath(folder) / "libnss_evil.so.2");
+    }
     temporary.addFile("/etc/nsswitch.conf", "passwd: evil\n");
-    const auto task =
-        run("/usr/bin/find", {"/bin/sh", "-exec", "/bin/touch", "/canary", ";", "-user", "nobody"});
-    EXPECT_NE(task->terminationStatus(), 0);
+    EXPECT_EQ(run("/usr/bin/find", {"/", "-user", "nobody"})->terminationStatus(), 1);
+    run("/usr/bin/find", {"/bin/sh", "-exec", "/bin/touch", "/canary", ";"});
     run("/usr/bin/sed", {"1e /bin/touch /canary", "/etc/nsswitch.conf"});
     EXPECT_FALSE(fs::exists(temporary.hostPath("/canary")));
 }

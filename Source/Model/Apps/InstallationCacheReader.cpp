@@ -1,0 +1,108 @@
+#include "Model/Apps/InstallationCacheReader.h"
+
+#include "Platform/Device.h"
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+constexpr std::string_view cacheFile = "/var/mobile/Library/Caches/com.apple.mobile.installation.plist";
+// It holds the Info.plist of every application.
+constexpr uint64_t cacheFileLimit = uint64_t{64} << 20U;
+constexpr std::string_view userAppsFolder = "/private/var/mobile/Applications";
+constexpr std::string_view systemAppsFolder = "/Applications";
+constexpr std::string_view privateFolder = "/private";
+
+using KnownFolders = std::set<std::string, std::less<>>;
+
+InstalledApps::InfoDictionaries dictionariesAt(const platform::Dictionary& cache, std::string_view key) {
+    InstalledApps::InfoDictionaries dictionaries;
+    if (const auto* entries = platform::valueAt<platform::Dictionary>(cache, key)) {
+        for (const auto& [identifier, entry] : *entries) {
+            if (const auto* info = entry.as<platform::Dictionary>()) {
+                dictionaries.emplace(identifier, *info);
+            }
+        }
+    }
+    return dictionaries;
+}
+
+std::string parentFolder(std::string_view path) {
+    return std::string(path.substr(0, std::max<size_t>(path.rfind('/') + 1, 1) - 1));
+}
+
+KnownFolders knownFolders(const InstalledApps& apps) {
+    KnownFolders known;
+    for (const auto& [identifier, info] : apps.userAppInfo) {
+        const auto* path = platform::valueAt<std::string>(info, infokey::path);
+        if (const auto* container = platform::valueAt<std::string>(info, infokey::container)) {
+            known.insert(*container);
+        } else if (path != nullptr) {
+            known.insert(parentFolder(*path));
+        }
+    }
+    for (const auto& [identifier, info] : apps.systemAppInfo) {
+        for (const auto key : {infokey::path, infokey::container}) {
+            if (const auto* path = platform::valueAt<std::string>(info, key)) {
+                known.insert(*path);
+            }
+        }
+    }
+    return known;
+}
+
+void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
+    const auto containers = fileManager.contentsOfDirectoryAtPath(userAppsFolder);
+    for (const auto& name : containers.value_or(std::vector<std::string>{})) {
+        const auto container = platform::joinPath(userAppsFolder, name);
+        // The cache names the folder with and without the link's own folder.
+        if (known.contains(container) ||
+            known.contains(std::string_view(container).substr(privateFolder.size()))) {
+            continue;
+        }
+        for (const auto& item :
+             fileManager.contentsOfDirectoryAtPath(container).value_or(std::vector<std::string>{})) {
+            if (!item.ends_with(".app")) {
+                continue;
+            }
+            const auto path = platform::joinPath(container, item);
+            const auto infoPlist = readInfoPlist(fileManager, path);
+            if (auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt) {
+                info->insert_or_assign(std::string(infokey::container), container);
+                apps.userAppInfo.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
+                                                  std::move(*info));
+            }
+        }
+    }
+}
+
+void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
+    for (const auto& item :
+         fileManager.contentsOfDirectoryAtPath(systemAppsFolder).value_or(std::vector<std::string>{})) {
+        // Deliberately unknown, so that nothing of it is ever touched.
+        if (!item.ends_with(".app") || item.ends_with("biteSMS.app")) {
+            continue;
+        }
+        const auto path = platform::joinPath(systemAppsFolder, item);
+        const auto infoPlist = known.contains(path) ? std::nullopt : readInfoPlist(fileManager, path);
+        if (auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt) {
+            apps.systemAppInfo.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
+                                                std::move(*info));
+        }
+    }
+}
+
+} // namespace
+
+InstalledApps readInstallationCache(platform::Device& device) {
+    auto fileManager = device.fileManager();
+    const auto cache =
+        readDictionary(fileManager, cacheFile, cacheFileLimit).value_or(platform::Dictionary{});
+    InstalledApps apps{.systemAppInfo = dictionariesAt(cache, "System"),
+                       .userAppInfo = dictionariesAt(cache, "User")};
+    const auto known = knownFolders(apps);
+    addUserApps(fileManager, known, apps);
+    addSystemApps(fileManager, known, apps);
+    return apps;
+}

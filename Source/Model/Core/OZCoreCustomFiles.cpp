@@ -1,0 +1,84 @@
+#include "Categories/NSStringAdditions.h"
+#include "Model/Core/CustomFileRecord.h"
+#include "Model/Core/OZCore.h"
+
+#include <string_view>
+
+// The files and folders that the user has added to a cleanup.
+
+namespace {
+
+bool isPattern(const std::optional<std::string>& pattern) {
+    return pattern && !pattern->empty();
+}
+
+// A backslash takes a character's meaning away in a regular expression and in a shell pattern alike.
+std::string escapedPatternForString(std::string_view text) {
+    std::string escaped;
+    for (const char character : text) {
+        if (std::string_view("*?+[(){}^$|\\./").contains(character)) {
+            escaped += '\\';
+        }
+        escaped += character;
+    }
+    return escaped;
+}
+
+// Names that a deep search takes, as a shell pattern.
+std::string globFor(const CustomFileRecord& record) {
+    std::string glob;
+    if (record.startPattern) {
+        glob += escapedPatternForString(*record.startPattern);
+    }
+    glob += '*';
+    if (record.middlePattern) {
+        glob += escapedPatternForString(*record.middlePattern) + '*';
+    }
+    if (record.endPattern) {
+        glob += escapedPatternForString(*record.endPattern);
+    }
+    return glob;
+}
+
+} // namespace
+
+void OZCore::cleanCustomFile(const CustomFileRecord& record) {
+    if (!isNotEmptyOrWhitespace(record.filePath)) {
+        return;
+    }
+    if (record.fileType != CustomFileRecord::directoryType) {
+        del(Paths{record.filePath});
+        return;
+    }
+    switch (record.customFolderSetting) {
+    case OZCustomFolderSetting::whole:
+        delr(Paths{record.filePath});
+        break;
+    case OZCustomFolderSetting::filesAndSubfolders:
+        cleanInsideCustomFolder(record, OnlyFiles::no);
+        break;
+    case OZCustomFolderSetting::onlyFiles:
+        cleanInsideCustomFolder(record, OnlyFiles::yes);
+        break;
+    }
+}
+
+void OZCore::cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles) {
+    const bool hasPattern =
+        isPattern(record.startPattern) || isPattern(record.middlePattern) || isPattern(record.endPattern);
+    if (!hasPattern && record.recursive && onlyFiles == OnlyFiles::yes) {
+        delFilesInFolderRecursive(record.filePath);
+    } else if (!hasPattern) {
+        delFolderContents(record.filePath, onlyFiles);
+    } else if (!record.recursive) {
+        delWithPattern(record.filePath, record.startPattern, record.middlePattern, record.endPattern,
+                       onlyFiles);
+    } else {
+        std::vector<std::string> arguments = {record.filePath, "-mindepth",     "1",
+                                              "-name",         globFor(record), "-prune"};
+        if (onlyFiles == OnlyFiles::yes) {
+            arguments.insert(arguments.end(), {"-type", "f"});
+        }
+        delr(find(arguments));
+    }
+}

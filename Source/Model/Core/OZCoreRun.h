@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Model/Core/OZCore.h"
+
+/// What the sections of one run share. For the engine's own files.
+struct OZCore::Run {
+    /// The steps to enter, by key.
+    const platform::Dictionary& settings;
+    /// Whether a terminal watches: the run then leaves applications alone.
+    bool outputIsTerminal;
+
+    /// A setting as a number, 0 where there is none.
+    [[nodiscard]] uint64_t number(std::string_view key) const;
+    /// Whether a step is to be entered. A step that is not named is off.
+    [[nodiscard]] bool isOn(std::string_view key) const;
+};

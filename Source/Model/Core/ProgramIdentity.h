@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string_view>
+
+/// How the program is known on a device: the "CFBundleIdentifier" of its bundle.
+inline constexpr std::string_view programIdentifier = "com.ozdev90.ozvarine";

@@ -1,0 +1,179 @@
+#include "Tests/Platform/FileManagerFixture.h"
+
+#include <chrono>
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+using namespace platform;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+namespace tests {
+
+namespace {
+
+// Exchanges two entries as fast as it can until the end of its life, in a process of its own.
+class Swapper {
+  public:
+    Swapper(std::string first, std::string second)
+        : _child(::fork()) {
+        if (_child == 0) {
+            for (;;) {
+                ::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE);
+            }
+        }
+    }
+    Swapper(const Swapper&) = delete;
+    Swapper& operator=(const Swapper&) = delete;
+    ~Swapper() {
+        ::kill(_child, SIGKILL);
+        ::waitpid(_child, nullptr, 0);
+    }
+
+  private:
+    pid_t _child;
+};
+
+void makeSocket(const std::string& path) {
+    sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+}
+
+} // namespace
+
+class TreeRemovalTest : public FileManagerFixture {
+  protected:
+    // Runs `act` for a while; after each time the canaries must be whole.
+    template <class Act>
+    void repeatedly(Act act) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(450);
+        while (std::chrono::steady_clock::now() < end) {
+            act();
+            ASSERT_EQ(host.content("outside/canary"), "alive");
+            ASSERT_EQ(content("/keep/canary"), "alive");
+            ASSERT_EQ(content("/keep/deep/canary"), "alive");
+        }
+    }
+};
+OZ_BOTH_RESOLUTIONS(TreeRemovalTest);
+
+TEST_P(TreeRemovalTest, TreeOfTrapsIsGoneAndNothingElse) {
+    const std::string outside = host.path("outside");
+    make("keep/canary: alive\nkeep/folder/canary: alive\n");
+    const auto before = host.listing();
+    std::string folder = "trap/";
+    for (int level = 0; level < 5; ++level, folder += "in/") {
+        make(folder + "absolute -> " + outside + "\n" + folder + "file -> " + outside + "/canary\n" + folder +
+             "relative -> ../../../../../../../.." + outside + "\n" + folder + "beside -> /keep\n" + folder +
+             "up -> ..\n" + folder + "self -> self\n" + folder + "nothing -> missing\n" + folder +
+             "pipe |\n" + folder + "hard == keep/canary\n" + folder + "empty/\n" + folder +
+             "locked/file: x\n" + folder + "\xff\xfe: x\n" + folder + std::string(255, 'n') + "/x: x\n");
+        makeSocket(host.path("root/" + folder + "socket"));
+        ASSERT_EQ(::chmod(host.path("root/" + folder + "empty").c_str(), 0), 0);
+    }
+    EXPECT_TRUE(files->removeItemAtPath("/trap"));
+    EXPECT_EQ(host.listing(), before);
+}
+
+TEST_P(TreeRemovalTest, LinkAtTheNameIsRemovedItself) {
+    make("keep/canary: alive\nlink -> keep\nvar -> keep\nnothing -> missing");
+    for (const char* path : {"/link", "/var/", "/nothing"}) {
+        EXPECT_TRUE(files->removeItemAtPath(path)) << path;
+    }
+    EXPECT_THAT(*files->contentsOfDirectoryAtPath("/"), ElementsAre("keep"));
+    EXPECT_EQ(content("/keep/canary"), "alive");
+    EXPECT_EQ(errorOf(files->removeItemAtPath("/link")), ENOENT);
+    EXPECT_EQ(errorOf(files->removeItemAtPath("/keep/canary/x")), ENOTDIR);
+}
+
+TEST_P(TreeRemovalTest, GoesOnPastWhatCannotBeRemoved) {
+    make("tree/a/file: x\ntree/roots/file: stays\ntree/closed/\ntree/z/deep/file: x");
+    ASSERT_EQ(::chmod(host.path("root/tree/closed").c_str(), 0), 0);
+    for (const char* path : {"/tree", "/tree/a", "/tree/a/file", "/tree/closed", "/tree/z", "/tree/z/deep",
+                             "/tree/z/deep/file"}) {
+        if (!giveToUser(path, 501)) {
+            GTEST_SKIP() << "needs real root to become another user";
+        }
+    }
+    EXPECT_TRUE(holdsForUser(501, [&] {
+        const auto tree = *files->itemAtPath("/tree")->openFolder();
+        return errorOf(Item(tree, "roots").remove()) == EACCES && Item(tree, "closed").remove() &&
+               errorOf(files->removeItemAtPath("/tree")) == EACCES;
+    }));
+    EXPECT_THAT(*files->contentsOfDirectoryAtPath("/tree"), UnorderedElementsAre("a", "roots", "z"))
+        << "the folder's own removal is refused before its content is touched";
+    ASSERT_TRUE(giveToUser("", 501));
+    EXPECT_TRUE(holdsForUser(501, [&] { return errorOf(files->removeItemAtPath("/tree")) == EACCES; }));
+    EXPECT_THAT(*files->contentsOfDirectoryAtPath("/tree"), ElementsAre("roots"));
+    EXPECT_EQ(content("/tree/roots/file"), "stays");
+}
+
+TEST_P(TreeRemovalTest, FoundPathsSurviveFoldersSwappedForLinks) {
+    make("keep/canary: alive\nkeep/deep/canary: alive\nkeep/foreign: x\nwork/target/canary: x\nwork/decoy -> "
+         "/keep");
+    const Descriptor target(
+        ::open(host.path("root/work/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Swapper swapper(host.path("root/work/target"), host.path("root/work/decoy"));
+    size_t removed = 0;
+    repeatedly([&] {
+        const Descriptor again(::openat(target.get(), "canary", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+        FoundPaths found{.folder = *files->folderAtPath("/work"), .prefix = "/work/", .names = {}};
+        const auto walk = files->enumeratorAtPath("/work");
+        while (const auto entry = walk->nextObject()) {
+            EXPECT_FALSE(entry->ends_with("/foreign")) << "walked through a link";
+            if (entry->ends_with("/canary")) {
+                found.names.emplace_back(*entry);
+            }
+        }
+        found.names.insert(found.names.end(), {"target/deep/canary", "target/canary", "decoy/canary"});
+        for (const auto& name : found.names) {
+            const auto item = files->itemBelow(found.folder, name);
+            removed += item && item->remove() ? 1 : 0;
+            files->forgetLastFolder();
+        }
+    });
+    EXPECT_GT(removed, 0);
+}
+
+TEST_P(TreeRemovalTest, PlainPathsSurviveFoldersSwappedForLinksOfUsers) {
+    make("keep/canary: alive\nkeep/deep/canary: alive\nwork/target/canary: x\nwork/decoy -> /keep\nwork/out "
+         "-> " +
+         host.path("outside"));
+    if (!giveToUser("/work/decoy", 501) || !giveToUser("/work/target", 501)) {
+        GTEST_SKIP() << "needs the right to give links away";
+    }
+    const Descriptor target(
+        ::open(host.path("root/work/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Swapper swapper(host.path("root/work/target"), host.path("root/work/decoy"));
+    const Swapper outside(host.path("root/work/target"), host.path("root/work/out"));
+    size_t removed = 0;
+    repeatedly([&] {
+        const Descriptor again(::openat(target.get(), "canary", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+        for (const char* path : {"/work/target/canary", "/work/decoy/canary", "/work/target/../target/canary",
+                                 "/work/target/deep/canary", "/work/out/canary"}) {
+            removed += files->removeItemAtPath(path) ? 1 : 0;
+        }
+    });
+    EXPECT_GT(removed, 0);
+}
+
+TEST_P(TreeRemovalTest, RemovalSurvivesInnerFoldersSwappedForLinks) {
+    make("keep/canary: alive\nkeep/deep/canary: alive\n");
+    const Swapper swapper(host.path("root/target/in"), host.path("root/target/decoy"));
+    repeatedly([&] {
+        make("staging/in/deep/canary: x\nstaging/in/canary: x\nstaging/decoy -> /keep");
+        ASSERT_TRUE(files->moveItemAtPath("/staging", "/target"));
+        // What a swap kept alive goes the next time.
+        for (int attempt = 0; attempt < 100 && exists("/target"); ++attempt) {
+            std::ignore = files->removeItemAtPath("/target");
+        }
+        ASSERT_FALSE(exists("/target"));
+    });
+}
+
+} // namespace tests
