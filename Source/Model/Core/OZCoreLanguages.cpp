@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
