@@ -11,12 +11,9 @@ using tests::StepFixture;
 namespace {
 
 // Each argument in brackets, so that none can hide in another.
-constexpr std::string_view note = R"({ printf %s "$(basename "$0")";
-printf '[%s]' "$@";
-echo;
-} )"
-                                  R"(>> "$OZVARINE_DEVICE/Journal.log")"
-                                  "\n";
+constexpr const char* note =
+    R"sh({ printf %s "$(basename "$0")"; printf '[%s]' "$@"; echo; } >> "$OZVARINE_DEVICE/Journal.log"
+)sh";
 
 void addAptGet(StepFixture& fixture) {
     fixture.device.addTool("/usr/bin/apt-get",
@@ -24,9 +21,9 @@ void addAptGet(StepFixture& fixture) {
 }
 
 void addDpkg(StepFixture& fixture) {
-    fixture.device.addTool("/usr/bin/dpkg", std::string(note) +
-                                                R"([ "$1" = -l ] || { echo loud; echo loud >&2; exit 1; }
-printf '||/ Name  Version\nii  kept  1\nrc  first:arm\t1  text\nrc\nrc   second 2\n rc third 3\n')");
+    fixture.device.addTool("/usr/bin/dpkg",
+                           std::string(note) + R"sh([ "$1" = -l ] || { echo loud; echo loud >&2; exit 1; }
+printf '||/ Name  Version\nii  kept  1\nrc  first:arm\t1  text\nrc\nrc   second 2\n rc third 3\n')sh");
 }
 
 } // namespace
