@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/landlock.h>
 #include <sys/syscall.h>
