@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using tests::StepFixture;
 
 namespace {
@@ -59,13 +58,19 @@ TEST(DependenciesStep, RemovesCleansAndPurges) {
     EXPECT_TRUE(printed.ends_with(fixture.body())) << printed;
 }
 
-TEST(DependenciesStep, MissingToolsAreNoError) {
+TEST(CleanupSteps, AllOfThemEndWithoutToolsAndInventory) {
     StepFixture fixture;
-    addDpkg(fixture);
-    // A stand-in of one package tool takes the place of all: the host's own are not reached.
-    fixture.run(cleanupstep::dependencies);
-    const auto journal = fixture.device.journal();
-    ASSERT_FALSE(journal.empty());
-    EXPECT_EQ(journal.front(), "dpkg[-l]");
-    EXPECT_EQ(fixture.core->cleanupStepCount(), 1);
+    fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1"});
+    const auto before = fixture.tree();
+    platform::Device bare(fixture.device.device().fileManager(), {.foundationVersion = 1445.32}, {});
+    OZCore core(bare, nullptr, nullptr);
+    core.setCleanupLogger(std::make_unique<OZCleanupLogger>(bare));
+    platform::Dictionary settings;
+    for (const auto& step : cleanupSteps) {
+        settings[std::string(step.key)] = true;
+    }
+    core.clean(&settings, Analyze::no);
+    EXPECT_EQ(core.cleanupStepCount(), 13);
+    EXPECT_EQ(fixture.tree(), before);
+    EXPECT_THAT(fixture.body(), testing::HasSubstr("\nPurging uninstalled packages ...\n\n"));
 }
