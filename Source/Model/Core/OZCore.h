@@ -106,6 +106,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeAllLanguagesToRemove() { _languagesToRemove.clear(); }
     /// Unmarks the languages whose name is a part of one of these, without regard to case and diacritics.
     void removeLanguagesInUse(std::span<const std::string> names);
+    /// Unmarks English and the languages of the device and of the user; for when the language changes.
+    void localize();
     /// The languages that may be chosen, in the order of the language table: not English, nor those in use.
     [[nodiscard]] std::vector<std::string> removableLanguages();
     /// The lines of the language table, "lang" of the program's resources: a language's English name and the other

@@ -34,8 +34,10 @@ platform::Dictionary globalPreferences(platform::FileManager fileManager) {
 
 } // namespace
 
-OZLocalizationManager::OZLocalizationManager(platform::Device& device, const platform::Bundle& bundle)
+OZLocalizationManager::OZLocalizationManager(platform::Device& device, platform::UserDefaults& defaults,
+                                             const platform::Bundle& bundle)
     : _device(device)
+    , _defaults(defaults)
     , _bundle(bundle) {
     readSystemPreferences();
     findLanguages();
@@ -118,11 +120,11 @@ std::string OZLocalizationManager::languageOfDevice() const {
 }
 
 void OZLocalizationManager::loadDefaults() {
-    setUserLanguage(_device.standardUserDefaults().stringForKey(languageDefaultsKey));
+    setUserLanguage(_defaults.stringForKey(languageDefaultsKey));
 }
 
 void OZLocalizationManager::writeDefaults() {
     if (_userLanguage) {
-        _device.standardUserDefaults().setObject(languageDefaultsKey, *_userLanguage);
+        _defaults.setObject(languageDefaultsKey, *_userLanguage);
     }
 }

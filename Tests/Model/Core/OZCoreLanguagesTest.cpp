@@ -44,7 +44,8 @@ class OZCoreLanguages : public EngineTest {
         if (!_bundle) {
             _bundle.emplace();
         }
-        _manager = std::make_unique<OZLocalizationManager>(*_device, *_bundle);
+        _manager =
+            std::make_unique<OZLocalizationManager>(*_device, _device->standardUserDefaults(), *_bundle);
         _inventory = std::make_unique<OZAppList>(*_device);
         _core = std::make_unique<OZCore>(*_device, _inventory.get(), _manager.get());
         _core->setCleanupLogger(std::make_unique<OZCleanupLogger>(*_device));

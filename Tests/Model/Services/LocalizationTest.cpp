@@ -1,5 +1,6 @@
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Bundle.h"
+#include "Platform/UserDefaults.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -40,12 +41,16 @@ class Localization {
   public:
     explicit Localization(TemporaryDevice& device, std::filesystem::path resources = Bundle().directory())
         : _bundle(std::move(resources))
-        , manager(device.device(), _bundle)
+        , _defaults(device.device().fileManager(), device.device().notificationCenter(), "/defaults.plist")
+        , manager(device.device(), _defaults, _bundle)
         , _observation(device.device().notificationCenter(), OZLocalizationNotification, &manager,
                        [this](const auto&) { ++notifications; }) {}
 
+    [[nodiscard]] platform::UserDefaults& defaults() { return _defaults; }
+
   private:
     Bundle _bundle;
+    platform::UserDefaults _defaults;
 
   public:
     OZLocalizationManager manager;
@@ -165,10 +170,10 @@ TEST(Localization, KeepsTheChoiceAndSurvivesALanguageThatIsGone) {
     TemporaryDevice device;
     {
         Localization first(device, resources.path());
-        registerObject(device.device().standardUserDefaults(), first.manager);
+        registerObject(first.defaults(), first.manager);
         EXPECT_EQ(first.manager.userLanguage(), "English");
         first.manager.setUserLanguage("French");
-        EXPECT_TRUE(device.device().standardUserDefaults().synchronize());
+        EXPECT_TRUE(first.defaults().synchronize());
     }
     Localization second(device, resources.path());
     second.manager.loadDefaults();
