@@ -77,7 +77,7 @@ std::string escapedForRegex(std::string_view name) {
     return escaped;
 }
 
-// Every language of the program in another script or region has a file of its own, but is one language.
+// Chinese has a file for each script and region, but is one language.
 std::string languageOfFile(std::string_view fileName) {
     constexpr std::string_view chinese = "Chinese";
     fileName.remove_suffix(languageFileExtension.size());

@@ -154,7 +154,8 @@ TEST_F(OZCoreLanguageRemoval, TakesFoldersAllOverTheDevice) {
                         "/A.framework/Base.lproj/a",
                         "/A.framework/fr.lproj/a",
                         "/A.framework/file/de.lproj",
-                        "/var/containers/Bundle/Application/1/Notes (Beta).app/de.lproj/a",
+                        "/Applications/Notes (Beta).app/de.lproj/a",
+                        "/var/mobile/Containers/Data/1/de.lproj/a",
                         "/usr/share/mecabra/deep/de/a",
                         "/usr/share/mecabra/fr/a",
                         "/Applications/Ozvarine.app/French.strings",
@@ -169,10 +170,13 @@ TEST_F(OZCoreLanguageRemoval, TakesFoldersAllOverTheDevice) {
         temporary.addLink("/A.framework/link.de.lproj", "/elsewhere");
         facts.foundationVersion = version;
         facts.applications->clear();
-        addApp("com.example.notes", OZAppType::user, "/var/containers/Bundle/Application/1/Notes (Beta).app",
+        addApp("com.example.notes", OZAppType::system, "/Applications/Notes (Beta).app");
+        addApp("com.example.user", OZAppType::user, "/var/containers/Bundle/Application/2/User.app",
                "/var/mobile/Containers/Data/1");
         auto& core = engineFor({"German"});
-        inventory().setExclusionMask(OZExclusionMask::languages, "com.example.notes");
+        for (const auto* identifier : {"com.example.notes", "com.example.user"}) {
+            inventory().setExclusionMask(OZExclusionMask::languages, identifier);
+        }
         Tree expected(gone.begin(), gone.end());
         if (version == beforeCarrierBundles) {
             expected.insert(carrier);
