@@ -115,8 +115,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
     void clean(const platform::Dictionary* settings, Analyze analyze);
-    /// Removes payload that the device or its user has no need of, for one of the actions that say "remove" but for
-    /// that on backups. Any other action leaves the run open: nobody may ask for one.
+    /// Removes payload that the device or its user has no need of: images, artwork, languages, keyboards or voices.
+    /// An action of another kind leaves the run open; nobody may ask for one.
     void remove(OZAction action, Analyze analyze);
     /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives way to
     /// it. A backup inside of a folder that is itself a backup needs a second call.
