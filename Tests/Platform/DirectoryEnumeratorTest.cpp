@@ -123,15 +123,26 @@ TEST_P(DirectoryEnumeratorTest, GivesWhatIsLeftOfOuterLevelsOnTheWayBack) {
 
 TEST_P(DirectoryEnumeratorTest, FolderMovedAwayLeadsNobodyToItsNewNeighbours) {
     makeDeepFolders(files->rootDescriptor(), 150);
-    std::string half = host.path("root");
-    for (int level = 0; level < 75; ++level) {
-        half += "/d";
+    std::string half = "/";
+    for (int level = 0; level < 74; ++level) {
+        half += "d/";
+    }
+    for (const char* name : {"a", "b", "c"}) {
+        make(half + name + "/");
+        host.make("outside/folder/" + std::string(name) + "/foreign: x");
+    }
+    // The walk has to go down in the entry listed first, so that the others are left when it comes back.
+    if (const std::string first = files->contentsOfDirectoryAtPath(half)->front(); first != "d") {
+        ASSERT_TRUE(files->removeItemAtPath(half + first));
+        ASSERT_TRUE(files->moveItemAtPath(half + "d", half + first));
+        half += first;
+    } else {
+        half += "d";
     }
     const auto walk = files->enumeratorAtPath("/");
-    for (int level = 0; level < 150; ++level) {
-        ASSERT_TRUE(walk->nextObject());
+    for (auto path = walk->nextObject(); path->size() < 299; path = walk->nextObject()) {
     }
-    std::filesystem::rename(half, host.path("outside/folder/d"));
+    std::filesystem::rename(host.path("root" + half), host.path("outside/folder/d"));
     EXPECT_THAT(rest(*walk), testing::IsEmpty());
 }
 

@@ -18,12 +18,15 @@ namespace {
 // Exchanges two entries as fast as it can until the end of its life, in a process of its own.
 class Swapper {
   public:
-    Swapper(std::string first, std::string second)
-        : _child(::fork()) {
+    Swapper(const std::string& first, const std::string& second) {
+        const pid_t parent = ::getpid();
+        _child = ::fork();
         if (_child == 0) {
-            for (;;) {
+            // It must not outlive a test that is killed.
+            while (::getppid() == parent) {
                 ::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE);
             }
+            ::_exit(0);
         }
     }
     Swapper(const Swapper&) = delete;
@@ -34,7 +37,7 @@ class Swapper {
     }
 
   private:
-    pid_t _child;
+    pid_t _child = 0;
 };
 
 void makeSocket(const std::string& path) {
@@ -173,6 +176,30 @@ TEST_P(TreeRemovalTest, RemovalSurvivesInnerFoldersSwappedForLinks) {
             std::ignore = files->removeItemAtPath("/target");
         }
         ASSERT_FALSE(exists("/target"));
+    });
+}
+
+TEST_P(TreeRemovalTest, FolderMovedAwayLeadsNoRemovalToItsNewNeighbours) {
+    make("keep/canary: alive\nkeep/deep/canary: alive");
+    host.make("outside/hole/d/");
+    // Many, since some of them have to be left for the time after "d".
+    const std::string siblings = "abcefghijklmnopqrstuvwxyz";
+    for (const char name : siblings) {
+        host.make(std::string("outside/hole/") + name + "/canary: alive");
+    }
+    const Swapper swapper(host.path("root/target/d"), host.path("outside/hole/d"));
+    repeatedly([&] {
+        for (const char name : siblings) {
+            make(std::string("staging/") + name + "/canary: x");
+        }
+        makeDeepFolders((*files->folderAtPath("/staging"))->descriptor(), 60);
+        ASSERT_TRUE(files->moveItemAtPath("/staging", "/target"));
+        for (int attempt = 0; attempt < 100 && exists("/target"); ++attempt) {
+            std::ignore = files->removeItemAtPath("/target");
+        }
+        for (const char name : siblings) {
+            ASSERT_EQ(host.content(std::string("outside/hole/") + name + "/canary"), "alive");
+        }
     });
 }
 

@@ -13,7 +13,7 @@ namespace {
 using enum CleanupPrimitive;
 
 // The system's own applications that are treated like the user's.
-const std::vector<std::string> appleApplications = {
+constexpr std::string_view appleApplications[] = {
     "com.apple.calculator", "com.apple.Health",   "com.apple.Maps", "com.apple.mobilemail",
     "com.apple.news",       "com.apple.podcasts", "com.apple.tips", "com.apple.weather"};
 
@@ -61,9 +61,10 @@ void OZCore::cleanApplications(const Run& run) {
     if (_appList == nullptr) {
         return;
     }
-    const auto apps = _appList->appList({.typeMask = OZAppTypeMask::user,
-                                         .includingIdentifiers = appleApplications,
-                                         .exclusionMask = OZExclusionMask::cleanup});
+    const auto apps = _appList->appList(
+        {.typeMask = OZAppTypeMask::user,
+         .includingIdentifiers = {std::begin(appleApplications), std::end(appleApplications)},
+         .exclusionMask = OZExclusionMask::cleanup});
     for (const auto& app : apps) {
         logNameOfApplication(*app, "\n");
         quitApplication(*app, run);

@@ -1,7 +1,6 @@
 #include "Model/Core/SuffixList.h"
 
 #include <algorithm>
-#include <numeric>
 
 SuffixList::SuffixList(const std::vector<std::string>& suffixes) {
     std::vector<Node> nodes;
@@ -44,9 +43,12 @@ size_t SuffixList::lastNotAfter(std::string_view reversed) const {
 std::optional<size_t> SuffixList::take(std::string_view text) {
     const std::string reversed(text.rbegin(), text.rend());
     Node* first = nullptr;
+    // Once the text ends in one, it ends in all that are shorter, too.
+    bool endsInNode = false;
     for (size_t index = lastNotAfter(reversed); index != none; index = _nodes[index].shorter) {
         Node& node = _nodes[index];
-        if (node.used == node.places.size() || !reversed.starts_with(node.reversed)) {
+        endsInNode = endsInNode || reversed.starts_with(node.reversed);
+        if (!endsInNode || node.used == node.places.size()) {
             continue;
         }
         if (first == nullptr || node.places[node.used] < first->places[first->used]) {

@@ -62,9 +62,9 @@ TEST(CacheStep, ADirectoryOfRootsIsMetTwiceByAnAnalysis) {
         {"/var/root/Library/Caches/locationd/consolidated.db", "/var/root/Library/Caches/http_b"});
     fixture.run(cleanupstep::cacheFiles, OZCoreMode::analyze);
     EXPECT_THAT(fixture.loggedPaths(),
-                ElementsAre("/var/root/Library/Caches:", "./locationd/consolidated.db", "./http_b",
-                            "/var/root:", "./Library/Caches/locationd/consolidated.db",
-                            "./Library/Caches/http_b"));
+                ElementsAre("/var/mobile/Library:", "/var/mobile:", "/var/root/Library/Caches:",
+                            "./locationd/consolidated.db", "./http_b", "/var/root:",
+                            "./Library/Caches/locationd/consolidated.db", "./Library/Caches/http_b"));
     EXPECT_EQ(fixture.core->fileCount(), 4);
     fixture.run(cleanupstep::cacheFiles, OZCoreMode::clean);
     EXPECT_EQ(fixture.core->fileCount(), 2);

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 using tests::StepFixture;
 
 namespace {

@@ -21,7 +21,7 @@ void addLogs(StepFixture& fixture) {
     fixture.device.addLink(crashReporter + "sub/chain", "../link");
     fixture.device.addLink(crashReporter + "dangling", "/nowhere/at/all");
     fixture.device.addLink(crashReporter + "folder", "/outside/kept");
-    fixture.device.addLink(crashReporter + "out", fixture.device.folder() / "host file");
+    fixture.device.addLink(crashReporter + "out", (fixture.device.folder() / "host file").string());
     std::ofstream(fixture.device.folder() / "host file") << "not the device's";
 }
 

@@ -6,7 +6,6 @@
 #include <sqlite3.h>
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::UnorderedElementsAre;
 using tests::StepFixture;
 

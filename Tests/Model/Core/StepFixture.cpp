@@ -47,7 +47,13 @@ platform::DeviceFacts factsWith(double foundationVersion, const std::vector<List
 StepFixture::StepFixture(double foundationVersion, const std::vector<ListedApp>& listedApps)
     : device(factsWith(foundationVersion, listedApps)) {
     for (const auto& app : listedApps) {
+        const platform::Dictionary info{{"CFBundleIconFile", "icon.png"}};
         device.addFile(bundleOf(app) + "/" + app.name);
+        device.addFile(bundleOf(app) + "/Info.plist",
+                       platform::serializePropertyList(info, platform::PropertyListFormat::xml));
+        if (app.hasIcon) {
+            device.addFile(bundleOf(app) + "/icon.png");
+        }
     }
     device.addNotingTool("/usr/bin/killall");
     apps = std::make_unique<OZAppList>(device.device());

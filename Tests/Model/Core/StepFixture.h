@@ -21,6 +21,7 @@ struct ListedApp {
     std::string container = "/c/" + identifier;
     platform::Dictionary groups{};
     platform::Dictionary plugins{};
+    bool hasIcon = true;
 };
 
 /// An engine with applications, its log and a killall that notes its calls, for runs of whole steps.
