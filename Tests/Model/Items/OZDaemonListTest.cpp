@@ -2,9 +2,11 @@
 
 #include "Model/Items/Togglable/Daemons/OZDaemonList.h"
 
+#include "Model/Builder/OZModelBuilder.h"
 #include "Model/Items/Togglable/Daemons/OZDaemon.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonGroup.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonTable.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <fstream>
@@ -101,6 +103,23 @@ TEST(DaemonList, HoldsWhatTheDeviceHas) {
     daemons.language = "de";
     daemons.list.localize();
     EXPECT_EQ(daemons.list.itemWithIdentifier("home")->itemDescription(), "deHOMEKITDAEMONMSG");
+}
+
+TEST(DaemonList, FollowsTheLanguageOfTheProgram) {
+    Daemons daemons(moved);
+    daemons.add("com.apple.homed");
+    OZModelBuilder builder(daemons.device.device());
+    auto& languages = builder.localizationManager();
+    auto& list = builder.daemonList();
+    EXPECT_EQ(&builder.daemonList(), &list);
+    std::set<std::string> titles;
+    for (const char* language : {"English", "German"}) {
+        languages.setUserLanguage(language);
+        titles.insert(list.itemWithIdentifier("home")->title());
+        EXPECT_EQ(list.itemWithIdentifier("home")->title(),
+                  languages.localizedStringForKey("HOMEKITDAEMONLBL"));
+    }
+    EXPECT_EQ(titles.size(), 2);
 }
 
 TEST(DaemonList, KeepsTheBoundsOfVersions) {
