@@ -3,6 +3,7 @@
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Items/Togglable/Daemons/OZDaemonList.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
@@ -55,6 +56,18 @@ OZCore& OZModelBuilder::core() {
                                   [this](const platform::Notification&) { _core->localize(); });
     }
     return *_core;
+}
+
+OZDaemonList& OZModelBuilder::daemonList() {
+    if (!_daemonList) {
+        _daemonList = std::make_unique<OZDaemonList>(_device, [this](std::string_view key) {
+            return localizationManager().localizedStringForKey(key);
+        });
+        _daemonListLanguageChange =
+            platform::Observation(_device.notificationCenter(), OZLocalizationNotification, nullptr,
+                                  [this](const platform::Notification&) { _daemonList->localize(); });
+    }
+    return *_daemonList;
 }
 
 OZDeviceActions& OZModelBuilder::deviceActions() {

@@ -12,6 +12,7 @@ class UserDefaults;
 class OZAppList;
 class OZCleanupLogger;
 class OZCore;
+class OZDaemonList;
 class OZDeviceActions;
 class OZLocalizationManager;
 
@@ -35,6 +36,7 @@ class OZModelBuilder {
     OZAppList& appList();
     OZLocalizationManager& localizationManager();
     OZCore& core();
+    OZDaemonList& daemonList();
     OZDeviceActions& deviceActions();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
 
@@ -47,5 +49,7 @@ class OZModelBuilder {
     std::unique_ptr<OZLocalizationManager> _localizationManager;
     std::unique_ptr<OZCore> _core;
     platform::Observation _languageChange;
+    std::unique_ptr<OZDaemonList> _daemonList;
+    platform::Observation _daemonListLanguageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
 };

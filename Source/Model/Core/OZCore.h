@@ -124,11 +124,11 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
     void clean(const platform::Dictionary* settings, Analyze analyze);
-    /// Removes payload that the device or its user has no need of, for one of the actions that say "remove" but for
-    /// that on backups. Any other action leaves the run open: nobody may ask for one.
+    /// Removes payload that the device or its user has no need of: images, artwork, languages, keyboards or
+    /// voices. An action of another kind leaves the run open; nobody may ask for one.
     void remove(OZAction action, Analyze analyze);
-    /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives way to
-    /// it. A backup inside of a folder that is itself a backup needs a second call.
+    /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives
+    /// way to it. A backup inside of a folder that is itself a backup needs a second call.
     void backup(BackupAction action);
     [[nodiscard]] bool isRunning() const { return _isRunning; }
     [[nodiscard]] uint64_t fileCount() const { return _fileCount; }
@@ -183,8 +183,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     // What is no fixed step.
     /// Removes what a record of the user names. A blank path names nothing.
     void cleanCustomFile(const CustomFileRecord& record);
-    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The current
-    /// directory stays where the rule for the application went.
+    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The
+    /// current directory stays where the rule for the application went.
     void cleanKnownApp(std::string_view identifier);
 
     /// The folders of the attachments that the message database knows, relative to the user's home, one for each
