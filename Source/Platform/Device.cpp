@@ -19,6 +19,8 @@ namespace {
 // Two cores and more run it; more threads than tools that are waited for would only sleep.
 constexpr size_t queueThreads = 2;
 
+constexpr const char* userDefaultsFile = "/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
+
 void sleepForReal(double seconds) {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
@@ -95,6 +97,7 @@ Device::Device(FileManager fileManager, DeviceFacts facts, ToolTable tools)
     , _facts(std::move(facts))
     , _tools(std::move(tools))
     , _volumes(_fileManager, _facts.volumes)
+    , _standardUserDefaults(_fileManager, _notificationCenter, userDefaultsFile)
     , _sleep(sleepForReal)
     , _highPriorityQueue(Queue::concurrent("high", queueThreads))
     , _backgroundQueue(Queue::concurrent("background", queueThreads)) {}

@@ -5,6 +5,7 @@
 #include "Platform/NotificationCenter.h"
 #include "Platform/Queue.h"
 #include "Platform/ToolTable.h"
+#include "Platform/UserDefaults.h"
 #include "Platform/Volumes.h"
 
 #include <expected>
@@ -41,6 +42,8 @@ class Device {
     [[nodiscard]] Queue& highPriorityQueue() { return _highPriorityQueue; }
     [[nodiscard]] Queue& backgroundQueue() { return _backgroundQueue; }
     [[nodiscard]] NotificationCenter& notificationCenter() { return _notificationCenter; }
+    /// The program's stored choices; they are read from the tree at first use.
+    [[nodiscard]] UserDefaults& standardUserDefaults() { return _standardUserDefaults; }
 
     /// Blocks the calling thread; seconds. Replaceable, so that a test of long waits takes none.
     void sleep(double seconds) const { _sleep(seconds); }
@@ -52,6 +55,7 @@ class Device {
     ToolTable _tools;
     Volumes _volumes;
     NotificationCenter _notificationCenter;
+    UserDefaults _standardUserDefaults;
     MainQueue _mainQueue;
     std::function<void(double)> _sleep;
     // Last, so that their threads have ended before what they use is gone.

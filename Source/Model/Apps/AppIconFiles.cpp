@@ -14,7 +14,8 @@ constexpr std::string_view scales[] = {"", "@2x", "@3x"};
 constexpr std::string_view idioms[] = {"", "~iphone", "~ipad"};
 constexpr std::string_view iconKeys[] = {"CFBundleIcons", "CFBundleIcons~ipad"};
 
-void addNamesAt(const platform::Dictionary& dictionary, std::string_view key, std::vector<std::string>& names) {
+void addNamesAt(const platform::Dictionary& dictionary, std::string_view key,
+                std::vector<std::string>& names) {
     if (const auto* name = platform::valueAt<std::string>(dictionary, key)) {
         names.push_back(*name);
     }

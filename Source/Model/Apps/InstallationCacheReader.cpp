@@ -57,10 +57,12 @@ void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, 
     for (const auto& name : containers.value_or(std::vector<std::string>{})) {
         const auto container = platform::joinPath(userAppsFolder, name);
         // The cache names the folder with and without the link's own folder.
-        if (known.contains(container) || known.contains(std::string_view(container).substr(privateFolder.size()))) {
+        if (known.contains(container) ||
+            known.contains(std::string_view(container).substr(privateFolder.size()))) {
             continue;
         }
-        for (const auto& item : fileManager.contentsOfDirectoryAtPath(container).value_or(std::vector<std::string>{})) {
+        for (const auto& item :
+             fileManager.contentsOfDirectoryAtPath(container).value_or(std::vector<std::string>{})) {
             if (!item.ends_with(".app")) {
                 continue;
             }
@@ -95,8 +97,10 @@ void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known
 
 InstalledApps readInstallationCache(platform::Device& device) {
     auto fileManager = device.fileManager();
-    const auto cache = readDictionary(fileManager, cacheFile, cacheFileLimit).value_or(platform::Dictionary{});
-    InstalledApps apps{.systemAppInfo = dictionariesAt(cache, "System"), .userAppInfo = dictionariesAt(cache, "User")};
+    const auto cache =
+        readDictionary(fileManager, cacheFile, cacheFileLimit).value_or(platform::Dictionary{});
+    InstalledApps apps{.systemAppInfo = dictionariesAt(cache, "System"),
+                       .userAppInfo = dictionariesAt(cache, "User")};
     const auto known = knownFolders(apps);
     addUserApps(fileManager, known, apps);
     addSystemApps(fileManager, known, apps);

@@ -13,8 +13,10 @@ InstalledApps listedApps(const platform::Array& applications) {
     InstalledApps apps;
     for (const auto& application : applications) {
         const auto* info = application.as<platform::Dictionary>();
-        const auto* type = info == nullptr ? nullptr : platform::valueAt<std::string>(*info, infokey::applicationType);
-        const auto* identifier = type == nullptr ? nullptr : platform::valueAt<std::string>(*info, infokey::identifier);
+        const auto* type =
+            info == nullptr ? nullptr : platform::valueAt<std::string>(*info, infokey::applicationType);
+        const auto* identifier =
+            type == nullptr ? nullptr : platform::valueAt<std::string>(*info, infokey::identifier);
         if (identifier == nullptr) {
             continue;
         }
@@ -27,14 +29,16 @@ InstalledApps listedApps(const platform::Array& applications) {
     return apps;
 }
 
-std::optional<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager, std::string_view bundlePath) {
+std::optional<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
+                                                  std::string_view bundlePath) {
     return readDictionary(fileManager, platform::joinPath(bundlePath, "Info.plist"), infoPlistLimit);
 }
 
 std::optional<platform::Dictionary> readDictionary(platform::FileManager& fileManager, std::string_view path,
                                                    uint64_t limit) {
     const auto content = fileManager.contentsAtPath(path, limit);
-    auto parsed = content ? platform::parsePropertyList(*content) : platform::failure(content.error().value());
+    auto parsed =
+        content ? platform::parsePropertyList(*content) : platform::failure(content.error().value());
     auto* dictionary = parsed ? parsed->as<platform::Dictionary>() : nullptr;
     return dictionary == nullptr ? std::nullopt : std::optional(std::move(*dictionary));
 }

@@ -45,7 +45,7 @@ struct InstalledApps {
 /// A property list of at most `limit` bytes with a dictionary at its top.
 [[nodiscard]] std::optional<platform::Dictionary> readDictionary(platform::FileManager& fileManager,
                                                                  std::string_view path, uint64_t limit);
-/// The info dictionary of a bundle with this Info.plist; none without a textual identifier. Only what a bundle
-/// may tell of itself is taken over: where its containers are is never its own to say.
-[[nodiscard]] std::optional<platform::Dictionary> infoDictionaryOfBundle(const platform::Dictionary& infoPlist,
-                                                                         std::string_view bundlePath);
+/// The info dictionary of a bundle with this Info.plist; none without a textual identifier. Only what a
+/// bundle may tell of itself is taken over: where its containers are is never its own to say.
+[[nodiscard]] std::optional<platform::Dictionary>
+infoDictionaryOfBundle(const platform::Dictionary& infoPlist, std::string_view bundlePath);

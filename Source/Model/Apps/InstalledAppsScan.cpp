@@ -23,7 +23,8 @@ using InfoDictionaries = InstalledApps::InfoDictionaries;
 class InstalledAppsScan {
   public:
     explicit InstalledAppsScan(platform::Device& device)
-        : _fileManager(device.fileManager()), _layout(appContainerLayout(device.facts().foundationVersion)) {}
+        : _fileManager(device.fileManager())
+        , _layout(appContainerLayout(device.facts().foundationVersion)) {}
 
     InstalledApps run();
 
@@ -36,7 +37,8 @@ class InstalledAppsScan {
 
     void addApp(const std::string& bundle, const std::string* bundleContainer, InfoDictionaries& apps);
     platform::Dictionary pluginContainersOf(std::string_view bundle);
-    void addNamedGroups(const platform::Dictionary& infoPlist, std::string_view identifier, platform::Dictionary& info);
+    void addNamedGroups(const platform::Dictionary& infoPlist, std::string_view identifier,
+                        platform::Dictionary& info);
     void addGroupsByName(InstalledApps& apps);
 
     platform::FileManager _fileManager;
@@ -50,7 +52,8 @@ class InstalledAppsScan {
 
 std::vector<std::string> InstalledAppsScan::foldersIn(std::string_view path) {
     const auto folder = path.empty() ? platform::failure(ENOENT) : _fileManager.folderAtPath(path);
-    auto names = folder ? (*folder)->entries().value_or(std::vector<std::string>{}) : std::vector<std::string>{};
+    auto names =
+        folder ? (*folder)->entries().value_or(std::vector<std::string>{}) : std::vector<std::string>{};
     std::erase_if(names, [&](const std::string& name) {
         const auto attributes = platform::Item(*folder, name).attributes();
         return !attributes || attributes->type != platform::FileType::directory;
@@ -75,7 +78,8 @@ std::vector<std::string> InstalledAppsScan::bundlesIn(std::string_view folder, s
 Containers InstalledAppsScan::containersIn(std::string_view folder) {
     Containers containers;
     for (auto& container : foldersIn(folder)) {
-        const auto metadata = readDictionary(_fileManager, platform::joinPath(container, metadataFile), metadataLimit);
+        const auto metadata =
+            readDictionary(_fileManager, platform::joinPath(container, metadataFile), metadataLimit);
         if (const auto* identifier =
                 metadata ? platform::valueAt<std::string>(*metadata, metadataIdentifier) : nullptr) {
             containers.emplace(*identifier, std::move(container));
@@ -84,7 +88,8 @@ Containers InstalledAppsScan::containersIn(std::string_view folder) {
     return containers;
 }
 
-void InstalledAppsScan::addApp(const std::string& bundle, const std::string* bundleContainer, InfoDictionaries& apps) {
+void InstalledAppsScan::addApp(const std::string& bundle, const std::string* bundleContainer,
+                               InfoDictionaries& apps) {
     const auto infoPlist = readInfoPlist(_fileManager, bundle);
     auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, bundle) : std::nullopt;
     if (!info) {
@@ -138,8 +143,8 @@ void InstalledAppsScan::addNamedGroups(const platform::Dictionary& infoPlist, st
     }
 }
 
-/// The entitlements that tie groups to applications cannot be read from a tree. By custom a group is called after
-/// its application, so it goes to the one whose identifier is the longest beginning of its name.
+/// The entitlements that tie groups to applications cannot be read from a tree. By custom a group is called
+/// after its application, so it goes to the one whose identifier is the longest beginning of its name.
 void InstalledAppsScan::addGroupsByName(InstalledApps& apps) {
     for (const auto& [group, container] : _groupContainers) {
         if (!group.starts_with(groupPrefix)) {

@@ -18,8 +18,8 @@ std::optional<std::string> pathAt(const platform::Dictionary& info, std::string_
     return path && path->starts_with('/') ? path : std::nullopt;
 }
 
-/// Identifiers come from files that applications bring along, and become names below containers: one that is a
-/// path would lead a deletion elsewhere.
+/// Identifiers come from files that applications bring along, and become names below containers: one that is
+/// a path would lead a deletion elsewhere.
 std::optional<std::string> identifierAt(const platform::Dictionary& info) {
     auto identifier = textAt(info, infokey::identifier);
     const bool isName = identifier && *identifier != "." && *identifier != ".." &&
@@ -47,7 +47,8 @@ std::string bundleNameWithoutExtension(std::string_view bundlePath) {
 
 std::string displayNameFor(const platform::Dictionary& info, std::string_view bundlePath) {
     for (const auto key : {infokey::displayName, infokey::name}) {
-        if (const auto* name = platform::valueAt<std::string>(info, key); name && isNotEmptyOrWhitespace(*name)) {
+        if (const auto* name = platform::valueAt<std::string>(info, key);
+            name && isNotEmptyOrWhitespace(*name)) {
             return *name;
         }
     }

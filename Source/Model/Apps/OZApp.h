@@ -20,14 +20,15 @@ enum class OZAppType : unsigned {
     user = 1,
 };
 
-/// One installed application. Nothing of it changes but the cached icon check, which may come from any thread.
+/// One installed application. Nothing of it changes but the cached icon check, which may come from any
+/// thread.
 class OZApp {
   public:
     using Containers = std::map<std::string, std::string>;
 
-    /// None unless the dictionary has the path of the bundle, the executable and the identifier, and for a user
-    /// application the data container. Empty texts, paths that are not absolute and identifiers that could lead
-    /// out of a folder count as missing.
+    /// None unless the dictionary has the path of the bundle, the executable and the identifier, and for a
+    /// user application the data container. Empty texts, paths that are not absolute and identifiers that
+    /// could lead out of a folder count as missing.
     static std::shared_ptr<const OZApp> make(OZAppType type, const platform::Dictionary& infoDictionary);
 
     [[nodiscard]] OZAppType type() const { return _type; }

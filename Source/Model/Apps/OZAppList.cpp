@@ -19,7 +19,8 @@ makeApps(OZAppType type, const InstalledApps::InfoDictionaries& infos, platform:
     std::map<std::string, std::shared_ptr<const OZApp>, std::less<>> apps;
     for (const auto& [identifier, info] : infos) {
         auto app = OZApp::make(type, info);
-        if (app && fileManager.fileExistsAtPath(platform::joinPath(app->bundlePath(), app->executableFileName()))) {
+        if (app &&
+            fileManager.fileExistsAtPath(platform::joinPath(app->bundlePath(), app->executableFileName()))) {
             apps.emplace(identifier, std::move(app));
         }
     }
@@ -113,7 +114,8 @@ std::shared_ptr<const OZApp> OZAppList::appWithIdentifier(std::string_view ident
     return nullptr;
 }
 
-std::vector<std::string> OZAppList::pathsForExcludedApps(OZExclusionMask exclusionMask, OZAppTypeMask typeMask) const {
+std::vector<std::string> OZAppList::pathsForExcludedApps(OZExclusionMask exclusionMask,
+                                                         OZAppTypeMask typeMask) const {
     std::vector<std::string> paths;
     for (const auto& identifier : excludedAppsWithExclusionMask(exclusionMask) | std::views::keys) {
         const auto user = _userApps.find(identifier);
@@ -136,11 +138,12 @@ void OZAppList::checkSystemAppIconValidityInBackground() const {
     Apps apps;
     std::ranges::copy(_systemApps | std::views::values, std::back_inserter(apps));
     // The block owns all that it uses: whoever asked may be gone when it runs.
-    _device.highPriorityQueue().async([apps = std::move(apps), fileManager = _device.fileManager()]() mutable {
-        for (const auto& app : apps) {
-            std::ignore = app->hasValidIcon(fileManager);
-        }
-    });
+    _device.highPriorityQueue().async(
+        [apps = std::move(apps), fileManager = _device.fileManager()]() mutable {
+            for (const auto& app : apps) {
+                std::ignore = app->hasValidIcon(fileManager);
+            }
+        });
 }
 
 std::optional<std::string> OZAppList::userAppBundleContainerDir() const {

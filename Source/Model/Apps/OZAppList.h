@@ -63,7 +63,8 @@ class OZAppList : public OZUserDefaultsSync {
     using Apps = std::vector<std::shared_ptr<const OZApp>>;
     using Exclusions = std::map<std::string, OZExclusionMask, std::less<>>;
 
-    /// Loads the applications; the stored exclusions are left to `loadDefaults`. The device outlives the list.
+    /// Loads the applications; the stored exclusions are left to `loadDefaults`. The device outlives the
+    /// list.
     explicit OZAppList(platform::Device& device);
 
     /// Whether the device tells its applications itself, by a list of its own or by the metadata in their

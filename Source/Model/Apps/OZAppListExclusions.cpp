@@ -38,7 +38,9 @@ bool OZAppList::isAppExcluded(std::string_view identifier, OZExclusionMask mask)
     return shareBit(exclusionMaskForApp(identifier), mask);
 }
 
-void OZAppList::removeAllExcludedApps() { _excludedApps.clear(); }
+void OZAppList::removeAllExcludedApps() {
+    _excludedApps.clear();
+}
 
 void OZAppList::removeExclusionMaskForApp(std::string_view identifier) {
     if (const auto found = _excludedApps.find(identifier); found != _excludedApps.end()) {

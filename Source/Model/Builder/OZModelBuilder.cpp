@@ -1,7 +1,9 @@
 #include "Model/Builder/OZModelBuilder.h"
 
+#include "Model/Apps/OZAppList.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
 #include "Platform/Device.h"
 
@@ -10,18 +12,37 @@ OZModelBuilder::OZModelBuilder(platform::Device& device)
 
 OZModelBuilder::~OZModelBuilder() = default;
 
+platform::UserDefaults& OZModelBuilder::standardUserDefaults() {
+    auto& defaults = _device.standardUserDefaults();
+    registerDefaultSettings(defaults);
+    return defaults;
+}
+
+OZAppList& OZModelBuilder::appList() {
+    if (!_appList) {
+        _appList = std::make_unique<OZAppList>(_device);
+        registerObject(standardUserDefaults(), *_appList);
+    }
+    return *_appList;
+}
+
 OZCore& OZModelBuilder::core() {
     if (!_core) {
-        _core = std::make_unique<OZCore>(_device, nullptr, nullptr);
+        _core = std::make_unique<OZCore>(_device, &appList(), nullptr);
         _core->setCleanupLogger(cleanupLogger());
+        registerObject(standardUserDefaults(), *_core);
     }
     return *_core;
 }
 
 OZDeviceActions& OZModelBuilder::deviceActions() {
     if (!_deviceActions) {
-        _deviceActions =
-            std::make_unique<OZDeviceActions>(_device, [](std::string_view) { return false; }, [] {});
+        _deviceActions = std::make_unique<OZDeviceActions>(
+            _device,
+            [this](std::string_view identifier) {
+                return appList().appWithIdentifier(identifier) != nullptr;
+            },
+            [this] { std::ignore = standardUserDefaults().synchronize(); });
     }
     return *_deviceActions;
 }

@@ -4,14 +4,17 @@
 
 namespace platform {
 class Device;
-}
+class UserDefaults;
+} // namespace platform
+class OZAppList;
 class OZCleanupLogger;
 class OZCore;
 class OZDeviceActions;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
 /// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
-/// used on the main thread.
+/// used on the main thread. Objects with stored choices have loaded them when they are given, and write them
+/// whenever the device's defaults are saved; the builder must outlive the last save.
 class OZModelBuilder {
   public:
     /// The device outlives the builder.
@@ -22,12 +25,16 @@ class OZModelBuilder {
 
     [[nodiscard]] platform::Device& device() const { return _device; }
 
+    OZAppList& appList();
     OZCore& core();
     OZDeviceActions& deviceActions();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
 
   private:
+    platform::UserDefaults& standardUserDefaults();
+
     platform::Device& _device;
+    std::unique_ptr<OZAppList> _appList;
     std::unique_ptr<OZCore> _core;
     std::unique_ptr<OZDeviceActions> _deviceActions;
 };

@@ -9,6 +9,7 @@ OZCore::OZCore(platform::Device& device, OZAppList* appList, OZLocalizationManag
     : platform::FileManager(device.fileManager()), _device(device), _appList(appList),
       _localizationManager(localizationManager) {
     resetCleanupSettings();
+    resetFileTypes();
 }
 
 OZCore::~OZCore() = default;

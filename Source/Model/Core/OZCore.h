@@ -4,6 +4,7 @@
 #include "Model/Core/CustomFileRecord.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OnlyFiles.h"
+#include "Model/Services/OZUserDefaultsSync.h"
 #include "Platform/FileManager.h"
 #include "Platform/PropertyList.h"
 
@@ -12,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -41,13 +43,14 @@ enum class Analyze : bool { no, yes };
 /// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling thread,
 /// and the device's current directory belongs to it. While it runs, another thread may poll `isRunning`,
 /// `cleanupStepCount` and `fileCount`.
-class OZCore : public platform::FileManager {
+class OZCore : public platform::FileManager, public OZUserDefaultsSync {
   public:
     using Paths = std::vector<std::string>;
+    using LanguageNames = std::set<std::string, std::less<>>;
 
     /// The collaborators may be absent (null) and outlive the engine: steps that need them then find nothing.
     OZCore(platform::Device& device, OZAppList* appList, OZLocalizationManager* localizationManager);
-    ~OZCore();
+    ~OZCore() override;
 
     static constexpr std::string_view backupExtension = ".OzvarineBackup";
 
@@ -72,6 +75,38 @@ class OZCore : public platform::FileManager {
     /// Whether the steps print their headings; one switch for all engines of the process.
     [[nodiscard]] bool commandLineOutputEnabled() const { return _commandLineOutputEnabled; }
     void setCommandLineOutputEnabled(bool enabled) { _commandLineOutputEnabled = enabled; }
+
+    // Choices of the user beyond the steps.
+    /// In the user's order.
+    [[nodiscard]] const std::vector<CustomFileRecord>& customFiles() const { return _customFiles; }
+    /// Takes the dictionaries that are complete records; everything else falls away.
+    void setCustomFilesExcludingInvalid(const platform::Array& customFiles);
+    /// A record without path or file type is passed over.
+    void addCustomFile(const CustomFileRecord& record);
+    /// The same. Throws AssertionFailure for an index behind the end; so do the next two.
+    void insertCustomFile(const CustomFileRecord& record, size_t index);
+    void removeCustomFile(size_t index);
+    /// Removes the record at the index, then inserts the other: an incomplete one leaves nothing there.
+    void replaceCustomFile(size_t index, const CustomFileRecord& record);
+    /// Extensions without their dot.
+    static std::vector<std::string> defaultFileTypes();
+    [[nodiscard]] const std::vector<std::string>& fileTypes() const { return _fileTypes; }
+    void resetFileTypes();
+    /// Takes the types that may be cleaned; true if any was refused. Nothing but empty texts means the defaults.
+    bool setFileTypesExcludingIllegal(std::vector<std::string> fileTypes);
+    /// English names of languages.
+    [[nodiscard]] const LanguageNames& languagesToRemove() const { return _languagesToRemove; }
+    void setLanguagesToRemove(LanguageNames languages) { _languagesToRemove = std::move(languages); }
+    void addLanguageToRemove(std::string_view language) { _languagesToRemove.emplace(language); }
+    void removeLanguageToRemove(const std::string& language) { _languagesToRemove.erase(language); }
+    void removeAllLanguagesToRemove() { _languagesToRemove.clear(); }
+    /// Unmarks the languages whose name is a part of one of these, without regard to case and diacritics.
+    void removeLanguagesInUse(std::span<const std::string> names);
+
+    // All choices, as they outlive the process.
+    void registerDefaults() override;
+    void loadDefaults() override;
+    void writeDefaults() override;
 
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
@@ -199,6 +234,7 @@ class OZCore : public platform::FileManager {
     platform::Dictionary _cleanupSettings;
     std::vector<CustomFileRecord> _customFiles;
     std::vector<std::string> _fileTypes;
+    LanguageNames _languagesToRemove;
     bool _testMode = false;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;
