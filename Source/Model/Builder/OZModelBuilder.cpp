@@ -1,10 +1,12 @@
 #include "Model/Builder/OZModelBuilder.h"
 
 #include "Model/Apps/OZAppList.h"
+#include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
+#include "Platform/Bundle.h"
 #include "Platform/Device.h"
 
 OZModelBuilder::OZModelBuilder(platform::Device& device)
@@ -16,6 +18,13 @@ platform::UserDefaults& OZModelBuilder::standardUserDefaults() {
     auto& defaults = _device.standardUserDefaults();
     registerDefaultSettings(defaults);
     return defaults;
+}
+
+const platform::Bundle& OZModelBuilder::bundle() {
+    if (!_bundle) {
+        _bundle = std::make_unique<platform::Bundle>();
+    }
+    return *_bundle;
 }
 
 OZAppList& OZModelBuilder::appList() {
@@ -49,4 +58,8 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
 
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
     return std::make_unique<OZCleanupLogger>(_device);
+}
+
+std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {
+    return std::make_unique<OZFontsFolderMover>(_device);
 }

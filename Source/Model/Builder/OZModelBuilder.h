@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 namespace platform {
+class Bundle;
 class Device;
 class UserDefaults;
 } // namespace platform
@@ -10,6 +12,7 @@ class OZAppList;
 class OZCleanupLogger;
 class OZCore;
 class OZDeviceActions;
+class OZFontsFolderMover;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
 /// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
@@ -25,16 +28,24 @@ class OZModelBuilder {
 
     [[nodiscard]] platform::Device& device() const { return _device; }
 
+    /// The program's own resources.
+    const platform::Bundle& bundle();
     OZAppList& appList();
     OZCore& core();
     OZDeviceActions& deviceActions();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
+    [[nodiscard]] std::unique_ptr<OZFontsFolderMover> fontsFolderMover() const;
+    /// Enables everything again that can be disabled; any thread may call it. Empty as long as the model has
+    /// nothing of the kind.
+    [[nodiscard]] const std::function<void()>& systemRestore() const { return _systemRestore; }
 
   private:
     platform::UserDefaults& standardUserDefaults();
 
     platform::Device& _device;
+    std::unique_ptr<platform::Bundle> _bundle;
     std::unique_ptr<OZAppList> _appList;
     std::unique_ptr<OZCore> _core;
     std::unique_ptr<OZDeviceActions> _deviceActions;
+    std::function<void()> _systemRestore;
 };
