@@ -22,6 +22,7 @@
 namespace platform {
 class Device;
 }
+enum class OZAction : unsigned;
 struct CleanupStepDescription;
 class OZApp;
 class OZAppList;
@@ -39,6 +40,9 @@ enum class OZCoreMode : unsigned long {
 
 /// Whether a run only looks.
 enum class Analyze : bool { no, yes };
+
+/// What becomes of the backups of test runs.
+enum class BackupAction : bool { remove, restore };
 
 /// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling thread,
 /// and the device's current directory belongs to it. While it runs, another thread may poll `isRunning`,
@@ -111,6 +115,12 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
     void clean(const platform::Dictionary* settings, Analyze analyze);
+    /// Removes payload that the device or its user has no need of, for one of the actions that say "remove" but for
+    /// that on backups. Any other action leaves the run open: nobody may ask for one.
+    void remove(OZAction action, Analyze analyze);
+    /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives way to
+    /// it. A backup inside of a folder that is itself a backup needs a second call.
+    void backup(BackupAction action);
     [[nodiscard]] bool isRunning() const { return _isRunning; }
     [[nodiscard]] uint64_t fileCount() const { return _fileCount; }
     [[nodiscard]] uint64_t cleanupStepCount() const { return _cleanupStepCount; }
@@ -175,6 +185,13 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
   private:
     struct Run;
 
+    // The frame of every run.
+    [[nodiscard]] OZCoreMode modeFor(Analyze analyze) const;
+    /// Begins a new log. Gives the free bytes of the moment, 0 in a mode that frees none.
+    uint64_t beginRun(OZCoreMode mode, std::string_view title);
+    /// Completes counters and log; tells no size where no start is given.
+    void endRun(std::optional<uint64_t> freeAtStart);
+
     void runStep(const CleanupStepDescription& step, const Run& run);
     /// For whoever sits at a terminal; nothing unless command-line output is enabled.
     void print(std::string_view text) const;
@@ -209,6 +226,19 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     [[nodiscard]] std::vector<std::string> prunePatterns(const Run& run) const;
 
     void cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles);
+
+    // Removal actions.
+    /// False for an action that is none of them.
+    bool performRemoval(OZAction action);
+    [[nodiscard]] Paths bundlePathsForImageRemoval() const;
+    std::vector<platform::FoundPaths> findImages(std::string_view regex);
+    void quickDelAll(const std::vector<platform::FoundPaths>& found);
+    void removeImagesOfScale(unsigned target);
+    void removeiPadImages();
+    void remove4InchImages();
+    void removeiTunesArtwork();
+    void restore(const platform::FoundPaths& backups);
+    void restoreItem(const platform::Item& backup, std::string_view path);
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);

@@ -10,72 +10,23 @@
 
 namespace {
 
-constexpr std::string_view deletedFilesBanner = "#################\n# DELETED FILES #\n#################\n";
-constexpr std::string_view processedFilesBanner =
-    "###################\n# PROCESSED FILES #\n###################\n";
-// Right behind the banner's three lines.
-constexpr unsigned long summaryLine = 4;
-
-OZCoreMode modeFor(Analyze analyze, bool testMode) {
-    if (analyze == Analyze::yes) {
-        return OZCoreMode::analyze;
-    }
-    return testMode ? OZCoreMode::test : OZCoreMode::clean;
-}
-
 std::optional<std::string_view> firstOf(std::span<const std::string_view> patterns) {
     return patterns.empty() ? std::nullopt : std::optional(patterns.front());
 }
 
 } // namespace
 
-uint64_t OZCore::Run::number(std::string_view key) const {
-    const auto found = settings.find(key);
-    return found == settings.end() ? 0 : found->second.unsignedValue().value_or(0);
-}
-
-bool OZCore::Run::isOn(std::string_view key) const {
-    const auto found = settings.find(key);
-    if (found == settings.end()) {
-        return false;
-    }
-    return key == cleanupstep::attachments ? number(key) != 0 : found->second.boolValue().value_or(false);
-}
-
 void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
-    _isRunning = true;
-    resetState();
-    _mode = modeFor(analyze, _testMode);
     const Run run{.settings = settings != nullptr ? *settings : _cleanupSettings,
                   .outputIsTerminal = ::isatty(STDOUT_FILENO) == 1};
-    if (_cleanupLogger) {
-        _cleanupLogger->deleteLogFile();
-        _cleanupLogger->openLogFileForWriting();
-    }
-    uint64_t freeAtStart = 0;
-    if (_mode == OZCoreMode::clean) {
-        freeAtStart = _device.volumes().totalFreeSpace();
-        log(deletedFilesBanner);
-    } else {
-        log(processedFilesBanner);
-    }
+    const OZCoreMode mode = modeFor(analyze);
+    const uint64_t freeAtStart = beginRun(mode, runtitle::forMode(mode));
     for (const auto& step : cleanupSteps) {
         if (run.isOn(step.key)) {
             runStep(step, run);
         }
     }
-    if (_cleanupLogger) {
-        _cleanupLogger->closeLogFile();
-    }
-    if (_mode == OZCoreMode::clean) {
-        const uint64_t freeAtEnd = _device.volumes().totalFreeSpace();
-        _freedSpace = freeAtEnd > freeAtStart ? freeAtEnd - freeAtStart : 0;
-    }
-    const std::string summary = processFreedSpaceAndReturnResultsString(true);
-    if (_cleanupLogger) {
-        _cleanupLogger->logAtLine(summary, summaryLine);
-    }
-    _isRunning = false;
+    endRun(freeAtStart);
 }
 
 void OZCore::runStep(const CleanupStepDescription& step, const Run& run) {

@@ -1,6 +1,20 @@
 #pragma once
 
+#include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCore.h"
+
+/// What the banner of a log says of the paths below it.
+namespace runtitle {
+
+inline constexpr std::string_view deletedFiles = "DELETED FILES";
+inline constexpr std::string_view processedFiles = "PROCESSED FILES";
+inline constexpr std::string_view restoredFiles = "RESTORED FILES";
+
+constexpr std::string_view forMode(OZCoreMode mode) {
+    return mode == OZCoreMode::clean ? deletedFiles : processedFiles;
+}
+
+} // namespace runtitle
 
 /// What the sections of one run share. For the engine's own files.
 struct OZCore::Run {

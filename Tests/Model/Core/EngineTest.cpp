@@ -14,13 +14,33 @@ void EngineTest::SetUp() {
     }
 }
 
-std::unique_ptr<OZCore> EngineTest::engine(OZCoreMode mode, OZAppList* appList) {
-    auto core = std::make_unique<OZCore>(temporary.device(), appList, nullptr);
-    core->setCleanupLogger(std::make_unique<OZCleanupLogger>(temporary.device()));
-    core->setTestMode(mode == OZCoreMode::test);
+void EngineTest::addApp(const std::string& identifier, OZAppType type, const std::string& bundlePath,
+                        const std::string& container) {
+    temporary.addFile(bundlePath + "/program", "program");
+    platform::Dictionary info{{"ApplicationType", type == OZAppType::user ? "User" : "System"},
+                              {"Path", bundlePath},
+                              {"CFBundleExecutable", "program"},
+                              {"CFBundleIdentifier", identifier}};
+    if (!container.empty()) {
+        info["Container"] = container;
+    }
+    facts.applications->push_back(info);
+}
+
+OZCore& EngineTest::engine(OZCoreMode mode) {
+    const auto folder = temporary.folder();
+    _core.reset();
+    _appList.reset();
+    _device =
+        std::make_unique<platform::Device>(platform::FileManager::atRoot(folder / "Root").value(), facts,
+                                           platform::ToolTable(folder / "Tools", folder, folder / "Root"));
+    _appList = std::make_unique<OZAppList>(*_device);
+    _core = std::make_unique<OZCore>(*_device, _appList.get(), nullptr);
+    _core->setCleanupLogger(std::make_unique<OZCleanupLogger>(*_device));
+    _core->setTestMode(mode == OZCoreMode::test);
     const platform::Dictionary nothing;
-    core->clean(&nothing, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
-    return core;
+    _core->clean(&nothing, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
+    return *_core;
 }
 
 void EngineTest::addFiles(const Paths& paths, std::string_view content) {

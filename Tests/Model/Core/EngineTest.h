@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Model/Apps/OZAppList.h"
 #include "Model/Core/OZCore.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <initializer_list>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -12,8 +14,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-/// A test of an engine on a small tree. Searches run the host's own tools, which need root or a user
-/// namespace that maps it.
+/// A test of engines on one small tree, each on a device with facts of its own. Searches run the host's own
+/// tools, which need root or a user namespace that maps it.
 class EngineTest : public testing::Test {
   protected:
     using Tree = std::set<std::string>;
@@ -21,10 +23,16 @@ class EngineTest : public testing::Test {
 
     void SetUp() override;
 
-    /// An engine with a log, in the mode that a run with every step off leaves it in.
-    std::unique_ptr<OZCore> engine(OZCoreMode mode, OZAppList* appList = nullptr);
-
     void addFiles(const Paths& paths, std::string_view content = "12345");
+    /// Puts an application into the tree and into the inventory of the next device.
+    void addApp(const std::string& identifier, OZAppType type, const std::string& bundlePath,
+                const std::string& container = "");
+
+    /// Opens the tree as a device of the present facts, with an inventory and an engine that logs. The engine
+    /// is in the mode that a run with every step off has left it in.
+    OZCore& engine(OZCoreMode mode = OZCoreMode::clean);
+    [[nodiscard]] OZAppList& appList() { return *_appList; }
+
     /// Every file and link of the tree but the log, and every empty folder with a "/" at its end.
     [[nodiscard]] Tree tree() const;
     [[nodiscard]] std::string log() const { return temporary.contents(OZCleanupLogger::logFilePath); }
@@ -32,6 +40,12 @@ class EngineTest : public testing::Test {
     [[nodiscard]] Paths loggedPaths() const;
 
     TemporaryDevice temporary;
+    platform::DeviceFacts facts{.foundationVersion = 1445.32, .applications = platform::Array{}};
+
+  private:
+    std::unique_ptr<platform::Device> _device;
+    std::unique_ptr<OZAppList> _appList;
+    std::unique_ptr<OZCore> _core;
 };
 
 /// What is in the first and not in the second.

@@ -36,7 +36,7 @@ class CustomFiles : public EngineTest {
         temporary.addLink("/f/log-link.txt", "/outside/log-kept.txt");
         temporary.addLink("/f/sub/log-folder", "/outside");
         const Tree before = tree();
-        engine(OZCoreMode::clean)->cleanCustomFile(record);
+        engine().cleanCustomFile(record);
         return difference(before, tree());
     }
 };
@@ -109,7 +109,7 @@ TEST_F(CustomFiles, RecordWithoutAFolderToSearchTakesNothing) {
 TEST_F(CustomFiles, FolderWhoseNameIsAnOptionIsNotSearched) {
     addFiles({"/-delete/a", "/b"});
     const Tree before = tree();
-    EXPECT_THAT(engine(OZCoreMode::clean)->find({"-delete"}).names, IsEmpty());
+    EXPECT_THAT(engine().find({"-delete"}).names, IsEmpty());
     EXPECT_EQ(tree(), before);
 }
 
@@ -117,13 +117,13 @@ TEST_F(CustomFiles, OtherModesOnlyLookOrRename) {
     addFiles({"/f/log-a", "/f/sub/log-b", "/f/sub/c"});
     const Tree before = tree();
     const auto record = filtered(folder(onlyFiles, true), "log", none, none);
-    const auto analysis = engine(OZCoreMode::analyze);
-    analysis->cleanCustomFile(record);
+    auto& analysis = engine(OZCoreMode::analyze);
+    analysis.cleanCustomFile(record);
     EXPECT_EQ(tree(), before);
-    EXPECT_EQ(analysis->fileCount(), 2);
-    EXPECT_EQ(analysis->freedSpace(), 10);
+    EXPECT_EQ(analysis.fileCount(), 2);
+    EXPECT_EQ(analysis.freedSpace(), 10);
 
-    engine(OZCoreMode::test)->cleanCustomFile(record);
+    engine(OZCoreMode::test).cleanCustomFile(record);
     EXPECT_THAT(loggedPaths(), testing::UnorderedElementsAre("/f/log-a", "/f/sub/log-b"));
     EXPECT_EQ(tree(), (Tree{"/f/log-a.OzvarineBackup", "/f/sub/log-b.OzvarineBackup", "/f/sub/c"}));
 }

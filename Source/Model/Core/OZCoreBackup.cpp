@@ -1,0 +1,44 @@
+#include "Model/Core/OZCoreRun.h"
+
+// The tree is the only index of backups: whatever has the extension is one.
+
+void OZCore::backup(BackupAction action) {
+    const bool restores = action == BackupAction::restore;
+    const uint64_t freeAtStart =
+        beginRun(OZCoreMode::clean, restores ? runtitle::restoredFiles : runtitle::deletedFiles);
+    log("\n");
+    const auto backups = find({"/", "-name", std::string("*").append(backupExtension)});
+    if (restores) {
+        restore(backups);
+        endRun(std::nullopt);
+    } else {
+        quickDel(backups);
+        endRun(freeAtStart);
+    }
+}
+
+// What is inside of a restored folder is no longer where the search has seen it, and waits for the next call.
+void OZCore::restore(const platform::FoundPaths& backups) {
+    for (size_t index = 0; index < backups.names.size(); ++index) {
+        if (const auto item = itemBelow(backups.folder, backups.names[index])) {
+            restoreItem(*item, backups.path(index));
+        }
+    }
+}
+
+void OZCore::restoreItem(const platform::Item& backup, std::string_view path) {
+    const auto attributes = backup.attributes();
+    const std::string_view oldName = backup.name().substr(0, backup.name().size() - backupExtension.size());
+    // A file that somebody has named like the extension alone is nobody's backup.
+    if (!attributes || oldName.empty()) {
+        return;
+    }
+    std::ignore = platform::Item(backup.parent(), oldName).remove();
+    const auto restored = backup.rename(oldName);
+    if (attributes->type == platform::FileType::directory) {
+        forgetLastFolder();
+    }
+    if (restored) {
+        count(path.substr(0, path.size() - backupExtension.size()));
+    }
+}
