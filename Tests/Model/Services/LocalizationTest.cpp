@@ -194,6 +194,41 @@ TEST(Localization, SaysThatTheEnglishFileIsMissing) {
     EXPECT_NO_THROW(localization.manager.setUserLanguage("German"));
 }
 
+TEST(LanguageFiles, AreFoundFromTheDevicesThatNeedThem) {
+    struct Case {
+        std::string language;
+        std::string locale;
+        std::string expected;
+        std::string nameInItself;
+    };
+    const Case cases[] = {
+        {"", "", "English", "English"},
+        {"xx-YY", "xx_YY", "English", "English"},
+        {"en-GB", "en_GB", "English", "English"},
+        {"de", "de", "German", "Deutsch"},
+        {"fr-CA", "fr_CA", "French", "Français"},
+        {"es-419", "es_MX", "Spanish", "Español"},
+        {"it", "it_IT", "Italian", "Italiano"},
+        {"pt-BR", "pt_BR", "Portuguese", "Português"},
+        {"nl", "nl_BE", "Dutch", "Nederlands"},
+        {"ru-RU", "ru_RU", "Russian", "Русский"},
+        {"ja-JP", "ja_JP", "Japanese", "日本語"},
+        {"zh-Hans", "zh_CN", "Chinese", "简体中文"},
+        {"zh-Hans-CN", "zh_CN", "Chinese", "简体中文"},
+        {"zh-Hant", "zh_TW", "Chinese (Traditional)", "繁體中文"},
+        {"zh-Hant-TW", "zh-Hant_TW", "Chinese (Traditional, Taiwan)", "繁體中文（台灣）"},
+        {"zh-Hant-HK", "zh_HK", "Chinese (Traditional, Hong Kong SAR China)", "繁體中文（香港）"},
+    };
+    for (const auto& [language, locale, expected, nameInItself] : cases) {
+        TemporaryDevice device;
+        setSystemLanguage(device, language, locale);
+        Localization localization(device);
+        localization.manager.loadDefaults();
+        EXPECT_EQ(localization.manager.userLanguage(), expected) << language << " " << locale;
+        EXPECT_EQ(localization.manager.localizedLanguageWithName(expected), nameInItself);
+    }
+}
+
 // The words in a text that code replaces, in the order in which it does so.
 std::vector<std::string> placeholders(const std::string& text) {
     static const std::regex placeholder("%[0-9]*\\$?[@a-z]+|%|<countdown>");
