@@ -4,11 +4,13 @@
 #include "TemporaryDevice.h"
 
 #include <algorithm>
+#include <csignal>
 #include <fstream>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace ozdevice::tests {
 namespace {
@@ -128,6 +130,24 @@ TEST(DeviceFolder, RefusesWhateverIsThere) {
     }
     EXPECT_EQ(contentsBelow(folder.path()),
               (std::map<std::string, std::string>{{"full", "folder"}, {"full/precious", "kept"}}));
+}
+
+TEST(DeviceFolder, AFailureLeavesNothingBehind) {
+    const TemporaryFolder folder;
+    rlimit usual{};
+    ::getrlimit(RLIMIT_FSIZE, &usual);
+    const auto previous = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{.rlim_cur = 300, .rlim_max = usual.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const auto inNewFolder = createDevice(folder.path() / "new", {});
+    const auto inEmptyFolder = createDevice(folder.path(), {});
+    ::setrlimit(RLIMIT_FSIZE, &usual);
+    std::signal(SIGXFSZ, previous);
+
+    ASSERT_FALSE(inNewFolder);
+    EXPECT_THAT(inNewFolder.error(), HasSubstr("cannot make the device: "));
+    EXPECT_FALSE(inEmptyFolder);
+    EXPECT_THAT(contentsBelow(folder.path()), IsEmpty());
 }
 
 TEST(DeviceFolder, NothingIsWrittenOutside) {

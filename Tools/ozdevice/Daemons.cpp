@@ -6,7 +6,7 @@
 namespace ozdevice {
 namespace {
 
-enum class Place { system, library, both, systemBackup };
+enum class Place { system, library, both, systemBackup, libraryBackup };
 
 struct DaemonRow {
     /// Without the prefix that all but the last rows share.
@@ -45,7 +45,7 @@ constexpr DaemonRow daemons[] = {
     {.name = "syslogd", .startsDisabled = true},
     {"CrashHousekeeping", 4, 8},
     {"chud.chum"},
-    {"chud.pilotfish"},
+    {.name = "chud.pilotfish", .place = Place::libraryBackup},
     {"mobile.profile_janitor"},
     {"awd_ice3", 6, 7},
     {"OTAPKIAssetTool", 7},
@@ -64,6 +64,7 @@ constexpr DaemonRow daemons[] = {
     {"wifi.wapic", 9},
     {"AdminLite", 4, 6},
     {"backupd"},
+    {"assistant.analyzer", 9},
     {"assistant_service", 5},
     {"assistantd", 5},
     {"scrod"},
@@ -73,6 +74,7 @@ constexpr DaemonRow daemons[] = {
     {"accessoryd", 10},
     {"iap2d", 6},
     {"iapauthd", 4, 9},
+    {"iaptransportd", 5, 9},
     {"iapd"},
     {.name = "midiserver-ios", .place = Place::both},
     {"mobile.accessory_device_arbitrator"},
@@ -112,16 +114,30 @@ void addPropertyList(DeviceBuild& build, std::string_view folder, std::string_vi
                              {"UserName", "root"}});
 }
 
+struct PlaceFolder {
+    Place place;
+    std::string_view folder;
+};
+
+constexpr PlaceFolder placeFolders[] = {
+    {Place::system, "/System/Library/LaunchDaemons"},
+    {Place::library, "/Library/LaunchDaemons"},
+    {Place::both, "/System/Library/LaunchDaemons"},
+    {Place::both, "/Library/LaunchDaemons"},
+    {Place::systemBackup, "/System/Library/LaunchDaemonsBAK"},
+    {Place::libraryBackup, "/Library/LaunchDaemonsBAK"},
+};
+
 void addDaemon(DeviceBuild& build, const std::string& label, Place place) {
-    if (place != Place::library && place != Place::systemBackup) {
-        addPropertyList(build, "/System/Library/LaunchDaemons", label);
+    for (const PlaceFolder& row : placeFolders) {
+        if (row.place == place) {
+            addPropertyList(build, row.folder, label);
+        }
     }
-    if (place == Place::library || place == Place::both) {
-        addPropertyList(build, "/Library/LaunchDaemons", label);
-    }
-    if (place == Place::systemBackup) {
-        addPropertyList(build, "/System/Library/LaunchDaemonsBAK", label);
-    }
+}
+
+bool isSwitchedOff(const DaemonRow& row) {
+    return row.startsDisabled || row.place == Place::systemBackup || row.place == Place::libraryBackup;
 }
 
 } // namespace
@@ -135,7 +151,7 @@ LaunchServices addDaemons(DeviceBuild& build) {
         }
         const std::string label = fmt::format("{}{}", prefix, row.name);
         addDaemon(build, label, row.place);
-        services.running[label] = !row.startsDisabled && row.place != Place::systemBackup;
+        services.running[label] = !isSwitchedOff(row);
         if (row.startsDisabled) {
             services.disabled[label] = true;
         }

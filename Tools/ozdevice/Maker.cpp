@@ -75,6 +75,18 @@ void make(const fs::path& directory, const Generation& generation, const DeviceO
     files->setProcesses(usualProcesses());
 }
 
+/// Takes away what was made in a directory that was missing or empty before.
+void undo(const fs::path& directory, bool wasThere) {
+    std::error_code ignored;
+    if (!wasThere) {
+        fs::remove_all(directory, ignored);
+        return;
+    }
+    for (const fs::directory_entry& entry : fs::directory_iterator(directory, ignored)) {
+        fs::remove_all(entry.path(), ignored);
+    }
+}
+
 /// What stands against a new device in the directory; empty for nothing.
 std::string obstacle(const fs::path& directory) {
     std::error_code error;
@@ -115,9 +127,11 @@ std::expected<void, std::string> createDevice(const std::string& directory, cons
     if (std::string reason = obstacle(directory); !reason.empty()) {
         return std::unexpected(std::move(reason));
     }
+    const bool wasThere = fs::exists(directory);
     try {
         make(fs::absolute(directory), *generation, options);
     } catch (const std::exception& exception) {
+        undo(directory, wasThere);
         return std::unexpected(fmt::format("cannot make the device: {}", exception.what()));
     }
     return {};

@@ -9,7 +9,8 @@ namespace ozdevice {
 
 /// Makes a device folder in a directory that is missing or empty, with its tree, its facts and the stand-in
 /// tools. The same options give the same tree, dates aside, which are counted back from now. The error is one
-/// line for the user; a directory that held something is untouched then.
+/// line for the user; a directory that held something is untouched then, any other is
+/// as it was.
 [[nodiscard]] std::expected<void, std::string> createDevice(const std::string& directory,
                                                             const DeviceOptions& options);
 

@@ -47,11 +47,11 @@ int64_t ageByName(std::string_view path) {
     return hash % fiveMonths;
 }
 
-void writeAll(int file, std::string_view content) {
+void writeAll(int file, std::string_view content, const std::string& path) {
     while (!content.empty()) {
         const ssize_t written = ::write(file, content.data(), content.size());
         if (written < 0 && errno != EINTR) {
-            fail("write");
+            fail(path);
         }
         content.remove_prefix(written < 0 ? 0 : static_cast<size_t>(written));
     }
@@ -134,7 +134,7 @@ void TreeWriter::writeFile(int parent, const char* name, std::string_view conten
     if (!file) {
         fail(fmt::format("{}/{}", _currentPath, name));
     }
-    writeAll(file.get(), content);
+    writeAll(file.get(), content, fmt::format("{}/{}", _currentPath, name));
     finish(file.get(), traits.mode == 0644 ? 0 : traits.mode, traits.age);
 }
 

@@ -15,6 +15,8 @@
 namespace ozdevice {
 namespace {
 
+using platform::Descriptor;
+
 constexpr std::string_view plainCharacters =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_./:=@%+,";
 
@@ -72,62 +74,41 @@ std::string journalLine(const std::vector<std::string>& commandLine) {
 }
 
 std::expected<DeviceFiles, std::string> DeviceFiles::open(const std::string& directory) {
-    const int folder = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) {
+    Descriptor folder(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder) {
         return std::unexpected("cannot open the device folder " + directory + ": " + std::strerror(errno));
     }
-    DeviceFiles files(folder);
-    if (::faccessat(folder, factsFileName, F_OK, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (::faccessat(folder.get(), factsFileName, F_OK, AT_SYMLINK_NOFOLLOW) != 0) {
         return std::unexpected(directory + " is no device folder: it has no " + factsFileName);
     }
-    while (::flock(folder, LOCK_EX) != 0 && errno == EINTR) {
+    while (::flock(folder.get(), LOCK_EX) != 0 && errno == EINTR) {
     }
-    return files;
-}
-
-DeviceFiles::DeviceFiles(DeviceFiles&& other) noexcept
-    : _folder(std::exchange(other._folder, -1)) {}
-
-DeviceFiles::~DeviceFiles() {
-    if (_folder >= 0) {
-        ::close(_folder);
-    }
+    return DeviceFiles(std::move(folder));
 }
 
 void DeviceFiles::appendToJournal(const std::vector<std::string>& commandLine) const {
-    const int journal =
-        ::openat(_folder, journalFileName, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0644);
-    if (journal < 0) {
-        return;
-    }
+    const Descriptor journal(::openat(_folder.get(), journalFileName,
+                                      O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0644));
     const std::string line = journalLine(commandLine);
-    std::ignore = ::write(journal, line.data(), line.size());
-    ::close(journal);
+    std::ignore = ::write(journal.get(), line.data(), line.size());
 }
 
 std::string DeviceFiles::read(const char* name) const {
-    const int file = ::openat(_folder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    if (file < 0) {
-        return {};
-    }
-    std::string content = readAll(file);
-    ::close(file);
-    return content;
+    const Descriptor file(::openat(_folder.get(), name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    return file ? readAll(file.get()) : "";
 }
 
 void DeviceFiles::write(const char* name, std::string_view content) const {
     const std::string temporary = std::string(".") + name + ".new";
-    const int file =
-        ::openat(_folder, temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644);
-    if (file < 0) {
+    const Descriptor file(::openat(_folder.get(), temporary.c_str(),
+                                   O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0644));
+    if (!file) {
         return;
     }
-    const bool whole = ::write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size());
-    ::close(file);
-    if (whole) {
-        ::renameat(_folder, temporary.c_str(), _folder, name);
+    if (::write(file.get(), content.data(), content.size()) == static_cast<ssize_t>(content.size())) {
+        ::renameat(_folder.get(), temporary.c_str(), _folder.get(), name);
     } else {
-        ::unlinkat(_folder, temporary.c_str(), 0);
+        ::unlinkat(_folder.get(), temporary.c_str(), 0);
     }
 }
 
@@ -161,34 +142,33 @@ void DeviceFiles::setLaunchServices(const LaunchServices& services) const {
     write(launchServicesFileName, serializePropertyList(dictionary, platform::PropertyListFormat::xml));
 }
 
-int DeviceFiles::openInTree(std::string_view devicePath) const {
-    return openBelow(rootFolderName, devicePath);
+std::optional<std::string> DeviceFiles::readInTree(std::string_view devicePath) const {
+    const Descriptor file = openBelow(rootFolderName, devicePath);
+    return file ? std::optional(readAll(file.get())) : std::nullopt;
 }
 
-int DeviceFiles::openTool(std::string_view devicePath) const {
+Descriptor DeviceFiles::openTool(std::string_view devicePath) const {
     return openBelow(toolsFolderName, devicePath);
 }
 
-int DeviceFiles::openBelow(const char* top, std::string_view devicePath) const {
-    int folder = ::openat(_folder, top, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    while (folder >= 0) {
+Descriptor DeviceFiles::openBelow(const char* top, std::string_view devicePath) const {
+    Descriptor folder(::openat(_folder.get(), top, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    while (folder) {
         devicePath.remove_prefix(std::min(devicePath.find_first_not_of('/'), devicePath.size()));
         const size_t end = std::min(devicePath.find('/'), devicePath.size());
         const std::string name(devicePath.substr(0, end));
         const bool isLast = end == devicePath.size();
-        const bool leadsOut = name.empty() || name == "." || name == "..";
-        const int next =
-            leadsOut ? -1
-                     : ::openat(folder, name.c_str(),
-                                O_RDONLY | O_NOFOLLOW | O_CLOEXEC | (isLast ? O_NONBLOCK : O_DIRECTORY));
-        ::close(folder);
-        if (isLast) {
-            return next;
+        if (name.empty() || name == "." || name == "..") {
+            return {};
         }
-        folder = next;
+        const int flags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC | (isLast ? O_NONBLOCK : O_DIRECTORY);
+        folder = Descriptor(::openat(folder.get(), name.c_str(), flags));
+        if (isLast) {
+            break;
+        }
         devicePath.remove_prefix(end);
     }
-    return -1;
+    return folder;
 }
 
 } // namespace ozdevice

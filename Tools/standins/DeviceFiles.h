@@ -1,9 +1,13 @@
 #pragma once
 
+#include "Platform/Descriptor.h"
+
 #include <expected>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 // The files of a device folder that stand beside its tree and that the stand-in tools live on.
@@ -30,9 +34,6 @@ class DeviceFiles {
   public:
     /// The error is one line for the user.
     static std::expected<DeviceFiles, std::string> open(const std::string& directory);
-    DeviceFiles(DeviceFiles&& other) noexcept;
-    DeviceFiles& operator=(DeviceFiles&&) = delete;
-    ~DeviceFiles();
 
     /// Appends one line in a single write, so that lines of concurrent tools stay whole.
     void appendToJournal(const std::vector<std::string>& commandLine) const;
@@ -43,20 +44,21 @@ class DeviceFiles {
     [[nodiscard]] LaunchServices launchServices() const;
     void setLaunchServices(const LaunchServices& services) const;
 
-    /// A descriptor of a file in the device's tree or among its tools, -1 if there is none. Neither a link
-    /// nor
-    /// ".." is followed, so that nothing beyond the device folder can be reached.
-    [[nodiscard]] int openInTree(std::string_view devicePath) const;
-    [[nodiscard]] int openTool(std::string_view devicePath) const;
+    /// A file's content in the device's tree; none if there is no such file.
+    [[nodiscard]] std::optional<std::string> readInTree(std::string_view devicePath) const;
+    /// A descriptor of a program among the device's tools, none if there is no such file. For this and the
+    /// one above, neither a link nor ".." is followed, so that nothing beyond the device folder can be
+    /// reached.
+    [[nodiscard]] platform::Descriptor openTool(std::string_view devicePath) const;
 
   private:
-    explicit DeviceFiles(int folder)
-        : _folder(folder) {}
+    explicit DeviceFiles(platform::Descriptor folder)
+        : _folder(std::move(folder)) {}
     void write(const char* name, std::string_view content) const;
     [[nodiscard]] std::string read(const char* name) const;
-    [[nodiscard]] int openBelow(const char* top, std::string_view devicePath) const;
+    [[nodiscard]] platform::Descriptor openBelow(const char* top, std::string_view devicePath) const;
 
-    int _folder;
+    platform::Descriptor _folder;
 };
 
 /// The arguments as one line that a shell would read back; control characters become "?".

@@ -4,8 +4,6 @@
 #include <iostream>
 #include <optional>
 
-#include <unistd.h>
-
 namespace standins {
 namespace {
 
@@ -20,20 +18,9 @@ std::string labelOf(const std::string& target) {
 }
 
 std::optional<std::string> labelOfPropertyList(const DeviceFiles& device, const std::string& path) {
-    int file = device.openInTree(path);
-    if (file < 0 && path.starts_with("/var/")) {
-        file = device.openInTree("/private" + path);
-    }
-    if (file < 0) {
-        return std::nullopt;
-    }
-    std::string content;
-    char buffer[16384];
-    for (ssize_t count; (count = ::read(file, buffer, sizeof buffer)) > 0;) {
-        content.append(buffer, static_cast<size_t>(count));
-    }
-    ::close(file);
-    const auto value = platform::parsePropertyList(content);
+    // On a device "/var" is a link into "/private".
+    const auto content = device.readInTree(path.starts_with("/var/") ? "/private" + path : path);
+    const auto value = platform::parsePropertyList(content.value_or(""));
     const auto* dictionary = value ? value->as<platform::Dictionary>() : nullptr;
     const auto* label = dictionary ? platform::valueAt<std::string>(*dictionary, "Label") : nullptr;
     return label ? std::optional(*label) : std::nullopt;

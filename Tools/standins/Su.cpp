@@ -15,16 +15,16 @@ constexpr int commandNotFound = 127;
 constexpr int commandNotRun = 126;
 constexpr std::string_view toolFolders[] = {"/usr/bin", "/bin", "/usr/sbin", "/sbin"};
 
-int openCommand(const ozdevice::DeviceFiles& device, const std::string& command) {
+platform::Descriptor openCommand(const ozdevice::DeviceFiles& device, const std::string& command) {
     if (command.find('/') != std::string::npos) {
-        return command.starts_with('/') ? device.openTool(command) : -1;
+        return command.starts_with('/') ? device.openTool(command) : platform::Descriptor();
     }
     for (const std::string_view folder : toolFolders) {
-        if (const int file = device.openTool(std::string(folder) + '/' + command); file >= 0) {
+        if (auto file = device.openTool(std::string(folder) + '/' + command)) {
             return file;
         }
     }
-    return -1;
+    return {};
 }
 
 int execute(int file, std::vector<std::string> words) {
@@ -57,12 +57,12 @@ int su(const ozdevice::DeviceFiles& device, Arguments arguments) {
         std::cerr << "su: the device has no shell; give a command with -c\n";
         return 1;
     }
-    const int file = openCommand(device, words.front());
-    if (file < 0) {
+    const platform::Descriptor file = openCommand(device, words.front());
+    if (!file) {
         std::cerr << "su: " << words.front() << ": command not found among the device's tools\n";
         return commandNotFound;
     }
-    return execute(file, std::move(words));
+    return execute(file.get(), std::move(words));
 }
 
 } // namespace standins

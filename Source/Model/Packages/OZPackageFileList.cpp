@@ -1,0 +1,150 @@
+#include "Model/Packages/OZPackageFileList.h"
+
+#include "Categories/NSStringAdditions.h"
+#include "Model/Packages/TextLines.h"
+
+#include <cerrno>
+#include <limits>
+#include <memory>
+
+#include <unicode/ucnv.h>
+#include <unicode/uniset.h>
+#include <unicode/ustring.h>
+
+namespace {
+
+using platform::Result;
+using std::string_view_literals::operator""sv;
+
+struct MarkedEncoding {
+    OZTextEncoding encoding;
+    std::string_view mark;
+    /// The converter's name; null where the text is UTF-8 already.
+    const char* name;
+};
+
+// The longer marks come first: those of 32 bits begin like one of 16.
+constexpr MarkedEncoding markedEncodings[] = {
+    {OZTextEncoding::utf32LittleEndian, "\xFF\xFE\0\0"sv, "UTF-32LE"},
+    {OZTextEncoding::utf32BigEndian, "\0\0\xFE\xFF"sv, "UTF-32BE"},
+    {OZTextEncoding::utf8WithMark, "\xEF\xBB\xBF"sv, nullptr},
+    {OZTextEncoding::utf16LittleEndian, "\xFF\xFE"sv, "UTF-16LE"},
+    {OZTextEncoding::utf16BigEndian, "\xFE\xFF"sv, "UTF-16BE"},
+};
+
+const MarkedEncoding* markedEncoding(OZTextEncoding encoding) {
+    for (const auto& entry : markedEncodings) {
+        if (entry.encoding == encoding) {
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
+const MarkedEncoding* encodingMarkedIn(std::string_view bytes) {
+    for (const auto& entry : markedEncodings) {
+        if (bytes.starts_with(entry.mark)) {
+            return &entry;
+        }
+    }
+    return nullptr;
+}
+
+using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
+
+/// Stops at what it cannot convert, so that nothing is replaced in silence.
+Converter strictConverter(const char* name) {
+    UErrorCode error = U_ZERO_ERROR;
+    Converter converter(ucnv_open(name, &error), &ucnv_close);
+    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+    ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+    return converter;
+}
+
+Result<std::string> converted(std::string_view bytes, const char* from, const char* to) {
+    const Converter source = strictConverter(from);
+    const Converter target = strictConverter(to);
+    // No character takes more than four bytes for each of its own.
+    std::string text(bytes.size() * 4, '\0');
+    char* end = text.data();
+    const char* next = bytes.data();
+    UErrorCode error = U_ZERO_ERROR;
+    ucnv_convertEx(target.get(), source.get(), &end, text.data() + text.size(), &next,
+                   bytes.data() + bytes.size(), nullptr, nullptr, nullptr, nullptr, true, true, &error);
+    if (U_FAILURE(error)) {
+        return platform::failure(EILSEQ);
+    }
+    text.resize(static_cast<size_t>(end - text.data()));
+    return text;
+}
+
+bool isUTF8(std::string_view bytes) {
+    UErrorCode error = U_ZERO_ERROR;
+    // Measures alone: that there is no room for the text is what it says of valid bytes.
+    u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
+    return error != U_INVALID_CHAR_FOUND;
+}
+
+/// In single bytes, only those are known that all encodings have in common.
+const icu::UnicodeSet& newlinesIn(OZTextEncoding encoding) {
+    static const icu::UnicodeSet common(0x0A, 0x0D);
+    return encoding == OZTextEncoding::singleBytes ? common : newlineCharacterSet();
+}
+
+std::vector<std::string> splitAtNewlines(std::string_view text, const icu::UnicodeSet& newlines) {
+    std::vector<std::string> lines;
+    for (bool ended = false; !ended;) {
+        const size_t rest = text.size();
+        const std::string_view line = takeLine(text, newlines);
+        lines.emplace_back(line);
+        ended = line.size() == rest;
+    }
+    return lines;
+}
+
+} // namespace
+
+Result<OZPackageFileList> OZPackageFileList::parse(std::string_view bytes) {
+    if (bytes.size() > std::numeric_limits<int32_t>::max() / 4) {
+        return platform::failure(EFBIG);
+    }
+    const MarkedEncoding* const marked = encodingMarkedIn(bytes);
+    Result<std::string> text = std::string(bytes.substr(marked == nullptr ? 0 : marked->mark.size()));
+    if (marked != nullptr && marked->name != nullptr) {
+        text = converted(*text, marked->name, "UTF-8");
+    }
+    if (!text || (marked != nullptr && !isUTF8(*text))) {
+        return platform::failure(EILSEQ);
+    }
+    OZPackageFileList list;
+    if (marked != nullptr) {
+        list.encoding = marked->encoding;
+    } else if (!isUTF8(*text)) {
+        list.encoding = OZTextEncoding::singleBytes;
+    }
+    list.paths = splitAtNewlines(*text, newlinesIn(list.encoding));
+    if (!isNotEmptyOrWhitespace(list.paths.back())) {
+        list.paths.pop_back();
+    }
+    return list;
+}
+
+Result<std::string> OZPackageFileList::serialize() const {
+    std::string text;
+    for (const std::string& path : paths) {
+        const std::string_view trimmed = stringByTrimmingCharactersInSet(path, newlinesIn(encoding));
+        if (!trimmed.empty()) {
+            text += trimmed;
+            text += '\n';
+        }
+    }
+    const MarkedEncoding* const marked = markedEncoding(encoding);
+    if (text.empty() || marked == nullptr) {
+        return text;
+    }
+    auto encoded = marked->name == nullptr ? text : converted(text, "UTF-8", marked->name);
+    if (encoded) {
+        encoded->insert(0, marked->mark);
+    }
+    return encoded;
+}

@@ -1,0 +1,166 @@
+#include "Model/Packages/OZPackageGraph.h"
+
+#include "Categories/NSStringAdditions.h"
+#include "Model/Packages/TextLines.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include <fmt/format.h>
+#include <unicode/uniset.h>
+
+namespace {
+
+constexpr std::string_view delimiter = "<OzvarineQueryPackageDelimiter>";
+constexpr std::string_view installed = "installed";
+
+enum Field : size_t { package, status, name, icon, preDepends, depends, fieldCount };
+constexpr std::array<std::string_view, fieldCount> fieldNames = {"Package", "Status",      "Name",
+                                                                 "Icon",    "Pre-depends", "Depends"};
+/// Empty where the record has none.
+using Fields = std::array<std::string_view, fieldCount>;
+
+/// Sets that are frozen, which makes them fast: the whole answer goes through them.
+struct CharacterSets {
+    icu::UnicodeSet newlines{newlineCharacterSet()};
+    /// White space within a line.
+    icu::UnicodeSet blanks{whitespaceAndNewlineCharacterSet()};
+
+    CharacterSets() {
+        blanks.removeAll(newlines);
+        blanks.freeze();
+        newlines.freeze();
+    }
+};
+
+const CharacterSets& sets() {
+    static const CharacterSets sets;
+    return sets;
+}
+
+std::string_view upToAnyOf(std::string_view text, const icu::UnicodeSet& set) {
+    const int32_t length =
+        set.spanUTF8(text.data(), static_cast<int32_t>(text.size()), USET_SPAN_NOT_CONTAINED);
+    return text.substr(0, static_cast<size_t>(length));
+}
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view commonBlanks = " \t";
+    text.remove_prefix(std::min(text.find_first_not_of(commonBlanks), text.size()));
+    text = text.substr(0, text.find_last_not_of(commonBlanks) + 1);
+    const auto isPlain = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
+    return text.empty() || (isPlain(text.front()) && isPlain(text.back()))
+               ? text
+               : stringByTrimmingCharactersInSet(text, sets().blanks);
+}
+
+/// Cuts off the text before the separator, and the separator; the rest stays.
+std::string_view takePiece(std::string_view& text, std::string_view separator) {
+    const std::string_view piece = text.substr(0, text.find(separator));
+    text.remove_prefix(std::min(piece.size() + separator.size(), text.size()));
+    return piece;
+}
+
+void readLine(std::string_view line, Fields& fields) {
+    const size_t equals = line.find('=');
+    if (equals == std::string_view::npos || equals + 1 == line.size()) {
+        return;
+    }
+    const auto field = std::ranges::find(fieldNames, line.substr(0, equals));
+    if (field != fieldNames.end()) {
+        fields[static_cast<size_t>(field - fieldNames.begin())] = line.substr(equals + 1);
+    }
+}
+
+Fields readFields(std::string_view record) {
+    Fields fields;
+    while (!record.empty()) {
+        readLine(trimmed(takeLine(record, sets().newlines)), fields);
+    }
+    return fields;
+}
+
+/// Calls the visitor with the names in a list such as "libfoo (>= 1.0), bar | baz": all three of them.
+template <class Visitor>
+void visitNames(std::string_view list, Visitor visitor) {
+    while (!list.empty()) {
+        const std::string_view part = list.substr(0, list.find_first_of(",|"));
+        list.remove_prefix(std::min(part.size() + 1, list.size()));
+        const std::string_view name = upToAnyOf(trimmed(part), sets().blanks);
+        if (!name.empty()) {
+            visitor(name);
+        }
+    }
+}
+
+bool hasNames(std::string_view list) {
+    bool has = false;
+    visitNames(list, [&](std::string_view) { has = true; });
+    return has;
+}
+
+std::optional<std::string> textOf(std::string_view field) {
+    return field.empty() ? std::nullopt : std::optional<std::string>(field);
+}
+
+} // namespace
+
+std::string OZPackageGraph::queryFormat() {
+    std::string format;
+    for (const std::string_view fieldName : fieldNames) {
+        // The tool itself makes newlines of the backslashes.
+        format += fmt::format("{0}=${{{0}}}\\n", fieldName);
+    }
+    return format + std::string(delimiter) + "\\n";
+}
+
+OZPackageGraph::OZPackageGraph(platform::Device& device, std::string_view answer) {
+    std::vector<Dependencies> remembered;
+    while (!answer.empty()) {
+        readRecord(device, takePiece(answer, delimiter), remembered);
+    }
+    for (size_t index = 0; index < remembered.size(); ++index) {
+        link(_packages[index], remembered[index].preDepends);
+        link(_packages[index], remembered[index].depends);
+    }
+}
+
+OZPackage* OZPackageGraph::packageWithIdentifier(std::string_view identifier) {
+    const auto found = _indexes.find(identifier);
+    return found == _indexes.end() ? nullptr : &_packages[found->second];
+}
+
+void OZPackageGraph::readRecord(platform::Device& device, std::string_view text,
+                                std::vector<Dependencies>& remembered) {
+    const Fields fields = readFields(text);
+    if (fields[package].empty() || !fields[status].ends_with(installed)) {
+        return;
+    }
+    const size_t index = indexOfPackage(device, fields[package]);
+    _packages[index].setName(textOf(fields[name]));
+    _packages[index].setIconURL(textOf(fields[icon]));
+    remembered.resize(_packages.size());
+    // Of two records of one package, one without dependencies leaves those of the other.
+    if (hasNames(fields[preDepends]) || hasNames(fields[depends])) {
+        remembered[index] = {.preDepends = fields[preDepends], .depends = fields[depends]};
+    }
+}
+
+size_t OZPackageGraph::indexOfPackage(platform::Device& device, std::string_view identifier) {
+    const auto found = _indexes.find(identifier);
+    if (found != _indexes.end()) {
+        return found->second;
+    }
+    const OZPackage& added = _packages.emplace_back(device, std::string(identifier));
+    _indexes.emplace(added.identifier(), _packages.size() - 1);
+    return _packages.size() - 1;
+}
+
+void OZPackageGraph::link(OZPackage& package, std::string_view dependencies) {
+    visitNames(dependencies, [&](std::string_view dependency) {
+        if (OZPackage* const other = packageWithIdentifier(dependency)) {
+            package.linkToDependency(*other);
+        }
+    });
+}

@@ -1,0 +1,199 @@
+#include "Model/Apps/OZAppList.h"
+#include "Model/Builder/OZModelBuilder.h"
+#include "Model/Core/CleanupSteps.h"
+#include "Model/Core/OZCore.h"
+#include "Model/Tasks/OZDeviceActions.h"
+#include "Platform/Device.h"
+#include "Tests/Model/Apps/AppTree.h"
+#include "Tests/Support/EngineFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr std::string_view defaultsFile = "/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
+const std::string folderType = CustomFileRecord::directoryType;
+const std::string fileType = CustomFileRecord::regularType;
+
+class OZCoreChoicesTest : public testing::Test, public tests::EngineFixture {
+  protected:
+    platform::UserDefaults& defaults() { return device.device().standardUserDefaults(); }
+    void store(const char* key, platform::Value value) { defaults().setObject(key, std::move(value)); }
+};
+
+TEST_F(OZCoreChoicesTest, refusesFileTypesThatADeviceNeeds) {
+    struct {
+        std::vector<std::string> given;
+        bool refused;
+        std::vector<std::string> kept;
+    } const rows[] = {
+        {{"bak", "PNG", "old_-%1", "données"}, false, {"bak", "PNG", "old_-%1", "données"}},
+        {{"png", "bak"}, true, {"bak"}},
+        {{"png"}, true, {}},
+        {{"tar.gz", "a|b", "a*", "a b", "bad\xFF", "ok"}, true, {"ok"}},
+        {{"", ""}, false, {"log", "logs", "tmp", "temp"}},
+        {{}, false, {"log", "logs", "tmp", "temp"}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(core->setFileTypesExcludingIllegal(row.given), row.refused);
+        EXPECT_EQ(core->fileTypes(), row.kept);
+    }
+}
+
+TEST_F(OZCoreChoicesTest, editsCustomFilesInTheUsersOrder) {
+    core->addCustomFile({.filePath = "/a", .fileType = fileType});
+    core->addCustomFile({.filePath = "/c", .fileType = fileType});
+    core->insertCustomFile({.filePath = "/b", .fileType = folderType}, 1);
+    core->addCustomFile({.filePath = "/d"});
+    core->addCustomFile({.fileType = fileType});
+    const auto paths = [&] {
+        std::string joined;
+        for (const auto& record : core->customFiles()) {
+            joined += record.filePath;
+        }
+        return joined;
+    };
+    EXPECT_EQ(paths(), "/a/b/c");
+    core->replaceCustomFile(0, core->customFiles()[2]);
+    EXPECT_EQ(paths(), "/c/b/c");
+    core->replaceCustomFile(1, {.filePath = "/incomplete"});
+    EXPECT_EQ(paths(), "/c/c");
+    EXPECT_THROW(core->removeCustomFile(2), platform::AssertionFailure);
+    EXPECT_THROW(core->insertCustomFile(core->customFiles()[0], 3), platform::AssertionFailure);
+}
+
+TEST_F(OZCoreChoicesTest, repairsWhatWasStoredBadly) {
+    store("customFiles", platform::Array{"no dictionary", platform::Dictionary{{"filePath", "/only a path"}},
+                                         platform::Dictionary{{"filePath", 3}, {"fileType", fileType}},
+                                         platform::Dictionary{{"filePath", "/kept"},
+                                                              {"fileType", folderType},
+                                                              {"customFolderSetting", "2"},
+                                                              {"recursive", 1},
+                                                              {"startPattern", ""},
+                                                              {"endPattern", 5}}});
+    store("fileTypes", platform::Array{"png", 7, "bak"});
+    store("cleanupSettings", platform::Dictionary{{std::string(cleanupstep::cydiaSources), 1},
+                                                  {std::string(cleanupstep::safari), "no number"},
+                                                  {"UNKNOWN", true}});
+    core->loadDefaults();
+    EXPECT_THAT(core->customFiles(),
+                ElementsAre(CustomFileRecord{
+                    .filePath = "/kept", .fileType = folderType, .recursive = true, .startPattern = ""}));
+    EXPECT_THAT(core->fileTypes(), ElementsAre("bak"));
+    EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::safari), platform::Value(true));
+    EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::cydiaSources), platform::Value(1));
+    EXPECT_FALSE(core->numberForCleanupSetting("UNKNOWN"));
+
+    for (const auto* key : {"customFiles", "fileTypes", "cleanupSettings"}) {
+        store(key, "of another type");
+    }
+    core->loadDefaults();
+    EXPECT_THAT(core->customFiles(), IsEmpty());
+    EXPECT_EQ(core->fileTypes(), OZCore::defaultFileTypes());
+    EXPECT_EQ(core->cleanupSettings(), OZCore::defaultCleanupSettings(device.device()));
+}
+
+TEST_F(OZCoreChoicesTest, settingsWithEveryStepOffDoNotSurvive) {
+    auto settings = OZCore::defaultCleanupSettings(device.device());
+    for (auto& [key, number] : settings) {
+        number = 0;
+    }
+    store("cleanupSettings", settings);
+    core->loadDefaults();
+    EXPECT_EQ(core->cleanupSettings(), OZCore::defaultCleanupSettings(device.device()));
+
+    settings[std::string(cleanupstep::attachments)] = 2;
+    store("cleanupSettings", settings);
+    core->loadDefaults();
+    EXPECT_THAT(core->enabledCleanupStepKeys(), ElementsAre(cleanupstep::attachments));
+    EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::attachments)->unsignedValue(), 2);
+}
+
+TEST_F(OZCoreChoicesTest, emptyListsLeaveNoKeyBehind) {
+    core->addCustomFile({.filePath = "/a", .fileType = fileType});
+    core->addLanguageToRemove("French");
+    core->writeDefaults();
+    EXPECT_TRUE(defaults().objectForKey("customFiles") && defaults().objectForKey("languagesToRemove"));
+    core->removeCustomFile(0);
+    core->removeAllLanguagesToRemove();
+    core->writeDefaults();
+    EXPECT_FALSE(defaults().objectForKey("customFiles") || defaults().objectForKey("languagesToRemove"));
+}
+
+TEST_F(OZCoreChoicesTest, aLanguageInUseCannotStayMarked) {
+    core->setLanguagesToRemove({"english", "Francais", "FRANÇ", "German", "Portuguese (Brazil)", "", "ish"});
+    core->removeLanguagesInUse(std::vector<std::string>{"English", "Français", "Portuguese"});
+    EXPECT_THAT(core->languagesToRemove(), ElementsAre("", "German", "Portuguese (Brazil)"));
+}
+
+/// One process after another over the same tree.
+class StoredChoicesTest : public testing::Test {
+  protected:
+    struct Process {
+        explicit Process(const TemporaryDevice& files)
+            : device(platform::Device::open(files.folder()).value())
+            , builder(*device) {}
+
+        std::unique_ptr<platform::Device> device;
+        OZModelBuilder builder;
+    };
+
+    StoredChoicesTest() {
+        tests::AppTree tree(files);
+        tree.addPlist("/System/Library/CoreServices/SystemVersion.plist", {{"ProductVersion", "11.1.2"}});
+        tree.addBundle("/Applications/Maps.app", "com.apple.Maps");
+    }
+
+    TemporaryDevice files;
+};
+
+TEST_F(StoredChoicesTest, theNextProcessDoesWhatTheUserChose) {
+    const CustomFileRecord record{.filePath = "/var/mobile/Ünterlagen",
+                                  .fileType = folderType,
+                                  .customFolderSetting = OZCustomFolderSetting::onlyFiles,
+                                  .recursive = true,
+                                  .startPattern = "a",
+                                  .endPattern = "z"};
+    {
+        Process process(files);
+        auto& core = process.builder.core();
+        core.setNumberForCleanupSetting(uint64_t{2}, cleanupstep::attachments);
+        core.setNumberForCleanupSetting(false, cleanupstep::safari);
+        core.addCustomFile(record);
+        std::ignore = core.setFileTypesExcludingIllegal({"bak"});
+        core.setLanguagesToRemove({"French", "German"});
+        core.setTestMode(true);
+        process.builder.appList().setExclusionMask(OZExclusionMask::all, "com.apple.Maps");
+        ASSERT_TRUE(process.device->standardUserDefaults().synchronize());
+        core.setTestMode(false);
+    }
+    Process process(files);
+    auto& core = process.builder.core();
+    EXPECT_EQ(core.numberForCleanupSetting(cleanupstep::attachments)->unsignedValue(), 2);
+    EXPECT_EQ(core.numberForCleanupSetting(cleanupstep::safari)->boolValue(), false);
+    EXPECT_THAT(core.customFiles(), ElementsAre(record));
+    EXPECT_THAT(core.fileTypes(), ElementsAre("bak"));
+    EXPECT_THAT(core.languagesToRemove(), ElementsAre("French", "German"));
+    EXPECT_TRUE(core.testMode()) << "what is not saved is not stored";
+    EXPECT_TRUE(process.builder.appList().isAppExcluded("com.apple.Maps"));
+    EXPECT_TRUE(process.device->standardUserDefaults().boolForKey("warningPopups"));
+}
+
+TEST_F(StoredChoicesTest, defaultsServeUntilSomethingIsSaved) {
+    Process process(files);
+    EXPECT_EQ(process.builder.core().cleanupSettings(), OZCore::defaultCleanupSettings(*process.device));
+    EXPECT_FALSE(std::filesystem::exists(files.hostPath(defaultsFile)));
+    // The interface may take the program with it when it restarts.
+    process.device->setSleep([](double) {});
+    process.builder.core().setTestMode(true);
+    process.builder.deviceActions().respring();
+    Process next(files);
+    EXPECT_TRUE(next.builder.core().testMode());
+}
+
+} // namespace
