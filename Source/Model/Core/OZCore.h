@@ -106,6 +106,13 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeAllLanguagesToRemove() { _languagesToRemove.clear(); }
     /// Unmarks the languages whose name is a part of one of these, without regard to case and diacritics.
     void removeLanguagesInUse(std::span<const std::string> names);
+    /// The languages that may be chosen, in the order of the language table: not English, nor those in use.
+    [[nodiscard]] std::vector<std::string> removableLanguages();
+    /// The lines of the language table, "lang" of the program's resources: a language's English name and the other
+    /// forms of it in names of files, each a regular expression. Empty where it cannot be read; kept otherwise.
+    const std::vector<std::string>& languageRegexFileLines();
+    /// Regular expressions for the languages to remove: all forms, or the two-letter codes alone.
+    [[nodiscard]] std::vector<std::string> languageRegexComponentsShort(bool codesOnly);
 
     // All choices, as they outlive the process.
     void registerDefaults() override;
@@ -237,6 +244,13 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeiPadImages();
     void remove4InchImages();
     void removeiTunesArtwork();
+    void removeLanguages();
+    [[nodiscard]] std::string prunePatternForLanguages() const;
+    std::vector<platform::FoundPaths> findLanguageData(const std::vector<std::string>& codes);
+    void removeOwnLanguages();
+    void removeKeyboards();
+    void removeVoiceControlLanguages();
+    void quickDelLangAll(const std::vector<platform::FoundPaths>& found);
     void restore(const platform::FoundPaths& backups);
     void restoreItem(const platform::Item& backup, std::string_view path);
 
@@ -265,6 +279,7 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     std::vector<CustomFileRecord> _customFiles;
     std::vector<std::string> _fileTypes;
     LanguageNames _languagesToRemove;
+    std::vector<std::string> _languageRegexFileLines;
     bool _testMode = false;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;

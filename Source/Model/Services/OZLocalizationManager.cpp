@@ -1,5 +1,6 @@
 #include "Model/Services/OZLocalizationManager.h"
 
+#include "Categories/NSStringFolding.h"
 #include "Platform/Bundle.h"
 #include "Platform/Device.h"
 
@@ -31,16 +32,10 @@ platform::Dictionary globalPreferences(platform::FileManager fileManager) {
     return preferences == nullptr ? platform::Dictionary() : std::move(*preferences);
 }
 
-bool precedesWithoutCase(const std::string& left, const std::string& right) {
-    return icu::UnicodeString::fromUTF8(left).caseCompare(icu::UnicodeString::fromUTF8(right), 0) < 0;
-}
-
 } // namespace
 
-OZLocalizationManager::OZLocalizationManager(platform::Device& device, platform::UserDefaults& defaults,
-                                             const platform::Bundle& bundle)
+OZLocalizationManager::OZLocalizationManager(platform::Device& device, const platform::Bundle& bundle)
     : _device(device)
-    , _defaults(defaults)
     , _bundle(bundle) {
     readSystemPreferences();
     findLanguages();
@@ -69,7 +64,7 @@ void OZLocalizationManager::findLanguages() {
             _languageNames.push_back(name);
         }
     }
-    std::ranges::sort(_languageNames, precedesWithoutCase);
+    std::ranges::sort(_languageNames, {}, caseFoldedString);
 }
 
 std::string OZLocalizationManager::localizedStringForKey(std::string_view key) const {
@@ -123,11 +118,11 @@ std::string OZLocalizationManager::languageOfDevice() const {
 }
 
 void OZLocalizationManager::loadDefaults() {
-    setUserLanguage(_defaults.stringForKey(languageDefaultsKey));
+    setUserLanguage(_device.standardUserDefaults().stringForKey(languageDefaultsKey));
 }
 
 void OZLocalizationManager::writeDefaults() {
     if (_userLanguage) {
-        _defaults.setObject(languageDefaultsKey, *_userLanguage);
+        _device.standardUserDefaults().setObject(languageDefaultsKey, *_userLanguage);
     }
 }

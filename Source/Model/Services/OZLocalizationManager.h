@@ -11,7 +11,6 @@
 namespace platform {
 class Bundle;
 class Device;
-class UserDefaults;
 } // namespace platform
 
 /// Posted with the manager as the object when the language may have changed, on the thread that changed it.
@@ -25,8 +24,7 @@ class OZLocalizationManager : public OZUserDefaultsSync {
   public:
     /// Reads the device's preferences and finds the languages; there is no `userLanguage` before the first
     /// `loadDefaults`. What is given outlives the manager.
-    OZLocalizationManager(platform::Device& device, platform::UserDefaults& defaults,
-                          const platform::Bundle& bundle);
+    OZLocalizationManager(platform::Device& device, const platform::Bundle& bundle);
 
     /// The text in the user's language, else the English one, else the key.
     [[nodiscard]] std::string localizedStringForKey(std::string_view key) const;
@@ -62,7 +60,6 @@ class OZLocalizationManager : public OZUserDefaultsSync {
     [[nodiscard]] std::string languageOfDevice() const;
 
     platform::Device& _device;
-    platform::UserDefaults& _defaults;
     const platform::Bundle& _bundle;
     std::map<std::string, std::string, std::less<>> _languages;
     std::vector<std::string> _languageNames;

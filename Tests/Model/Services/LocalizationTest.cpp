@@ -1,6 +1,5 @@
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Bundle.h"
-#include "Platform/UserDefaults.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -41,16 +40,12 @@ class Localization {
   public:
     explicit Localization(TemporaryDevice& device, std::filesystem::path resources = Bundle().directory())
         : _bundle(std::move(resources))
-        , _defaults(device.device().fileManager(), device.device().notificationCenter(), "/defaults.plist")
-        , manager(device.device(), _defaults, _bundle)
+        , manager(device.device(), _bundle)
         , _observation(device.device().notificationCenter(), OZLocalizationNotification, &manager,
                        [this](const auto&) { ++notifications; }) {}
 
-    [[nodiscard]] platform::UserDefaults& defaults() { return _defaults; }
-
   private:
     Bundle _bundle;
-    platform::UserDefaults _defaults;
 
   public:
     OZLocalizationManager manager;
@@ -170,10 +165,10 @@ TEST(Localization, KeepsTheChoiceAndSurvivesALanguageThatIsGone) {
     TemporaryDevice device;
     {
         Localization first(device, resources.path());
-        registerObject(first.defaults(), first.manager);
+        registerObject(device.device().standardUserDefaults(), first.manager);
         EXPECT_EQ(first.manager.userLanguage(), "English");
         first.manager.setUserLanguage("French");
-        EXPECT_TRUE(first.defaults().synchronize());
+        EXPECT_TRUE(device.device().standardUserDefaults().synchronize());
     }
     Localization second(device, resources.path());
     second.manager.loadDefaults();
