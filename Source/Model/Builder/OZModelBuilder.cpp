@@ -4,6 +4,7 @@
 #include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
 #include "Platform/Bundle.h"
@@ -35,11 +36,24 @@ OZAppList& OZModelBuilder::appList() {
     return *_appList;
 }
 
+OZLocalizationManager& OZModelBuilder::localizationManager() {
+    if (!_localizationManager) {
+        auto& defaults = standardUserDefaults();
+        _localizationManager = std::make_unique<OZLocalizationManager>(_device, defaults, bundle());
+        registerObject(defaults, *_localizationManager);
+    }
+    return *_localizationManager;
+}
+
 OZCore& OZModelBuilder::core() {
     if (!_core) {
-        _core = std::make_unique<OZCore>(_device, &appList(), nullptr);
+        auto& installedApps = appList();
+        _core = std::make_unique<OZCore>(_device, &installedApps, &localizationManager());
         _core->setCleanupLogger(cleanupLogger());
         registerObject(standardUserDefaults(), *_core);
+        _languageChange =
+            platform::Observation(_device.notificationCenter(), OZLocalizationNotification, nullptr,
+                                  [this](const platform::Notification&) { _core->localize(); });
     }
     return *_core;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/NotificationCenter.h"
+
 #include <functional>
 #include <memory>
 
@@ -13,6 +15,7 @@ class OZCleanupLogger;
 class OZCore;
 class OZDeviceActions;
 class OZFontsFolderMover;
+class OZLocalizationManager;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
 /// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
@@ -30,7 +33,9 @@ class OZModelBuilder {
 
     /// The program's own resources.
     const platform::Bundle& bundle();
+
     OZAppList& appList();
+    OZLocalizationManager& localizationManager();
     OZCore& core();
     OZDeviceActions& deviceActions();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
@@ -45,7 +50,9 @@ class OZModelBuilder {
     platform::Device& _device;
     std::unique_ptr<platform::Bundle> _bundle;
     std::unique_ptr<OZAppList> _appList;
+    std::unique_ptr<OZLocalizationManager> _localizationManager;
     std::unique_ptr<OZCore> _core;
+    platform::Observation _languageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
     std::function<void()> _systemRestore;
 };

@@ -113,6 +113,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     const std::vector<std::string>& languageRegexFileLines();
     /// Regular expressions for the languages to remove: all forms, or the two-letter codes alone.
     [[nodiscard]] std::vector<std::string> languageRegexComponentsShort(bool codesOnly);
+    /// Unmarks English and the languages of the device and of the user; for when the language changes.
+    void localize();
 
     // All choices, as they outlive the process.
     void registerDefaults() override;
