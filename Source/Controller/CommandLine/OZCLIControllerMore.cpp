@@ -22,10 +22,10 @@ constexpr std::string_view fontsError = "The fonts folder can only be moved on i
 
 /// What the entries share while the menu is open.
 struct Context {
-    explicit Context(OZModelBuilder& modelBuilder)
-        : modelBuilder(modelBuilder)
-        , fontsFolderMover(modelBuilder.fontsFolderMover())
-        , restore(modelBuilder.systemRestore()) {}
+    explicit Context(OZModelBuilder& builder)
+        : modelBuilder(builder)
+        , fontsFolderMover(builder.fontsFolderMover())
+        , restore(builder.systemRestore()) {}
 
     [[nodiscard]] OZCore& core() const { return modelBuilder.core(); }
     [[nodiscard]] const platform::DeviceFacts& facts() const { return modelBuilder.device().facts(); }

@@ -39,7 +39,7 @@ OZAppList& OZModelBuilder::appList() {
 OZLocalizationManager& OZModelBuilder::localizationManager() {
     if (!_localizationManager) {
         auto& defaults = standardUserDefaults();
-        _localizationManager = std::make_unique<OZLocalizationManager>(_device, defaults, bundle());
+        _localizationManager = std::make_unique<OZLocalizationManager>(_device, bundle());
         registerObject(defaults, *_localizationManager);
     }
     return *_localizationManager;
