@@ -40,7 +40,7 @@ OZAppList& OZModelBuilder::appList() {
 OZLocalizationManager& OZModelBuilder::localizationManager() {
     if (!_localizationManager) {
         auto& defaults = standardUserDefaults();
-        _localizationManager = std::make_unique<OZLocalizationManager>(_device, bundle());
+        _localizationManager = std::make_unique<OZLocalizationManager>(_device, defaults, bundle());
         registerObject(defaults, *_localizationManager);
     }
     return *_localizationManager;
