@@ -80,12 +80,12 @@ TEST_F(MenuTest, BringsBackWhatTestModeHasPutAside) {
     }
     terminal.enter("3");
     terminal.screen();
-    expectScreen(terminal, "8", "artwork removed");
+    expectWork(terminal, "8", "Removing iTunesArtwork files", "results with size");
     const auto count = terminal.count();
     EXPECT_GT(count, 0U);
     EXPECT_EQ(backupsIn(folder), static_cast<ptrdiff_t>(count));
     expectScreen(terminal, "", "more");
-    expectScreen(terminal, "1", "backups restored");
+    expectWork(terminal, "1", "Restoring backup files", "results without size");
     EXPECT_EQ(terminal.count(), count);
     EXPECT_THAT(difference(treeOf(folder), before), IsEmpty());
     expectScreen(terminal, "", "more");
@@ -94,7 +94,7 @@ TEST_F(MenuTest, BringsBackWhatTestModeHasPutAside) {
     terminal.screen();
     terminal.enter("");
     terminal.screen();
-    expectScreen(terminal, "2", "backups removed");
+    expectWork(terminal, "2", "Removing backup files", "results without size");
     EXPECT_EQ(terminal.count(), count);
     EXPECT_EQ(backupsIn(folder), 0);
     EXPECT_EQ(treeOf(folder).size(), before.size() - count);
@@ -147,13 +147,13 @@ TEST(MenuOfAnOlderDevice, MovesTheFontsFolder) {
     terminal.screen();
     terminal.enter("3");
     terminal.screen();
-    expectScreen(terminal, "12", "fonts on data");
+    expectWork(terminal, "12", "Moving fonts folder", "fonts on data");
     EXPECT_EQ(temporary.contents("/var/Fonts/Cache/Helvetica.ttc"), "helvetica");
     expectScreen(terminal, "", "more");
-    expectScreen(terminal, "12", "fonts on system");
+    expectWork(terminal, "12", "Moving fonts folder", "fonts on system");
     expectScreen(terminal, "", "more");
     std::filesystem::remove_all(temporary.hostPath("/System/Library/Fonts"));
-    expectScreen(terminal, "12", "fonts missing");
+    expectWork(terminal, "12", "Moving fonts folder", "fonts missing");
 }
 
 TEST(WaitingLine, GrowsByADotEachHalfSecondAndStartsOver) {
