@@ -1,9 +1,11 @@
 #include "Tests/Controller/CommandLine/MenuTest.h"
 
 #include <csignal>
+#include <functional>
 #include <thread>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace tests;
 
@@ -13,6 +15,32 @@ namespace {
 
 std::string termiosBytes(const termios& settings) {
     return {reinterpret_cast<const char*>(&settings), sizeof settings};
+}
+
+// Stands in for an interactive shell with one job: takes over when the job stops, and continues it after a
+// line.
+int runAsJob(const std::function<int()>& program) {
+    ::signal(SIGTTOU, SIG_IGN);
+    const pid_t job = ::fork();
+    if (job == 0) {
+        ::setpgid(0, 0);
+        ::tcsetpgrp(STDIN_FILENO, ::getpid());
+        ::signal(SIGTTOU, SIG_DFL);
+        ::_exit(program());
+    }
+    int status = 0;
+    while (::waitpid(job, &status, WUNTRACED) == job && WIFSTOPPED(status)) {
+        ::tcsetpgrp(STDIN_FILENO, ::getpgrp());
+        constexpr std::string_view text = "Stopped. Press [Enter] to continue . . . ";
+        char line[64];
+        if (::write(STDOUT_FILENO, text.data(), text.size()) < 0 ||
+            ::read(STDIN_FILENO, line, sizeof line) < 0) {
+            return 126;
+        }
+        ::tcsetpgrp(STDIN_FILENO, job);
+        ::kill(job, SIGCONT);
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 } // namespace
@@ -53,22 +81,12 @@ TEST_F(MenuTest, EndsWithItsConnection) {
     }
 }
 
-TEST_F(MenuTest, StopsContinuesAndIsInterruptedAsAnyProgram) {
+TEST_F(MenuTest, WaitsWithoutSpinningAndIsInterruptedAsAnyProgram) {
     create();
     Terminal terminal("ozvarine", menuArguments());
-    const auto settings = termiosBytes(terminal.settings());
     terminal.screen();
     ::kill(terminal.process(), SIGWINCH);
     expectScreen(terminal, "3", "more after main");
-
-    terminal.type("\x1a");
-    ASSERT_TRUE(terminal.stops());
-    EXPECT_EQ(termiosBytes(terminal.settings()), settings);
-    ::kill(terminal.process(), SIGCONT);
-    terminal.enter("0");
-    EXPECT_THAT(terminal.screen(), testing::EndsWith("0\n" + storedScreen("main")));
-
-    // It waits for input without spinning.
     const double before = terminal.processorTime();
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     EXPECT_LT(terminal.processorTime() - before, 0.05);
@@ -78,4 +96,20 @@ TEST_F(MenuTest, StopsContinuesAndIsInterruptedAsAnyProgram) {
     ASSERT_TRUE(status);
     EXPECT_TRUE(WIFSIGNALED(*status));
     EXPECT_EQ(WTERMSIG(*status), SIGINT);
+}
+
+TEST_F(MenuTest, StopsAndContinuesAsAJobOfAShell) {
+    create();
+    Terminal terminal([&] { return runAsJob([&] { return execute("ozvarine", menuArguments()); }); });
+    const auto settings = termiosBytes(terminal.settings());
+    EXPECT_EQ(terminal.screen(), storedScreen("main"));
+    expectScreen(terminal, "3", "more after main");
+    terminal.type("\x1a");
+    EXPECT_EQ(terminal.screen(), "^ZStopped. Press [Enter] to continue . . . <cursor>");
+    EXPECT_EQ(termiosBytes(terminal.settings()), settings);
+    terminal.enter("");
+    terminal.enter("0");
+    EXPECT_EQ(terminal.screen(), "\n0\n" + storedScreen("main"));
+    terminal.enter("0");
+    EXPECT_EQ(terminal.end(), 0);
 }

@@ -155,7 +155,7 @@ TEST_F(MenuTest, SelectsLanguagesAndThenOffersToRemoveThem) {
     terminal.screen();
     terminal.enter("3");
     terminal.screen();
-    expectScreen(terminal, "9", "languages removed");
+    expectWork(terminal, "9", "Removing languages", "results with size");
     expectScreen(terminal, "", "more");
 }
 

@@ -63,4 +63,11 @@ inline void expectScreen(Terminal& terminal, const std::string& line, const std:
     EXPECT_EQ(terminal.screen(), line + "\n" + storedScreen(name)) << "after entering \"" << line << '"';
 }
 
+/// The same for a line that starts work, with the message that may be seen meanwhile.
+inline void expectWork(Terminal& terminal, const std::string& line, const std::string& message,
+                       const std::string& name) {
+    expectScreen(terminal, line, name);
+    EXPECT_THAT(terminal.waitMessage(), testing::AnyOf("", message + ", please wait"));
+}
+
 } // namespace tests

@@ -39,6 +39,8 @@ std::string named(std::string text) {
     return text;
 }
 
+} // namespace
+
 int execute(const std::string& program, const std::vector<std::string>& arguments) {
     ::unsetenv("OZVARINE_DEVICE");
     std::vector<char*> vector = {const_cast<char*>(program.c_str())};
@@ -49,8 +51,6 @@ int execute(const std::string& program, const std::vector<std::string>& argument
     ::execv((std::string(OZ_BINARY_DIRECTORY) + "/" + program).c_str(), vector.data());
     return 127;
 }
-
-} // namespace
 
 Terminal::Terminal(const std::string& program, const std::vector<std::string>& arguments)
     : Terminal([&] { return execute(program, arguments); }) {}
@@ -114,10 +114,15 @@ std::string Terminal::screen() {
     }
     static const std::regex counts("files: <yellow>[0-9]+<");
     static const std::regex sizes("size: <yellow>[0-9.,]+ [KMG]?i?B<");
-    static const std::regex waiting("(<clear>[^<]*, please wait)( \\.)*(<clear>[^<]*, please wait( \\.)*)*");
     picture = std::regex_replace(picture, counts, "files: <yellow>COUNT<");
     picture = std::regex_replace(picture, sizes, "size: <yellow>SIZE<");
-    return std::regex_replace(picture, waiting, "$1");
+    _waitMessage.clear();
+    static const std::regex waiting("<clear>([^<]*, please wait)( \\.)*");
+    for (std::smatch found; std::regex_search(picture, found, waiting);) {
+        _waitMessage = found[1];
+        picture.erase(static_cast<size_t>(found.position()), static_cast<size_t>(found.length()));
+    }
+    return picture;
 }
 
 void Terminal::hangUp() {
@@ -149,11 +154,6 @@ std::optional<int> Terminal::end() {
         }
     }
     return std::nullopt;
-}
-
-bool Terminal::stops() {
-    int status = 0;
-    return ::waitpid(_process, &status, WUNTRACED) == _process && WIFSTOPPED(status);
 }
 
 double Terminal::processorTime() const {

@@ -11,6 +11,9 @@
 
 namespace tests {
 
+/// Becomes one of the built programs; returns only where that fails.
+int execute(const std::string& program, const std::vector<std::string>& arguments);
+
 /// A program at a pseudo-terminal of 80 by 24 characters, and the person in front of it.
 class Terminal {
   public:
@@ -34,6 +37,8 @@ class Terminal {
     std::string screen();
     /// The number that the last picture shows as "COUNT".
     [[nodiscard]] uint64_t count() const { return _count; }
+    /// The text of the waiting lines before the last picture; empty where the work was done before the first.
+    [[nodiscard]] const std::string& waitMessage() const { return _waitMessage; }
 
     /// Closes the terminal, as a dropped connection does.
     void hangUp();
@@ -41,8 +46,6 @@ class Terminal {
     [[nodiscard]] termios settings() const;
     /// How the program ended, as `waitpid` tells it; none if it does not end in time.
     std::optional<int> end();
-    /// Waits until the program stops, as after Ctrl-Z.
-    bool stops();
     /// Processor time that the program has taken so far, in seconds.
     [[nodiscard]] double processorTime() const;
 
@@ -53,6 +56,7 @@ class Terminal {
     pid_t _process = -1;
     std::string _output;
     uint64_t _count = 0;
+    std::string _waitMessage;
 };
 
 } // namespace tests
