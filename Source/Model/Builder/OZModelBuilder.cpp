@@ -1,6 +1,7 @@
 #include "Model/Builder/OZModelBuilder.h"
 
 #include "Model/Apps/OZAppList.h"
+#include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonList.h"
@@ -84,4 +85,8 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
 
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
     return std::make_unique<OZCleanupLogger>(_device);
+}
+
+std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {
+    return std::make_unique<OZFontsFolderMover>(_device);
 }
