@@ -106,6 +106,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeAllLanguagesToRemove() { _languagesToRemove.clear(); }
     /// Unmarks the languages whose name is a part of one of these, without regard to case and diacritics.
     void removeLanguagesInUse(std::span<const std::string> names);
+    /// Unmarks English and the languages of the device and of the user; for when the language changes.
+    void localize();
 
     // All choices, as they outlive the process.
     void registerDefaults() override;
