@@ -2,6 +2,9 @@
 
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
+#include "Model/Plugins/OZPluginLoader.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZStdIO.h"
 #include "Model/Tasks/OZDeviceActions.h"
 
@@ -42,11 +45,19 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
         return std::nullopt;
     }
     const std::string& option = vector[1];
+    if (option == "-printsettings") {
+        printSettings();
+        return 0;
+    }
     if (option == "-clean") {
         return cleanWithAction(cleanActionFor(vector)) ? 0 : 1;
     }
     if (option == "-respring") {
         respring();
+        return 0;
+    }
+    if (option == "-restore-togglable-items") {
+        restoreTogglableItems();
         return 0;
     }
     fmt::print(stderr, fmt::runtime(usageFormat), vector[0], option);
@@ -92,5 +103,18 @@ bool OZArgvParser::shouldRespring() const {
 void OZArgvParser::respring() {
     if (_analyze == Analyze::no) {
         _modelBuilder.deviceActions().rebuildUICacheAndRespring();
+    }
+}
+
+void OZArgvParser::printSettings() {
+    const auto plugins = _modelBuilder.pluginLoader().pluginIdentifiersToLoadIntoSpringBoard();
+    OZStdIO::printf(fmt::format("language={}{}{}\n",
+                                _modelBuilder.localizationManager().userLanguage().value_or(""),
+                                plugins.empty() ? "" : "\nplugins=", fmt::join(plugins, ",")));
+}
+
+void OZArgvParser::restoreTogglableItems() {
+    if (_analyze == Analyze::no) {
+        _modelBuilder.systemRestore()->restore();
     }
 }

@@ -15,6 +15,9 @@ class OZCore;
 class OZDaemonList;
 class OZDeviceActions;
 class OZLocalizationManager;
+class OZPackageWorkspace;
+class OZPluginLoader;
+class OZSystemRestore;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
 /// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
@@ -38,7 +41,10 @@ class OZModelBuilder {
     OZCore& core();
     OZDaemonList& daemonList();
     OZDeviceActions& deviceActions();
+    OZPackageWorkspace& packageWorkspace();
+    OZPluginLoader& pluginLoader();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
+    [[nodiscard]] std::unique_ptr<OZSystemRestore> systemRestore();
 
   private:
     platform::UserDefaults& standardUserDefaults();
@@ -52,4 +58,6 @@ class OZModelBuilder {
     std::unique_ptr<OZDaemonList> _daemonList;
     platform::Observation _daemonListLanguageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
+    std::unique_ptr<OZPackageWorkspace> _packageWorkspace;
+    std::unique_ptr<OZPluginLoader> _pluginLoader;
 };
