@@ -95,7 +95,7 @@ std::vector<OZPlugin*> OZPluginLoader::allPlugins() {
     for (auto& [identifier, plugin] : _plugins) {
         all.push_back(&plugin);
     }
-    std::ranges::stable_sort(all, {},
+    std::ranges::sort(all, {},
                              [](const OZPlugin* plugin) { return caseFoldedString(plugin->title()); });
     return all;
 }
