@@ -51,6 +51,7 @@ std::string LauncherOptions::help() {
            "    -respring            ... and restarts the home screen\n"
            "    -autorespring        ... and restarts the home screen if caches or temporary files were "
            "cleaned\n"
+           "  -cli                   shows a menu on the terminal\n"
            "  -respring              rebuilds the icon cache and restarts the home screen\n"
            "  -restore-togglable-items\n"
            "                         enables all add-ons, preference bundles and launch daemons again\n"

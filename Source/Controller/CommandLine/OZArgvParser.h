@@ -39,6 +39,8 @@ class OZArgvParser {
     void printSettings();
 
   private:
+    /// Runs the menu; false, with a line on standard error, where it cannot be used.
+    bool showMenu();
     [[nodiscard]] bool shouldRespring() const;
     void respring();
     void restoreTogglableItems();

@@ -1,6 +1,7 @@
 #include "Model/Builder/OZModelBuilder.h"
 
 #include "Model/Apps/OZAppList.h"
+#include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonList.h"
@@ -85,10 +86,6 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
     return *_deviceActions;
 }
 
-std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
-    return std::make_unique<OZCleanupLogger>(_device);
-}
-
 OZPackageWorkspace& OZModelBuilder::packageWorkspace() {
     if (!_packageWorkspace) {
         _packageWorkspace = std::make_unique<OZPackageWorkspace>(_device);
@@ -102,6 +99,14 @@ OZPluginLoader& OZModelBuilder::pluginLoader() {
         registerObject(standardUserDefaults(), *_pluginLoader);
     }
     return *_pluginLoader;
+}
+
+std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
+    return std::make_unique<OZCleanupLogger>(_device);
+}
+
+std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {
+    return std::make_unique<OZFontsFolderMover>(_device);
 }
 
 std::unique_ptr<OZSystemRestore> OZModelBuilder::systemRestore() {

@@ -14,6 +14,7 @@ class OZCleanupLogger;
 class OZCore;
 class OZDaemonList;
 class OZDeviceActions;
+class OZFontsFolderMover;
 class OZLocalizationManager;
 class OZPackageWorkspace;
 class OZPluginLoader;

@@ -65,18 +65,6 @@ std::string upperCase(std::string code) {
     return code;
 }
 
-// A name such as "Notes (Beta).app" must find itself. The dot does so anyway.
-std::string escapedForRegex(std::string_view name) {
-    std::string escaped;
-    for (const char character : name) {
-        if (std::string_view("\\()[]{}*+?^$|").contains(character)) {
-            escaped += '\\';
-        }
-        escaped += character;
-    }
-    return escaped;
-}
-
 // Chinese has a file for each script and region, but is one language.
 std::string languageOfFile(std::string_view fileName) {
     constexpr std::string_view chinese = "Chinese";
@@ -159,7 +147,7 @@ std::string OZCore::prunePatternForLanguages() const {
     }
     std::vector<std::string> names;
     for (const auto& path : _appList->pathsForExcludedApps(OZExclusionMask::languages, OZAppTypeMask::all)) {
-        names.push_back(escapedForRegex(platform::lastPathComponent(path)));
+        names.push_back(stringByEscapingForRegex(platform::lastPathComponent(path)));
     }
     if (!names.empty()) {
         pattern += fmt::format("{}^.*/({})$", pattern.empty() ? "" : "|", fmt::join(names, "|"));

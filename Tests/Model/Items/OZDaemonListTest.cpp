@@ -107,7 +107,7 @@ TEST(DaemonList, HoldsWhatTheDeviceHas) {
 
 TEST(DaemonList, FollowsTheLanguageOfTheProgram) {
     Daemons daemons(moved);
-    daemons.add("com.apple.homed");
+    daemons.add("com.apple.syslogd");
     OZModelBuilder builder(daemons.device.device());
     auto& languages = builder.localizationManager();
     auto& list = builder.daemonList();
@@ -115,9 +115,8 @@ TEST(DaemonList, FollowsTheLanguageOfTheProgram) {
     std::set<std::string> titles;
     for (const char* language : {"English", "German"}) {
         languages.setUserLanguage(language);
-        titles.insert(list.itemWithIdentifier("home")->title());
-        EXPECT_EQ(list.itemWithIdentifier("home")->title(),
-                  languages.localizedStringForKey("HOMEKITDAEMONLBL"));
+        titles.insert(list.itemWithIdentifier("log")->title());
+        EXPECT_EQ(list.itemWithIdentifier("log")->title(), languages.localizedStringForKey("LOGDAEMONLBL"));
     }
     EXPECT_EQ(titles.size(), 2);
 }

@@ -4,6 +4,7 @@
 
 #include "Tests/Model/Packages/PackageDatabase.h"
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <set>
@@ -16,6 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using std::string_literals::operator""s;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
@@ -91,7 +93,7 @@ TEST_F(PackageList, ReadsWhateverTheToolAnswers) {
     const std::string end = "<OzvarineQueryPackageDelimiter>\n";
     const struct {
         std::string answer;
-        const char* graph;
+        std::string graph;
     } rows[] = {
         {"", ""},
         {"no record at all", ""},
@@ -115,13 +117,13 @@ TEST_F(PackageList, ReadsWhateverTheToolAnswers) {
         {"Package=a\nStatus=installed\nName=x\nDepends=b\n" + end + "Package=b\nStatus=installed\n" + end +
              "Package=a\nStatus=installed\nIcon=i\n" + end,
          "a(i)>b; b"},
-        {std::string("Package=a\0b\nStatus=installed\n", 31) + end, "a\0b"},
+        {"Package=a\0b\nStatus=installed\n"s + end, "a\0b"s},
         {"Package=a\nStatus=installed\nName=\xFF\n" + end, ""},
     };
     for (const auto& row : rows) {
         database.answer("dpkg-query", row.answer);
         OZPackageList fresh(database.device.device());
-        EXPECT_EQ(describe(fresh).c_str(), std::string(row.graph)) << row.answer;
+        EXPECT_EQ(describe(fresh), row.graph) << row.answer;
     }
 }
 
