@@ -45,6 +45,7 @@ class OZModelBuilder {
     OZPackageWorkspace& packageWorkspace();
     OZPluginLoader& pluginLoader();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
+    [[nodiscard]] std::unique_ptr<OZFontsFolderMover> fontsFolderMover() const;
     [[nodiscard]] std::unique_ptr<OZSystemRestore> systemRestore();
 
   private:
