@@ -1,5 +1,6 @@
 #include "Model/Apps/OZFontsFolderMover.h"
 
+#include "Categories/NSFileManagerAdditions.h"
 #include "Categories/NSStringByteFormatter.h"
 #include "Platform/Device.h"
 
@@ -64,13 +65,7 @@ OZFontsFolderLocation OZFontsFolderMover::locationForFolder(const std::optional<
 
 uint64_t OZFontsFolderMover::folderSize() {
     const auto path = currentFolderPath();
-    const auto enumerator = path ? _fileManager.enumeratorAtPath(*path) : nullptr;
-    uint64_t size = 0;
-    while (enumerator && enumerator->nextObject()) {
-        const auto attributes = enumerator->fileAttributes();
-        size += attributes ? attributes->size : 0;
-    }
-    return size;
+    return path ? sizeOfItemAtPath(_fileManager, *path) : 0;
 }
 
 std::string OZFontsFolderMover::humanReadableFolderSize() {

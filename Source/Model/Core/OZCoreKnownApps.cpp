@@ -190,13 +190,11 @@ void forgetBoxUploads(const Target& target) {
         keys->erase(key);
     }
     const auto format = bytes->starts_with("bplist") ? PropertyListFormat::binary : PropertyListFormat::xml;
-    // Written even if nothing is forgotten: owner and mode are then those of a new file, never of another
-    // name's.
-    if (!target.core.writeContents(path, platform::serializePropertyList(*preferences, format))) {
-        return;
-    }
-    std::ignore = target.core.setPermissionsOfItemAtPath(path, ownerOnly);
-    std::ignore = target.core.setOwnerOfItemAtPath(path, mobile, mobile);
+    // Written even if nothing is forgotten, and with its owner and mode from the start: both are then those of a new
+    // file, never of another name's or of what somebody puts there meanwhile.
+    const auto content = platform::serializePropertyList(*preferences, format);
+    std::ignore = target.core.writeContents(
+        path, content, {.owner = mobile, .group = mobile, .permissions = ownerOnly});
 }
 
 void removeICaughtULogs(const Target& target) {
