@@ -359,6 +359,16 @@ Result<FileHandle> FileManager::createFileAtPath(std::string_view path, mode_t m
 }
 
 Result<void> FileManager::writeContents(std::string_view path, std::string_view bytes) {
+    return replaceContents(path, bytes, std::nullopt);
+}
+
+Result<void> FileManager::writeContents(std::string_view path, std::string_view bytes,
+                                        const FileOwnership& ownership) {
+    return replaceContents(path, bytes, ownership);
+}
+
+Result<void> FileManager::replaceContents(std::string_view path, std::string_view bytes,
+                                          const std::optional<FileOwnership>& given) {
     auto item = itemAtPath(path);
     if (!item) {
         return std::unexpected(item.error());
@@ -374,11 +384,15 @@ Result<void> FileManager::writeContents(std::string_view path, std::string_view 
     if (!file) {
         return std::unexpected(file.error());
     }
+    auto ownership = given;
+    if (!ownership && old) {
+        ownership = {.owner = old->owner, .group = old->group, .permissions = old->permissions};
+    }
     const auto written = [&]() -> Result<void> {
-        if (old && ::fchown(file->get(), old->owner, old->group) < 0) {
+        if (ownership && ::fchown(file->get(), ownership->owner, ownership->group) < 0) {
             return lastError();
         }
-        if (::fchmod(file->get(), old ? old->permissions : 0644) < 0) {
+        if (::fchmod(file->get(), ownership.value_or(FileOwnership{}).permissions) < 0) {
             return lastError();
         }
         FileHandle handle(std::move(*file));

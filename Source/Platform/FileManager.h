@@ -22,6 +22,13 @@ enum class PathResolution { kernel, componentWise };
 
 enum class IntermediateFolders { refuse, create };
 
+/// Whom a file belongs to and what its permission bits allow.
+struct FileOwnership {
+    uid_t owner = 0;
+    gid_t group = 0;
+    mode_t permissions = 0644;
+};
+
 /// The only way to a device's tree. Paths are device paths: absolute ones start at the device root, relative
 /// ones at its current directory; no path, link or ".." leads above the root. Paths are bytes; no encoding is
 /// assumed.
@@ -84,6 +91,8 @@ class FileManager {
     /// Replaces a file's content in one step: temporary file, sync, rename. Keeps mode and owner of a file
     /// that is there; a reader sees the old content or the new.
     Result<void> writeContents(std::string_view path, std::string_view bytes);
+    /// The same with a given owner, group and mode, which the file has before it gets its name.
+    Result<void> writeContents(std::string_view path, std::string_view bytes, const FileOwnership& ownership);
     /// Opens an existing regular file of one name for writing; a link or a file of several names is an error.
     [[nodiscard]] Result<FileHandle> openForWriting(std::string_view path);
     [[nodiscard]] Result<FileHandle> openForReading(std::string_view path);

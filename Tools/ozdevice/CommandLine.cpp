@@ -2,6 +2,8 @@
 
 #include "Description.h"
 #include "Maker.h"
+#include "Model/Apps/AppReport.h"
+#include "Platform/Device.h"
 
 #include <charconv>
 #include <iostream>
@@ -21,7 +23,7 @@ constexpr std::string_view usage =
        ozdevice info DIR
 
 create  makes a device folder in DIR, which must be missing or empty
-info    prints what a device folder holds
+info    prints what a device folder holds, and its applications with their containers
 
   --ios VERSION        version of the system, 4 to 11, such as 9 or 9.3.5 (default 11.1.2)
   --model NAME         hardware model, such as iPhone9,3 (default: usual for the version)
@@ -100,6 +102,11 @@ int info(Arguments arguments) {
     for (const auto& [key, value] : *description) {
         std::cout << key << ": " << value << '\n';
     }
+    const auto device = platform::Device::open(arguments.front());
+    if (!device) {
+        return complain(device.error(), failed);
+    }
+    std::cout << describeApplications(**device);
     return 0;
 }
 

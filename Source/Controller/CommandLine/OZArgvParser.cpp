@@ -1,7 +1,11 @@
 #include "Controller/CommandLine/OZArgvParser.h"
 
+#include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
+#include "Model/Plugins/OZPluginLoader.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZStdIO.h"
 #include "Model/Tasks/OZDeviceActions.h"
 
@@ -19,6 +23,12 @@ namespace {
 constexpr const char* usageFormat =
     "{0}: illegal option {1}\n"
     "usage: {0} [-clean [-respring | -autorespring] | -cli | -respring | -restore-togglable-items]\n";
+
+constexpr std::string_view notInteractiveText =
+    "The Ozvarine command line interface can only be invoked through an interactive terminal.\n";
+// Nobody who asks for a dry run may end up in a cleanup.
+constexpr std::string_view dryRunText =
+    "ozvarine: --dry-run is for -clean alone; the menu of -cli has an analysis of its own\n";
 
 constexpr std::array<std::pair<std::string_view, OZCleanAction>, 3> cleanActions{{
     {"-respring", OZCleanAction::respring},
@@ -42,19 +52,43 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
         return std::nullopt;
     }
     const std::string& option = vector[1];
+    if (option == "-printsettings") {
+        printSettings();
+        return 0;
+    }
     if (option == "-clean") {
         return cleanWithAction(cleanActionFor(vector)) ? 0 : 1;
+    }
+    if (option == "-cli") {
+        return showMenu() ? 0 : 1;
     }
     if (option == "-respring") {
         respring();
         return 0;
     }
-    fmt::print(stderr, fmt::runtime(usageFormat), vector[0], option);
+    if (option == "-restore-togglable-items") {
+        restoreTogglableItems();
+        return 0;
+    }
+    OZStdIO::fprintf(stderr, fmt::format(fmt::runtime(usageFormat), vector[0], option));
     return 1;
 }
 
 bool OZArgvParser::isInputInteractive() {
     return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool OZArgvParser::showMenu() {
+    if (!isInputInteractive()) {
+        OZStdIO::fprintf(stderr, notInteractiveText);
+        return false;
+    }
+    if (_analyze == Analyze::yes) {
+        OZStdIO::fprintf(stderr, dryRunText);
+        return false;
+    }
+    OZCLIController(_modelBuilder).startCLI();
+    return true;
 }
 
 bool OZArgvParser::cleanWithAction(OZCleanAction action) {
@@ -92,5 +126,18 @@ bool OZArgvParser::shouldRespring() const {
 void OZArgvParser::respring() {
     if (_analyze == Analyze::no) {
         _modelBuilder.deviceActions().rebuildUICacheAndRespring();
+    }
+}
+
+void OZArgvParser::printSettings() {
+    const auto plugins = _modelBuilder.pluginLoader().pluginIdentifiersToLoadIntoSpringBoard();
+    OZStdIO::printf(fmt::format("language={}{}{}\n",
+                                _modelBuilder.localizationManager().userLanguage().value_or(""),
+                                plugins.empty() ? "" : "\nplugins=", fmt::join(plugins, ",")));
+}
+
+void OZArgvParser::restoreTogglableItems() {
+    if (_analyze == Analyze::no) {
+        _modelBuilder.systemRestore()->restore();
     }
 }

@@ -1,10 +1,17 @@
 #include "Model/Builder/OZModelBuilder.h"
 
 #include "Model/Apps/OZAppList.h"
+#include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Items/Togglable/Daemons/OZDaemonList.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
+#include "Model/Packages/OZPackageWorkspace.h"
+#include "Model/Plugins/OZPluginLoader.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
+#include "Platform/Bundle.h"
 #include "Platform/Device.h"
 
 OZModelBuilder::OZModelBuilder(platform::Device& device)
@@ -18,6 +25,13 @@ platform::UserDefaults& OZModelBuilder::standardUserDefaults() {
     return defaults;
 }
 
+const platform::Bundle& OZModelBuilder::bundle() {
+    if (!_bundle) {
+        _bundle = std::make_unique<platform::Bundle>();
+    }
+    return *_bundle;
+}
+
 OZAppList& OZModelBuilder::appList() {
     if (!_appList) {
         _appList = std::make_unique<OZAppList>(_device);
@@ -26,13 +40,38 @@ OZAppList& OZModelBuilder::appList() {
     return *_appList;
 }
 
+OZLocalizationManager& OZModelBuilder::localizationManager() {
+    if (!_localizationManager) {
+        auto& defaults = standardUserDefaults();
+        _localizationManager = std::make_unique<OZLocalizationManager>(_device, defaults, bundle());
+        registerObject(defaults, *_localizationManager);
+    }
+    return *_localizationManager;
+}
+
 OZCore& OZModelBuilder::core() {
     if (!_core) {
-        _core = std::make_unique<OZCore>(_device, &appList(), nullptr);
+        auto& installedApps = appList();
+        _core = std::make_unique<OZCore>(_device, &installedApps, &localizationManager());
         _core->setCleanupLogger(cleanupLogger());
         registerObject(standardUserDefaults(), *_core);
+        _languageChange =
+            platform::Observation(_device.notificationCenter(), OZLocalizationNotification, nullptr,
+                                  [this](const platform::Notification&) { _core->localize(); });
     }
     return *_core;
+}
+
+OZDaemonList& OZModelBuilder::daemonList() {
+    if (!_daemonList) {
+        _daemonList = std::make_unique<OZDaemonList>(_device, [this](std::string_view key) {
+            return localizationManager().localizedStringForKey(key);
+        });
+        _daemonListLanguageChange =
+            platform::Observation(_device.notificationCenter(), OZLocalizationNotification, nullptr,
+                                  [this](const platform::Notification&) { _daemonList->localize(); });
+    }
+    return *_daemonList;
 }
 
 OZDeviceActions& OZModelBuilder::deviceActions() {
@@ -47,6 +86,30 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
     return *_deviceActions;
 }
 
+OZPackageWorkspace& OZModelBuilder::packageWorkspace() {
+    if (!_packageWorkspace) {
+        _packageWorkspace = std::make_unique<OZPackageWorkspace>(_device);
+    }
+    return *_packageWorkspace;
+}
+
+OZPluginLoader& OZModelBuilder::pluginLoader() {
+    if (!_pluginLoader) {
+        _pluginLoader = std::make_unique<OZPluginLoader>(_device);
+        registerObject(standardUserDefaults(), *_pluginLoader);
+    }
+    return *_pluginLoader;
+}
+
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
     return std::make_unique<OZCleanupLogger>(_device);
+}
+
+std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {
+    return std::make_unique<OZFontsFolderMover>(_device);
+}
+
+std::unique_ptr<OZSystemRestore> OZModelBuilder::systemRestore() {
+    auto& workspace = packageWorkspace();
+    return std::make_unique<OZSystemRestore>(workspace, daemonList());
 }

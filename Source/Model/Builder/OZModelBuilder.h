@@ -1,15 +1,24 @@
 #pragma once
 
+#include "Platform/NotificationCenter.h"
+
 #include <memory>
 
 namespace platform {
+class Bundle;
 class Device;
 class UserDefaults;
 } // namespace platform
 class OZAppList;
 class OZCleanupLogger;
 class OZCore;
+class OZDaemonList;
 class OZDeviceActions;
+class OZFontsFolderMover;
+class OZLocalizationManager;
+class OZPackageWorkspace;
+class OZPluginLoader;
+class OZSystemRestore;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
 /// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
@@ -25,16 +34,32 @@ class OZModelBuilder {
 
     [[nodiscard]] platform::Device& device() const { return _device; }
 
+    /// The program's own resources.
+    const platform::Bundle& bundle();
+
     OZAppList& appList();
+    OZLocalizationManager& localizationManager();
     OZCore& core();
+    OZDaemonList& daemonList();
     OZDeviceActions& deviceActions();
+    OZPackageWorkspace& packageWorkspace();
+    OZPluginLoader& pluginLoader();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
+    [[nodiscard]] std::unique_ptr<OZFontsFolderMover> fontsFolderMover() const;
+    [[nodiscard]] std::unique_ptr<OZSystemRestore> systemRestore();
 
   private:
     platform::UserDefaults& standardUserDefaults();
 
     platform::Device& _device;
+    std::unique_ptr<platform::Bundle> _bundle;
     std::unique_ptr<OZAppList> _appList;
+    std::unique_ptr<OZLocalizationManager> _localizationManager;
     std::unique_ptr<OZCore> _core;
+    platform::Observation _languageChange;
+    std::unique_ptr<OZDaemonList> _daemonList;
+    platform::Observation _daemonListLanguageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
+    std::unique_ptr<OZPackageWorkspace> _packageWorkspace;
+    std::unique_ptr<OZPluginLoader> _pluginLoader;
 };

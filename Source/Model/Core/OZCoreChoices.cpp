@@ -3,6 +3,7 @@
 #include "Categories/NSStringFolding.h"
 #include "Model/Core/CustomFileRecordStorage.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
@@ -128,6 +129,15 @@ void OZCore::removeLanguagesInUse(std::span<const std::string> names) {
             return containsIgnoringCaseAndDiacritics(name, language);
         });
     });
+}
+
+void OZCore::localize() {
+    std::vector<std::string> names{"English"};
+    if (_localizationManager != nullptr) {
+        names.push_back(_localizationManager->systemLanguage());
+        names.push_back(_localizationManager->userLanguage().value_or(""));
+    }
+    removeLanguagesInUse(names);
 }
 
 void OZCore::registerDefaults() {

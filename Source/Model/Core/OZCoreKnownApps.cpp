@@ -185,18 +185,16 @@ void forgetBoxUploads(const Target& target) {
     if (keys == nullptr) {
         return;
     }
-    size_t forgotten = 0;
     for (const char* key : {"jobCollectionRepositoryLastSchemaNb", "jobRepositoryLastSchemaNb",
                             "jobTaskRepositoryLastSchemaNb"}) {
-        forgotten += keys->erase(key);
+        keys->erase(key);
     }
     const auto format = bytes->starts_with("bplist") ? PropertyListFormat::binary : PropertyListFormat::xml;
-    if (forgotten > 0 &&
-        !target.core.writeContents(path, platform::serializePropertyList(*preferences, format))) {
-        return;
-    }
-    std::ignore = target.core.setPermissionsOfItemAtPath(path, ownerOnly);
-    std::ignore = target.core.setOwnerOfItemAtPath(path, mobile, mobile);
+    // Written even if nothing is forgotten, and with its owner and mode from the start: both are then those of a new
+    // file, never of another name's or of what somebody puts there meanwhile.
+    const auto content = platform::serializePropertyList(*preferences, format);
+    std::ignore = target.core.writeContents(
+        path, content, {.owner = mobile, .group = mobile, .permissions = ownerOnly});
 }
 
 void removeICaughtULogs(const Target& target) {

@@ -30,6 +30,7 @@ Links reachableFrom(const Links& start, const Links& (OZPackage::*linksOf)() con
                              [&](const OZPackage* package) { return visited.insert(package).second; });
     };
     visitAll(start);
+    // By index, since the list grows on the way.
     for (size_t next = 0; next < reached.size(); ++next) {
         visitAll((reached[next]->*linksOf)());
     }

@@ -39,8 +39,8 @@ class OZPackage {
     void removeAllDependencies() { _dependencies.clear(); }
     void addDependant(OZPackage& package);
     void removeAllDependants() { _dependants.clear(); }
-    /// Makes the link on both sides. In constant time, if all links of one package are made one after the
-    /// other and by this operation alone.
+    /// Makes the link on both sides. A link that is there already is recognised, in constant time, where all
+    /// links to the same package are made by this operation and each package makes all of its own in a row.
     void linkToDependency(OZPackage& package);
 
     // In no particular order, each package once.

@@ -25,11 +25,11 @@ struct MarkedEncoding {
 
 // The longer marks come first: those of 32 bits begin like one of 16.
 constexpr MarkedEncoding markedEncodings[] = {
-    {OZTextEncoding::utf32LittleEndian, "\xFF\xFE\0\0"sv, "UTF-32LE"},
-    {OZTextEncoding::utf32BigEndian, "\0\0\xFE\xFF"sv, "UTF-32BE"},
-    {OZTextEncoding::utf8WithMark, "\xEF\xBB\xBF"sv, nullptr},
-    {OZTextEncoding::utf16LittleEndian, "\xFF\xFE"sv, "UTF-16LE"},
-    {OZTextEncoding::utf16BigEndian, "\xFE\xFF"sv, "UTF-16BE"},
+    {.encoding = OZTextEncoding::utf32LittleEndian, .mark = "\xFF\xFE\0\0"sv, .name = "UTF-32LE"},
+    {.encoding = OZTextEncoding::utf32BigEndian, .mark = "\0\0\xFE\xFF"sv, .name = "UTF-32BE"},
+    {.encoding = OZTextEncoding::utf8WithMark, .mark = "\xEF\xBB\xBF"sv, .name = nullptr},
+    {.encoding = OZTextEncoding::utf16LittleEndian, .mark = "\xFF\xFE"sv, .name = "UTF-16LE"},
+    {.encoding = OZTextEncoding::utf16BigEndian, .mark = "\xFE\xFF"sv, .name = "UTF-16BE"},
 };
 
 const MarkedEncoding* markedEncoding(OZTextEncoding encoding) {

@@ -2,6 +2,7 @@
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Model/Tasks/OZDeviceActions.h"
 #include "Platform/Device.h"
 #include "Tests/Model/Apps/AppTree.h"
@@ -182,6 +183,14 @@ TEST_F(StoredChoicesTest, theNextProcessDoesWhatTheUserChose) {
     EXPECT_TRUE(core.testMode()) << "what is not saved is not stored";
     EXPECT_TRUE(process.builder.appList().isAppExcluded("com.apple.Maps"));
     EXPECT_TRUE(process.device->standardUserDefaults().boolForKey("warningPopups"));
+}
+
+TEST_F(StoredChoicesTest, aLanguageThatTheUserChoosesIsUnmarked) {
+    Process process(files);
+    auto& core = process.builder.core();
+    core.setLanguagesToRemove({"English", "French", "German"});
+    process.builder.localizationManager().setUserLanguage("German");
+    EXPECT_THAT(core.languagesToRemove(), ElementsAre("French"));
 }
 
 TEST_F(StoredChoicesTest, defaultsServeUntilSomethingIsSaved) {

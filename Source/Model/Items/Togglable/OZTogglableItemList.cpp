@@ -34,7 +34,7 @@ const std::vector<std::shared_ptr<OZTogglableItem>>& OZTogglableItemList::itemsS
         for (const auto& [key, item] : protectedItems()) {
             sorted.push_back(item);
         }
-        std::ranges::stable_sort(sorted, precedes);
+        std::ranges::sort(sorted, precedes);
     }
     return *_itemsSortedByTitle;
 }

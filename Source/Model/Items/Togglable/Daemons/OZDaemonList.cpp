@@ -9,7 +9,7 @@ namespace {
 std::vector<std::string_view> daemonsOfPlatform(const OZDaemonGroupTableEntry& group, double version) {
     std::vector<std::string_view> identifiers;
     for (const OZDaemonTableEntry& daemon : group.daemons) {
-        if (!daemon.identifier.empty() && version <= daemon.atMost && version < daemon.below) {
+        if (!daemon.identifier.empty() && daemon.bounds.contain(version)) {
             identifiers.push_back(daemon.identifier);
         }
     }

@@ -17,8 +17,9 @@ struct Location {
 };
 
 constexpr Location locations[] = {
-    {"/System/Library/LaunchDaemons/", "/System/Library/LaunchDaemonsBAK/"},
-    {"/Library/LaunchDaemons/", "/Library/LaunchDaemonsBAK/"},
+    {.enabledFolder = "/System/Library/LaunchDaemons/",
+     .disabledFolder = "/System/Library/LaunchDaemonsBAK/"},
+    {.enabledFolder = "/Library/LaunchDaemons/", .disabledFolder = "/Library/LaunchDaemonsBAK/"},
 };
 
 const OZTogglableFile& asFile(const std::shared_ptr<OZTogglableItem>& item) {
