@@ -6,6 +6,7 @@
 #include "Launch/OZApplication.h"
 #include "Launch/UserNamespace.h"
 #include "Model/Builder/OZModelBuilder.h"
+#include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZStdIO.h"
 #include "Platform/Device.h"
 
@@ -44,6 +45,7 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
     if (const auto status = parser.parseArgumentVector(options.vector)) {
         return *status;
     }
+    modelBuilder.pluginLoader().loadThirdPartyDylibs(loadDeviceLibrary);
     return fail("the graphical front end is not installed; ozvarine --help lists the switches");
 }
 

@@ -41,7 +41,7 @@ std::string LauncherOptions::help() {
            "\n"
            "  --device DIR   the device: a file tree whose top is the device's \"/\", or a device folder\n"
            "                 (default: the environment's OZVARINE_DEVICE)\n"
-           "  --dry-run      -clean only analyses: it deletes nothing and restarts nothing\n"
+           "  --dry-run      -clean only analyses: nothing is deleted, restarted or restored\n"
            "  --version      prints the version\n"
            "  --help         prints this text\n"
            "\n"
@@ -53,6 +53,8 @@ std::string LauncherOptions::help() {
            "cleaned\n"
            "  -cli                   shows a menu on the terminal\n"
            "  -respring              rebuilds the icon cache and restarts the home screen\n"
+           "  -restore-togglable-items\n"
+           "                         enables all add-ons, preference bundles and launch daemons again\n"
            "\n"
            "The log of the last run is var/mobile/Library/Ozvarine/junk.txt in the device's tree.\n";
 }

@@ -3,6 +3,9 @@
 #include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
+#include "Model/Plugins/OZPluginLoader.h"
+#include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZStdIO.h"
 #include "Model/Tasks/OZDeviceActions.h"
 
@@ -49,6 +52,10 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
         return std::nullopt;
     }
     const std::string& option = vector[1];
+    if (option == "-printsettings") {
+        printSettings();
+        return 0;
+    }
     if (option == "-clean") {
         return cleanWithAction(cleanActionFor(vector)) ? 0 : 1;
     }
@@ -57,6 +64,10 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
     }
     if (option == "-respring") {
         respring();
+        return 0;
+    }
+    if (option == "-restore-togglable-items") {
+        restoreTogglableItems();
         return 0;
     }
     OZStdIO::fprintf(stderr, fmt::format(fmt::runtime(usageFormat), vector[0], option));
@@ -115,5 +126,18 @@ bool OZArgvParser::shouldRespring() const {
 void OZArgvParser::respring() {
     if (_analyze == Analyze::no) {
         _modelBuilder.deviceActions().rebuildUICacheAndRespring();
+    }
+}
+
+void OZArgvParser::printSettings() {
+    const auto plugins = _modelBuilder.pluginLoader().pluginIdentifiersToLoadIntoSpringBoard();
+    OZStdIO::printf(fmt::format("language={}{}{}\n",
+                                _modelBuilder.localizationManager().userLanguage().value_or(""),
+                                plugins.empty() ? "" : "\nplugins=", fmt::join(plugins, ",")));
+}
+
+void OZArgvParser::restoreTogglableItems() {
+    if (_analyze == Analyze::no) {
+        _modelBuilder.systemRestore()->restore();
     }
 }

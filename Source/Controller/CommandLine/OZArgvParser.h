@@ -21,7 +21,7 @@ enum class OZCleanAction : unsigned {
 /// Turns the process into a one-shot tool when it is given a switch.
 class OZArgvParser {
   public:
-    /// With `Analyze::yes` a cleanup is an analysis and restarts nothing.
+    /// With `Analyze::yes` a cleanup is an analysis, and nothing is restarted or restored.
     OZArgvParser(OZModelBuilder& modelBuilder, Analyze analyze)
         : _modelBuilder(modelBuilder)
         , _analyze(analyze) {}
@@ -34,12 +34,16 @@ class OZArgvParser {
     [[nodiscard]] static bool isInputInteractive();
     /// Runs one cleanup; whether it ran.
     bool cleanWithAction(OZCleanAction action);
+    /// Prints the user's language and the plug-ins of the home screen, for scripts: a key and its value a
+    /// line.
+    void printSettings();
 
   private:
     /// Runs the menu; false, with a line on standard error, where it cannot be used.
     bool showMenu();
     [[nodiscard]] bool shouldRespring() const;
     void respring();
+    void restoreTogglableItems();
 
     OZModelBuilder& _modelBuilder;
     Analyze _analyze;

@@ -5,6 +5,7 @@
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/OZAction.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Platform/Device.h"
 
 #include <memory>
@@ -24,8 +25,7 @@ constexpr std::string_view fontsError = "The fonts folder can only be moved on i
 struct Context {
     explicit Context(OZModelBuilder& builder)
         : modelBuilder(builder)
-        , fontsFolderMover(builder.fontsFolderMover())
-        , restore(builder.systemRestore()) {}
+        , fontsFolderMover(builder.fontsFolderMover()) {}
 
     [[nodiscard]] OZCore& core() const { return modelBuilder.core(); }
     [[nodiscard]] const platform::DeviceFacts& facts() const { return modelBuilder.device().facts(); }
@@ -33,7 +33,6 @@ struct Context {
     OZModelBuilder& modelBuilder;
     std::unique_ptr<OZFontsFolderMover> fontsFolderMover;
     std::optional<OZFontsFolderError> fontsError;
-    std::function<void()> restore;
 };
 
 /// An entry: its line, the text shown while it runs, the work, and what is printed after it. The work runs
@@ -63,7 +62,7 @@ void moveFonts(Context& context) {
 }
 
 void restore(Context& context) {
-    context.restore();
+    context.modelBuilder.systemRestore()->restore();
 }
 
 void printCount(Context& context) {
@@ -109,10 +108,6 @@ bool hasMovableFonts(const Context& context) {
     return context.facts().foundationVersion <= lastFoundationVersionWithMovableFonts;
 }
 
-bool canRestore(const Context& context) {
-    return context.restore != nullptr;
-}
-
 using Device = OZDeviceInformation;
 
 constexpr Entry entries[] = {
@@ -138,8 +133,7 @@ constexpr Entry entries[] = {
      remove<OZAction::removeVoiceControlLanguages>, printCountAndSize, hasLanguages, languageError},
     {"Move fonts folder", "Moving fonts folder", moveFonts, printFonts, hasMovableFonts, fontsError},
     {"Restore launch daemons, Cydia Substrate addons and Preference Bundles",
-     "Restoring launch daemons, Cydia Substrate addons and Preference Bundles", restore, printReboot,
-     canRestore, deviceError},
+     "Restoring launch daemons, Cydia Substrate addons and Preference Bundles", restore, printReboot},
 };
 
 void printMenu() {

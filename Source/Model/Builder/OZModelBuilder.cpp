@@ -5,6 +5,9 @@
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonList.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
+#include "Model/Packages/OZPackageWorkspace.h"
+#include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
@@ -83,10 +86,30 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
     return *_deviceActions;
 }
 
+OZPackageWorkspace& OZModelBuilder::packageWorkspace() {
+    if (!_packageWorkspace) {
+        _packageWorkspace = std::make_unique<OZPackageWorkspace>(_device);
+    }
+    return *_packageWorkspace;
+}
+
+OZPluginLoader& OZModelBuilder::pluginLoader() {
+    if (!_pluginLoader) {
+        _pluginLoader = std::make_unique<OZPluginLoader>(_device);
+        registerObject(standardUserDefaults(), *_pluginLoader);
+    }
+    return *_pluginLoader;
+}
+
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
     return std::make_unique<OZCleanupLogger>(_device);
 }
 
 std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {
     return std::make_unique<OZFontsFolderMover>(_device);
+}
+
+std::unique_ptr<OZSystemRestore> OZModelBuilder::systemRestore() {
+    auto& workspace = packageWorkspace();
+    return std::make_unique<OZSystemRestore>(workspace, daemonList());
 }

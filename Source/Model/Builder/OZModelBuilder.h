@@ -2,7 +2,6 @@
 
 #include "Platform/NotificationCenter.h"
 
-#include <functional>
 #include <memory>
 
 namespace platform {
@@ -17,6 +16,9 @@ class OZDaemonList;
 class OZDeviceActions;
 class OZFontsFolderMover;
 class OZLocalizationManager;
+class OZPackageWorkspace;
+class OZPluginLoader;
+class OZSystemRestore;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
 /// needs. Shared objects live as long as the builder, which owns them; a fresh one is the caller's. To be
@@ -40,11 +42,11 @@ class OZModelBuilder {
     OZCore& core();
     OZDaemonList& daemonList();
     OZDeviceActions& deviceActions();
+    OZPackageWorkspace& packageWorkspace();
+    OZPluginLoader& pluginLoader();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
     [[nodiscard]] std::unique_ptr<OZFontsFolderMover> fontsFolderMover() const;
-    /// Enables everything again that can be disabled; any thread may call it. Empty as long as the model has
-    /// nothing of the kind.
-    [[nodiscard]] const std::function<void()>& systemRestore() const { return _systemRestore; }
+    [[nodiscard]] std::unique_ptr<OZSystemRestore> systemRestore();
 
   private:
     platform::UserDefaults& standardUserDefaults();
@@ -58,5 +60,6 @@ class OZModelBuilder {
     std::unique_ptr<OZDaemonList> _daemonList;
     platform::Observation _daemonListLanguageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
-    std::function<void()> _systemRestore;
+    std::unique_ptr<OZPackageWorkspace> _packageWorkspace;
+    std::unique_ptr<OZPluginLoader> _pluginLoader;
 };

@@ -100,6 +100,20 @@ TEST_F(MenuTest, BringsBackWhatTestModeHasPutAside) {
     EXPECT_EQ(treeOf(folder).size(), before.size() - count);
 }
 
+TEST_F(MenuTest, EnablesWhatWasDisabled) {
+    create();
+    const std::string disabled = "/Library/MobileSubstrate/DynamicLibraries/Sleeper.disabled";
+    ASSERT_TRUE(exists(disabled));
+    Terminal terminal("ozvarine", menuArguments());
+    terminal.screen();
+    terminal.enter("3");
+    terminal.screen();
+    expectWork(terminal, "13", "Restoring launch daemons, Cydia Substrate addons and Preference Bundles",
+               "items restored");
+    EXPECT_FALSE(exists(disabled));
+    expectScreen(terminal, "", "more");
+}
+
 TEST_F(MenuTest, RefusesWhatTheDeviceNeeds) {
     const struct {
         const char* model;

@@ -23,6 +23,10 @@ class OZTogglableFile : public OZTogglableItem {
     class Found {
       public:
         [[nodiscard]] const std::string& identifier() const { return _identifier; }
+        /// Where it stands; of two places, the enabled one.
+        [[nodiscard]] const std::string& currentPath() const {
+            return _enabled ? _enabledPath : _disabledPath;
+        }
 
       private:
         friend class OZTogglableFile;
