@@ -11,6 +11,7 @@
 #include <iterator>
 #include <new>
 #include <set>
+#include <span>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -26,20 +27,42 @@ constexpr std::array errors = {EIO, ENOSPC, EACCES, EMFILE, EINTR};
 /// Calls that are made again when a signal has interrupted them, so that nobody notices.
 const std::set<std::string> restartable = {"read", "write", "pread64", "waitpid", "syscall"};
 
-bool triesAllErrors() {
+/// The errors to try after so many faults.
+std::span<const int> errorsFor(size_t faults) {
     const char* const wanted = std::getenv("OZ_FAULT_ERRORS");
-    return wanted != nullptr && std::string_view(wanted) == "all";
+    if (wanted != nullptr && std::string_view(wanted) == "all") {
+        return errors;
+    }
+    return std::span(errors).subspan(faults % errors.size(), 1);
+}
+
+/// The calls of an undisturbed run. What the process itself opens once is open after it.
+std::map<std::string, size_t> rehearse(const Trial& trial) {
+    trial.prepare();
+    const auto calls = countCalls(trial.run);
+    trial.judge();
+    if (trial.judgeWithoutFault) {
+        trial.judgeWithoutFault();
+    }
+    trial.release();
+    return calls;
 }
 
 void strike(const Trial& trial, const Fault& fault) {
-    trial.prepare();
     const size_t descriptors = openDescriptors();
-    runWithFault(fault, trial.run);
-    EXPECT_EQ(openDescriptors(), descriptors) << "descriptors were left open";
+    trial.prepare();
+    try {
+        runWithFault(fault, trial.run);
+    } catch (const std::bad_alloc&) {
+        // The caller's to deal with; what counts is what it leaves behind.
+        EXPECT_EQ(fault.call, allocation);
+    }
     trial.judge();
     if (fault.error == EINTR && restartable.contains(fault.call) && trial.judgeWithoutFault) {
         trial.judgeWithoutFault();
     }
+    trial.release();
+    EXPECT_EQ(openDescriptors(), descriptors) << "descriptors were left open";
 }
 
 std::string describe(const fs::directory_entry& entry) {
@@ -73,11 +96,12 @@ Tree treeOf(const TemporaryDevice& device) {
 
 Tree withoutBackupNames(const Tree& tree) {
     Tree result;
-    for (auto [path, content] : tree) {
+    for (const auto& [backup, content] : tree) {
+        std::string path = backup;
         for (size_t found = 0; (found = path.find(OZCore::backupExtension)) != std::string::npos;) {
             path.erase(found, OZCore::backupExtension.size());
         }
-        result.emplace(std::move(path), std::move(content));
+        result.emplace(std::move(path), content);
     }
     return result;
 }
@@ -99,48 +123,29 @@ size_t openDescriptors() {
 }
 
 void everyFault(const std::string& name, const Trial& trial) {
-    trial.prepare();
-    const auto calls = countCalls(trial.run);
-    trial.judge();
-    ASSERT_TRUE(trial.judgeWithoutFault == nullptr || (trial.judgeWithoutFault(), !testing::Test::HasFailure()));
+    const auto calls = rehearse(trial);
     size_t faults = 0;
     for (const auto& [call, count] : calls) {
         for (size_t number = 1; call != allocation && number <= count; ++number) {
-            for (size_t index = 0; index < errors.size(); ++index) {
-                if (!triesAllErrors() && index != (faults + number) % errors.size()) {
-                    continue;
-                }
-                SCOPED_TRACE(fmt::format("{} {}: {}", call, number, std::strerror(errors[index])));
-                strike(trial, {.call = call, .number = number, .error = errors[index]});
-                ++faults;
+            for (const int error : errorsFor(faults)) {
                 if (testing::Test::HasFailure()) {
                     return;
                 }
-                if (!triesAllErrors()) {
-                    break;
-                }
+                SCOPED_TRACE(fmt::format("{} {} of {}: {}", call, number, count, std::strerror(error)));
+                strike(trial, {.call = call, .number = number, .error = error});
+                ++faults;
             }
         }
     }
     fmt::print("{}: {} kinds of calls, {} faults\n", name, calls.size() - calls.count(allocation), faults);
-    testing::Test::RecordProperty("faults", static_cast<int>(faults));
 }
 
 void everyAllocation(const std::string& name, const Trial& trial) {
-    trial.prepare();
-    const size_t allocations = countCalls(trial.run)[allocation];
-    trial.judge();
+    auto calls = rehearse(trial);
+    const size_t allocations = calls[allocation];
     for (size_t number = 1; number <= allocations && !testing::Test::HasFailure(); ++number) {
-        SCOPED_TRACE(fmt::format("allocation {}", number));
-        trial.prepare();
-        const size_t descriptors = openDescriptors();
-        try {
-            runWithFault({.call = allocation, .number = number, .error = ENOMEM}, trial.run);
-        } catch (const std::bad_alloc&) {
-            // The caller's to deal with; what counts is what it leaves behind.
-        }
-        EXPECT_EQ(openDescriptors(), descriptors) << "descriptors were left open";
-        trial.judge();
+        SCOPED_TRACE(fmt::format("allocation {} of {}", number, allocations));
+        strike(trial, {.call = allocation, .number = number, .error = ENOMEM});
     }
     fmt::print("{}: {} allocations\n", name, allocations);
 }

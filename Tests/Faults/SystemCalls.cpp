@@ -1,5 +1,5 @@
-// Stands between the libraries under test and the system: the linker gives each call listed in CMakeLists.txt to its
-// wrapper here. What the tests themselves do through the C++ library is not seen.
+// Stands between the libraries under test and the system: the linker gives each call listed in CMakeLists.txt
+// to its wrapper here. What the tests themselves do through the C++ library is not seen.
 #include "Tests/Faults/SystemCalls.h"
 
 #include <cerrno>
@@ -77,7 +77,8 @@ StandingFault::~StandingFault() {
 } // namespace tests
 
 void* operator new(size_t size) {
-    void* const memory = tests::errorFor(tests::allocation) != 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* const memory =
+        tests::errorFor(tests::allocation) != 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -93,14 +94,14 @@ void operator delete(void* memory, size_t /*size*/) noexcept {
 }
 
 // NOLINTBEGIN: the linker chooses these names
-#define WRAP(Result, name, parameters, arguments)                                                                      \
-    Result __real_##name parameters;                                                                                   \
-    Result __wrap_##name parameters {                                                                                  \
-        if (const int error = tests::errorFor(#name)) {                                                                \
-            errno = error;                                                                                             \
-            return static_cast<Result>(-1);                                                                            \
-        }                                                                                                              \
-        return __real_##name arguments;                                                                                \
+#define WRAP(Result, name, parameters, arguments)                                                            \
+    Result __real_##name parameters;                                                                         \
+    Result __wrap_##name parameters {                                                                        \
+        if (const int error = tests::errorFor(#name)) {                                                      \
+            errno = error;                                                                                   \
+            return static_cast<Result>(-1);                                                                  \
+        }                                                                                                    \
+        return __real_##name arguments;                                                                      \
     }
 
 extern "C" {
@@ -115,7 +116,8 @@ WRAP(ssize_t, flistxattr, (int file, char* list, size_t size), (file, list, size
 WRAP(int, fsetxattr, (int file, const char* name, const void* value, size_t size, int flags),
      (file, name, value, size, flags))
 WRAP(int, fstat64, (int file, struct stat* status), (file, status))
-WRAP(int, fstatat64, (int folder, const char* path, struct stat* status, int flags), (folder, path, status, flags))
+WRAP(int, fstatat64, (int folder, const char* path, struct stat* status, int flags),
+     (folder, path, status, flags))
 WRAP(int, fstatvfs64, (int file, struct statvfs* status), (file, status))
 WRAP(int, fsync, (int file), (file))
 WRAP(int, ftruncate64, (int file, off_t size), (file, size))
@@ -127,15 +129,18 @@ WRAP(int, mknodat, (int folder, const char* path, mode_t mode, dev_t device), (f
 WRAP(int, pipe2, (int* ends, int flags), (ends, flags))
 WRAP(ssize_t, pread64, (int file, void* bytes, size_t size, off_t offset), (file, bytes, size, offset))
 WRAP(ssize_t, read, (int file, void* bytes, size_t size), (file, bytes, size))
-WRAP(ssize_t, readlinkat, (int folder, const char* path, char* target, size_t size), (folder, path, target, size))
-WRAP(int, renameat, (int folder, const char* path, int toFolder, const char* to), (folder, path, toFolder, to))
+WRAP(ssize_t, readlinkat, (int folder, const char* path, char* target, size_t size),
+     (folder, path, target, size))
+WRAP(int, renameat, (int folder, const char* path, int toFolder, const char* to),
+     (folder, path, toFolder, to))
 WRAP(int, renameat2, (int folder, const char* path, int toFolder, const char* to, unsigned flags),
      (folder, path, toFolder, to, flags))
 WRAP(int, stat64, (const char* path, struct stat* status), (path, status))
 WRAP(int, symlinkat, (const char* target, int folder, const char* path), (target, folder, path))
 WRAP(int, syncfs, (int file), (file))
 WRAP(int, unlinkat, (int folder, const char* path, int flags), (folder, path, flags))
-WRAP(int, utimensat, (int folder, const char* path, const timespec* times, int flags), (folder, path, times, flags))
+WRAP(int, utimensat, (int folder, const char* path, const timespec* times, int flags),
+     (folder, path, times, flags))
 WRAP(pid_t, waitpid, (pid_t child, int* status, int options), (child, status, options))
 WRAP(ssize_t, write, (int file, const void* bytes, size_t size), (file, bytes, size))
 
@@ -152,7 +157,8 @@ char* __wrap_realpath(const char* path, char* resolved) {
 int __real_posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
                        const posix_spawnattr_t* attributes, char* const* arguments, char* const* environment);
 int __wrap_posix_spawn(pid_t* child, const char* path, const posix_spawn_file_actions_t* actions,
-                       const posix_spawnattr_t* attributes, char* const* arguments, char* const* environment) {
+                       const posix_spawnattr_t* attributes, char* const* arguments,
+                       char* const* environment) {
     const int error = tests::errorFor("posix_spawn");
     return error != 0 ? error : __real_posix_spawn(child, path, actions, attributes, arguments, environment);
 }
@@ -197,7 +203,8 @@ long __wrap_syscall(long number, ...) {
         errno = error;
         return -1;
     }
-    return __real_syscall(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4], arguments[5]);
+    return __real_syscall(number, arguments[0], arguments[1], arguments[2], arguments[3], arguments[4],
+                          arguments[5]);
 }
 }
 // NOLINTEND

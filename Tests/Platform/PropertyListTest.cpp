@@ -100,6 +100,18 @@ TEST(PropertyList, KeepsEveryKindOfValueThroughBothFormats) {
     EXPECT_EQ(parsePropertyList(serializePropertyList(fraction, PropertyListFormat::binary)), fraction);
 }
 
+TEST(PropertyList, DatesThatTextCannotHoldBecomeTheNearestThatItCan) {
+    const Value dates = Array{Date{-1e300},
+                              Date{-63113904000.0},
+                              Date{252423993599.0},
+                              Date{1e12},
+                              Date{std::numeric_limits<double>::infinity()},
+                              Date{std::nan("")}};
+    const Value readable = Array{Date{-63113904000.0}, Date{-63113904000.0}, Date{252423993599.0},
+                                 Date{252423993599.0}, Date{252423993599.0}, Date{0}};
+    EXPECT_EQ(parsePropertyList(serializePropertyList(dates, PropertyListFormat::xml)), readable);
+}
+
 TEST(PropertyList, ReadsWhatOtherWritersMake) {
     EXPECT_EQ(
         parsePropertyList("\xEF\xBB\xBF" + xml("<!-- <a> --><string>a<![CDATA[<&>]]>&#x41;&lt;</string>")),

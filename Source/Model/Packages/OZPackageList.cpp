@@ -86,11 +86,11 @@ OZPackageList::packagesForFilesAtPaths(const std::vector<std::string>& paths) {
     std::vector<std::string> arguments = paths;
     arguments.insert(arguments.begin(), "-S");
     const auto task = taskReadingOutput(_device, *tool, std::move(arguments));
+    const std::string_view answer = task->output() ? *task->output() : std::string_view();
     PackagesByPath packages;
-    for (const FileOwners& owners : parseFileOwners(task->output() ? *task->output() : std::string())) {
-        packages.insert_or_assign(std::string(owners.path),
-                                  packagesWithIdentifiers(std::vector<std::string>(
-                                      owners.identifiers.begin(), owners.identifiers.end())));
+    for (const auto& [path, identifiers] : parseFileOwners(answer)) {
+        packages.insert_or_assign(std::string(path),
+                                  packagesWithIdentifiers({identifiers.begin(), identifiers.end()}));
     }
     return packages;
 }
