@@ -4,9 +4,19 @@ build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqli
 # What the program itself calls on the host.
 tool_packages=(findutils sed dpkg apt)
 test_packages=(libgtest-dev libgmock-dev sqlite3 zlib1g-dev)
+# For the fuzzers and for looking at threads.
+clang_packages=(clang-19 libclang-rt-19-dev)
 
 is_installed() {
     [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]
+}
+
+# can_install NAME…: whether the configured sources, or what is installed, have all of them.
+can_install() {
+    local name
+    for name in "$@"; do
+        is_installed "$name" || apt-cache show "$name" >/dev/null 2>&1 || return 1
+    done
 }
 
 # install_packages NAME…: nothing is asked, and nothing is done where all of them are there.

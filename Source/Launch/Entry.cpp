@@ -3,6 +3,7 @@
 #include "Controller/CommandLine/OZArgvParser.h"
 #include "Launch/JailbreakLibrary.h"
 #include "Launch/LauncherOptions.h"
+#include "Launch/LoaderVariables.h"
 #include "Launch/OZApplication.h"
 #include "Launch/UserNamespace.h"
 #include "Model/Builder/OZModelBuilder.h"
@@ -52,6 +53,7 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
 } // namespace
 
 int runProgram(const std::vector<std::string>& arguments) {
+    forgetLoaderVariables();
     const auto options = LauncherOptions::parse(arguments, std::getenv("OZVARINE_DEVICE"));
     if (!options) {
         return fail(options.error());

@@ -46,6 +46,7 @@ void DirectoryEnumerator::enterLastEntry() {
     _descend = false;
     Descriptor folder(::openat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, readFolderFlags));
     if (!folder) {
+        ++_unreadFolders;
         return;
     }
     Level level{
@@ -82,12 +83,13 @@ bool DirectoryEnumerator::readNextEntry(Level& level) {
     return false;
 }
 
-bool DirectoryEnumerator::fill(Level& level) const {
+bool DirectoryEnumerator::fill(Level& level) {
     if (level.readToEnd) {
         return false;
     }
     level.buffer.resize(directoryBufferSize);
     const ssize_t filled = ::getdents64(level.descriptor.get(), level.buffer.data(), level.buffer.size());
+    _unreadFolders += filled < 0 ? 1 : 0;
     level.position = 0;
     level.filled = filled > 0 ? static_cast<size_t>(filled) : 0;
     return filled > 0;
@@ -123,6 +125,7 @@ void DirectoryEnumerator::leaveLevel() {
     Level& outer = _levels.back();
     outer.descriptor = outer.identity.openAbove(left.descriptor.get());
     if (!outer.descriptor) {
+        ++_unreadFolders;
         _levels.clear();
     }
 }

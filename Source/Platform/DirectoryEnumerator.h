@@ -15,8 +15,8 @@ namespace platform {
 
 /// Walks a folder and all below it, each folder before its content, without following links. Folders that
 /// cannot be read are given and not entered. Depth is limited by memory alone: only the innermost levels keep
-/// their descriptors; the outer ones are found again through "..", and the walk ends early when one of them is
-/// no longer where it was.
+/// their descriptors; the outer ones are found again through "..", and the walk ends early when one of them
+/// is no longer where it was.
 class DirectoryEnumerator {
   public:
     /// `folder` must be opened for reading.
@@ -27,6 +27,9 @@ class DirectoryEnumerator {
     /// The entry that `nextObject` gave last: its type, cheaply, and all its attributes.
     [[nodiscard]] FileType fileType() const { return _type; }
     [[nodiscard]] Result<FileAttributes> fileAttributes() const;
+    /// How many folders, so far, could not be read to their end. Each belongs to the entry that `nextObject`
+    /// gave last before it, or is above it.
+    [[nodiscard]] size_t unreadFolders() const { return _unreadFolders; }
     /// Leaves out what is below the entry that `nextObject` gave last.
     void skipDescendants() { _descend = false; }
 
@@ -45,7 +48,7 @@ class DirectoryEnumerator {
 
     void enterLastEntry();
     bool readNextEntry(Level& level);
-    bool fill(Level& level) const;
+    bool fill(Level& level);
     void giveUpDescriptor(Level& level);
     void leaveLevel();
 
@@ -53,6 +56,7 @@ class DirectoryEnumerator {
     std::vector<char> _spareBuffer;
     std::string _path;
     size_t _nameStart = 0;
+    size_t _unreadFolders = 0;
     FileType _type = FileType::unknown;
     bool _descend = false;
 };

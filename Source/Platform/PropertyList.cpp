@@ -2,6 +2,7 @@
 
 #include "Platform/PropertyListCheck.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdlib>
@@ -212,9 +213,18 @@ std::string writableText(const std::string& text) {
     return valid;
 }
 
-plist_t nodeOfValue(const Value& value);
+plist_t nodeOfValue(const Value& value, PropertyListFormat format);
+
+// The text of a date has four digits for the year; the library leaves it out where that does not do.
+double dateThatXmlHolds(double seconds) {
+    constexpr double startOfYear1 = -63113904000.0;
+    constexpr double endOfYear9999 = 252423993599.0;
+    return std::isnan(seconds) ? 0 : std::clamp(seconds, startOfYear1, endOfYear9999);
+}
 
 struct NodeMaker {
+    PropertyListFormat format;
+
     plist_t operator()(bool truth) const { return plist_new_bool(truth ? 1 : 0); }
     plist_t operator()(int64_t number) const { return plist_new_uint(static_cast<uint64_t>(number)); }
     plist_t operator()(uint64_t number) const {
@@ -228,27 +238,29 @@ struct NodeMaker {
         return plist_new_data(data.bytes.data(), data.bytes.size());
     }
     plist_t operator()(Date date) const {
-        return nodeOfAtom("\x33" + bigEndian(std::bit_cast<uint64_t>(date.seconds))).release();
+        const bool isText = format == PropertyListFormat::xml;
+        const double seconds = isText ? dateThatXmlHolds(date.seconds) : date.seconds;
+        return nodeOfAtom("\x33" + bigEndian(std::bit_cast<uint64_t>(seconds))).release();
     }
     plist_t operator()(Uid identifier) const { return plist_new_uid(identifier.number); }
     plist_t operator()(const Array& array) const {
         Node node(plist_new_array(), plist_free);
         for (const Value& item : array) {
-            plist_array_append_item(node.get(), nodeOfValue(item));
+            plist_array_append_item(node.get(), nodeOfValue(item, format));
         }
         return node.release();
     }
     plist_t operator()(const Dictionary& dictionary) const {
         Node node(plist_new_dict(), plist_free);
         for (const auto& [key, item] : dictionary) {
-            plist_dict_set_item(node.get(), writableText(key).c_str(), nodeOfValue(item));
+            plist_dict_set_item(node.get(), writableText(key).c_str(), nodeOfValue(item, format));
         }
         return node.release();
     }
 };
 
-plist_t nodeOfValue(const Value& value) {
-    return std::visit(NodeMaker{}, value.storage());
+plist_t nodeOfValue(const Value& value, PropertyListFormat format) {
+    return std::visit(NodeMaker{format}, value.storage());
 }
 
 // A real is cut to an integer; one that no integer holds becomes the nearest that does.
@@ -321,7 +333,7 @@ Result<Value> parsePropertyList(std::string_view bytes) {
 
 std::string serializePropertyList(const Value& value, PropertyListFormat format) {
     const PlainNumbers plain;
-    const Node node(nodeOfValue(value), plist_free);
+    const Node node(nodeOfValue(value, format), plist_free);
     char* bytes = nullptr;
     uint32_t length = 0;
     (format == PropertyListFormat::xml ? plist_to_xml : plist_to_bin)(node.get(), &bytes, &length);

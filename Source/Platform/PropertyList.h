@@ -110,8 +110,9 @@ enum class PropertyListFormat { xml, binary };
 [[nodiscard]] Result<Value> parsePropertyList(std::string_view bytes);
 
 /// The bytes of a property list that `parsePropertyList` and the usual property-list tools read back. XML
-/// holds whole seconds of a date only. Bytes that are no UTF-8 become replacement characters. Throws
-/// AssertionFailure for text with a zero byte, which no property list of the usual tools can hold.
+/// holds whole seconds of a date only, and the years 1 to 9999: an earlier or later one becomes the first or
+/// last. Bytes that are no UTF-8 become replacement characters. Throws AssertionFailure for text with a zero
+/// byte, which no property list of the usual tools can hold.
 [[nodiscard]] std::string serializePropertyList(const Value& value, PropertyListFormat format);
 
 } // namespace platform

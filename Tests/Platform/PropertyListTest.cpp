@@ -1,5 +1,7 @@
 #include "Platform/PropertyList.h"
 
+#include "Tests/Support/Sanitized.h"
+
 #include "Platform/DeviceFacts.h"
 
 #include <cmath>
@@ -100,6 +102,18 @@ TEST(PropertyList, KeepsEveryKindOfValueThroughBothFormats) {
     EXPECT_EQ(parsePropertyList(serializePropertyList(fraction, PropertyListFormat::binary)), fraction);
 }
 
+TEST(PropertyList, DatesThatTextCannotHoldBecomeTheNearestThatItCan) {
+    const Value dates = Array{Date{-1e300},
+                              Date{-63113904000.0},
+                              Date{252423993599.0},
+                              Date{1e12},
+                              Date{std::numeric_limits<double>::infinity()},
+                              Date{std::nan("")}};
+    const Value readable = Array{Date{-63113904000.0}, Date{-63113904000.0}, Date{252423993599.0},
+                                 Date{252423993599.0}, Date{252423993599.0}, Date{0}};
+    EXPECT_EQ(parsePropertyList(serializePropertyList(dates, PropertyListFormat::xml)), readable);
+}
+
 TEST(PropertyList, ReadsWhatOtherWritersMake) {
     EXPECT_EQ(
         parsePropertyList("\xEF\xBB\xBF" + xml("<!-- <a> --><string>a<![CDATA[<&>]]>&#x41;&lt;</string>")),
@@ -177,14 +191,6 @@ TEST(PropertyList, RefusesMalformedLists) {
     EXPECT_TRUE(parsePropertyList(laughs(200, 1)));
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool sanitized = true;
-#elif defined(__has_feature)
-constexpr bool sanitized = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool sanitized = false;
-#endif
-
 long peakKilobytes() {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -220,7 +226,7 @@ long peakGrowthKilobytes(const std::string& bytes) {
 }
 
 TEST(PropertyList, TakesAtMost64MebibytesForOneList) {
-    if (sanitized) {
+    if (tests::sanitized) {
         GTEST_SKIP() << "a sanitizer takes memory of its own";
     }
     constexpr size_t mebibyte = size_t{1} << 20;

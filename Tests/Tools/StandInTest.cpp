@@ -26,7 +26,9 @@ class StandIn : public testing::Test {
         std::ofstream(path() / factsFileName) << "facts";
         installStandInTools(path() / toolsFolderName);
         TreeWriter tree(root());
-        DeviceBuild build(tree, Generation::make("11").value(), {});
+        const auto generation = Generation::make("11").value();
+        const DeviceOptions options;
+        DeviceBuild build(tree, generation, options);
         const LaunchServices services = addDaemons(build);
         const auto files = DeviceFiles::open(path());
         files->setLaunchServices(services);

@@ -9,7 +9,8 @@
 
 namespace {
 
-// The tool ends inserted text at a line break without a backslash before it, and reads a backslash as such a mark.
+// The tool ends inserted text at a line break without a backslash before it, and reads a backslash as such a
+// mark.
 std::string escapedForSed(std::string_view text) {
     std::string escaped;
     for (const char character : text) {
@@ -23,7 +24,9 @@ std::string escapedForSed(std::string_view text) {
 
 } // namespace
 
-OZCleanupLogger::OZCleanupLogger(platform::Device& device) : _device(device), _fileManager(device.fileManager()) {}
+OZCleanupLogger::OZCleanupLogger(platform::Device& device)
+    : _device(device)
+    , _fileManager(device.fileManager()) {}
 
 void OZCleanupLogger::openLogFileForWriting() {
     if (_logFileHandle) {
@@ -43,10 +46,15 @@ void OZCleanupLogger::openLogFileForWriting() {
 void OZCleanupLogger::makeLogFolder() {
     const std::string_view folder = logFilePath.substr(0, logFilePath.rfind('/'));
     bool isDirectory = false;
-    if (!_fileManager.fileExistsAtPath(folder, &isDirectory) || !isDirectory) {
-        std::ignore = _fileManager.removeItemAtPath(folder);
-        std::ignore = _fileManager.createDirectoryAtPath(folder, platform::IntermediateFolders::create);
+    if (_fileManager.fileExistsAtPath(folder, &isDirectory) && isDirectory) {
+        return;
     }
+    // That nobody can tell what stands there is no reason to remove it.
+    const auto standing = _fileManager.attributesOfItemAtPath(folder);
+    if (standing && standing->type != platform::FileType::directory) {
+        std::ignore = _fileManager.removeItemAtPath(folder);
+    }
+    std::ignore = _fileManager.createDirectoryAtPath(folder, platform::IntermediateFolders::create);
 }
 
 void OZCleanupLogger::createLogFile() {
@@ -55,7 +63,9 @@ void OZCleanupLogger::createLogFile() {
     }
 }
 
-void OZCleanupLogger::closeLogFile() { _logFileHandle.reset(); }
+void OZCleanupLogger::closeLogFile() {
+    _logFileHandle.reset();
+}
 
 void OZCleanupLogger::deleteLogFile() {
     closeLogFile();
@@ -73,7 +83,9 @@ void OZCleanupLogger::log(std::string_view text) {
     }
 }
 
-void OZCleanupLogger::logWithSpacer(std::string_view text) { log(std::string(text).append("\n\n")); }
+void OZCleanupLogger::logWithSpacer(std::string_view text) {
+    log(std::string(text).append("\n\n"));
+}
 
 void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
     const auto sed = OZTask::launchPathForExecutable(_device, "sed");

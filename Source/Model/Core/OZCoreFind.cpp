@@ -23,13 +23,12 @@ bool readsAsExpression(std::string_view folder) {
     return folder.empty() || std::string_view("-(),!").contains(folder.front());
 }
 
-// Gives each path to the folder that it was found in. The tool searches the folders one after the other.
+// Gives each path to the folder that it was found in. The tool searches the folders one after the other. What
+// no separator ends is half a path, left by a tool that broke off, and may name another item.
 void sortInto(std::vector<FoundPaths>& found, std::string_view output) {
     auto current = found.begin();
-    while (!output.empty()) {
-        const size_t end = std::min(output.find('\0'), output.size());
+    for (size_t end = 0; (end = output.find('\0')) != std::string_view::npos; output.remove_prefix(end + 1)) {
         const std::string_view path = output.substr(0, end);
-        output.remove_prefix(std::min(end + 1, output.size()));
         const auto home = std::find_if(current, found.end(), [&](const FoundPaths& folder) {
             return path.size() > folder.prefix.size() && path.starts_with(folder.prefix);
         });

@@ -1,7 +1,7 @@
 // Which languages may go, and what goes with them.
-#include "Categories/NSStringAdditions.h"
 #include "Categories/NSStringFolding.h"
 #include "Model/Apps/OZAppList.h"
+#include "Model/Core/LanguageTable.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Services/OZLocalizationManager.h"
@@ -15,6 +15,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+using languagetable::isCode;
+using languagetable::nameOfLine;
 using platform::FoundPaths;
 
 namespace {
@@ -22,8 +24,6 @@ namespace {
 constexpr std::string_view languageTable = "lang";
 constexpr std::string_view protectedLanguage = "English";
 constexpr std::string_view languageFileExtension = ".strings";
-constexpr std::string_view blanks = " \t";
-constexpr size_t codeLength = 2;
 constexpr double sinceCarrierBundles = 1047.2;
 
 const std::string sharedData = "/usr/share/";
@@ -33,30 +33,6 @@ const std::string textInput = "/System/Library/TextInput/";
 const std::string linguisticData = "/System/Library/LinguisticData/";
 const std::string voiceServices = "/System/Library/PrivateFrameworks/VoiceServices.framework/";
 const std::string workoutVoices = "/System/Library/PrivateFrameworks/SportsWorkout.framework/voices/";
-
-std::vector<std::string> componentsSeparatedBy(std::string_view separators, std::string_view text) {
-    std::vector<std::string> components;
-    while (true) {
-        const size_t end = text.find_first_of(separators);
-        components.emplace_back(text.substr(0, end));
-        if (end == std::string_view::npos) {
-            return components;
-        }
-        text.remove_prefix(end + 1);
-    }
-}
-
-bool isASCII(std::string_view text) {
-    return std::ranges::all_of(text, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
-}
-
-std::string nameOfLine(std::string_view line) {
-    return std::string(line.substr(0, line.find_first_of(blanks)));
-}
-
-bool isCode(std::string_view component) {
-    return component.size() == codeLength;
-}
 
 std::string upperCase(std::string code) {
     std::ranges::transform(code, code.begin(), [](char letter) {
@@ -77,10 +53,7 @@ std::string languageOfFile(std::string_view fileName) {
 const std::vector<std::string>& OZCore::languageRegexFileLines() {
     if (_languageRegexFileLines.empty() && _localizationManager != nullptr) {
         const auto text = _localizationManager->bundle().contentsOfResource(languageTable);
-        if (text && isASCII(*text)) {
-            _languageRegexFileLines = componentsSeparatedBy("\r\n", *text);
-            std::erase_if(_languageRegexFileLines, std::not_fn(isNotEmptyOrWhitespace));
-        }
+        _languageRegexFileLines = languagetable::lines(text.value_or(""));
     }
     return _languageRegexFileLines;
 }
@@ -88,17 +61,9 @@ const std::vector<std::string>& OZCore::languageRegexFileLines() {
 std::vector<std::string> OZCore::languageRegexComponentsShort(bool codesOnly) {
     std::vector<std::string> components;
     for (const auto& line : languageRegexFileLines()) {
-        if (!_languagesToRemove.contains(nameOfLine(line))) {
-            continue;
-        }
-        for (const auto& component : componentsSeparatedBy(blanks, line)) {
-            if (!component.empty() && (!codesOnly || isCode(component))) {
-                components.push_back(component);
-            }
-            // A code stands for its regional variants, too.
-            if (!codesOnly && isCode(component)) {
-                components.push_back(component + "[-_]..");
-            }
+        if (_languagesToRemove.contains(nameOfLine(line))) {
+            std::ranges::move(languagetable::regexComponents(line, codesOnly),
+                              std::back_inserter(components));
         }
     }
     return components;

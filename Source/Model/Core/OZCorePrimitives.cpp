@@ -1,10 +1,10 @@
 #include "Model/Core/OZCore.h"
-
 #include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 using platform::FileType;
 using platform::FoundPaths;
@@ -17,7 +17,9 @@ bool anyOf(std::span<const std::string_view> patterns, Match match) {
     return std::ranges::any_of(patterns, match);
 }
 
-bool endsInBackupExtension(std::string_view path) { return path.ends_with(OZCore::backupExtension); }
+bool endsInBackupExtension(std::string_view path) {
+    return path.ends_with(OZCore::backupExtension);
+}
 
 // Applies one primitive's work to every item that can be found, with the text that names it.
 template <class Work>
@@ -185,13 +187,17 @@ void OZCore::count(std::string_view path) {
     }
 }
 
-void OZCore::addSize(uint64_t bytes) { _freedSpace += bytes; }
+void OZCore::addSize(uint64_t bytes) {
+    _freedSpace += bytes;
+}
 
 void OZCore::delFolderContents(std::string_view folder, OnlyFiles onlyFiles) {
     delWithPattern(folder, std::nullopt, std::nullopt, std::nullopt, onlyFiles);
 }
 
-void OZCore::delFilesInFolderRecursive(std::string_view folder) { delFilesExcludingPatternsRecursive(folder, {}); }
+void OZCore::delFilesInFolderRecursive(std::string_view folder) {
+    delFilesExcludingPatternsRecursive(folder, {});
+}
 
 void OZCore::delFilesExcludingPatternsRecursive(std::string_view folder, const NamePatterns& patterns) {
     auto opened = folderAtPath(folder);
@@ -221,7 +227,8 @@ void OZCore::delWithPattern(std::string_view folder, std::optional<std::string_v
                             std::optional<std::string_view> endPattern, OnlyFiles onlyFiles) {
     delEntriesWhere(folder, onlyFiles, [&](std::string_view name) {
         return (!startPattern || name.starts_with(*startPattern)) &&
-               (!middlePattern || name.contains(*middlePattern)) && (!endPattern || name.ends_with(*endPattern));
+               (!middlePattern || name.contains(*middlePattern)) &&
+               (!endPattern || name.ends_with(*endPattern));
     });
 }
 
@@ -244,7 +251,8 @@ void OZCore::delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
         return;
     }
     std::erase_if(*names, [&](const std::string& name) { return !isWanted(name); });
-    const FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = std::move(*names)};
+    const FoundPaths found{
+        .folder = *opened, .prefix = platform::pathPrefix(folder), .names = std::move(*names)};
     if (onlyFiles == OnlyFiles::yes) {
         del(found);
     } else {
@@ -273,7 +281,18 @@ void OZCore::delEmptyDirs(std::string_view folder) {
     std::vector<Directory> directories;
     // The folders that the walk is in, from the outermost in.
     std::vector<size_t> open;
-    while (const auto entry = enumerator->nextObject()) {
+    const auto keepOpen = [&] {
+        std::ranges::for_each(open, [&](size_t index) { directories[index].holdsFile = true; });
+    };
+    for (size_t unread = 0;;) {
+        const auto entry = enumerator->nextObject();
+        // Of a folder that could not be read nobody knows that it is empty.
+        if (std::exchange(unread, enumerator->unreadFolders()) != enumerator->unreadFolders()) {
+            keepOpen();
+        }
+        if (!entry) {
+            break;
+        }
         while (!open.empty() && !entry->starts_with(platform::pathPrefix(directories[open.back()].path))) {
             open.pop_back();
         }
@@ -281,7 +300,7 @@ void OZCore::delEmptyDirs(std::string_view folder) {
             open.push_back(directories.size());
             directories.push_back({std::string(*entry)});
         } else {
-            std::ranges::for_each(open, [&](size_t index) { directories[index].holdsFile = true; });
+            keepOpen();
         }
     }
     FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = {}};

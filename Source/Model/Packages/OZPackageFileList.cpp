@@ -140,7 +140,9 @@ Result<std::string> OZPackageFileList::serialize() const {
     }
     const MarkedEncoding* const marked = markedEncoding(encoding);
     if (text.empty() || marked == nullptr) {
-        return text;
+        // Blank lines that stood before such a path are gone, and it would be taken for a mark.
+        return encodingMarkedIn(text) == nullptr ? Result<std::string>(std::move(text))
+                                                 : platform::failure(EILSEQ);
     }
     auto encoded = marked->name == nullptr ? text : converted(text, "UTF-8", marked->name);
     if (encoded) {

@@ -31,6 +31,6 @@ struct OZPackageFileList {
 
     /// The bytes of a list file: the paths without newlines around them and without empty ones, each on a
     /// line that ends in a newline. Empty if no path is left. The error is for paths that the encoding
-    /// cannot hold.
+    /// cannot hold, and for a first path that would read as another encoding's mark.
     [[nodiscard]] platform::Result<std::string> serialize() const;
 };

@@ -1,11 +1,8 @@
 #include "Model/Packages/OZPackageList.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Model/Packages/FileOwners.h"
 #include "Model/Packages/OZPackageGraph.h"
-#include "Model/Packages/TextLines.h"
 #include "Model/Tasks/OZTask.h"
-
-#include <unicode/uniset.h>
 
 namespace {
 
@@ -16,32 +13,6 @@ std::shared_ptr<OZTask> taskReadingOutput(platform::Device& device, std::string_
     task->setStdErrAction(OZTaskStreamAction::discard);
     std::ignore = task->launchSynchronously();
     return task;
-}
-
-/// "package, package" as texts.
-std::vector<std::string> splitIdentifiers(std::string_view text) {
-    constexpr std::string_view separator = ", ";
-    std::vector<std::string> identifiers;
-    for (size_t end = 0; end != std::string_view::npos;) {
-        end = text.find(separator);
-        identifiers.emplace_back(text.substr(0, end));
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + separator.size());
-    }
-    return identifiers;
-}
-
-struct OwnersLine {
-    std::string_view identifiers;
-    std::string_view path;
-};
-
-std::optional<OwnersLine> parseOwners(std::string_view line) {
-    constexpr std::string_view separator = ": ";
-    const size_t split = line.find(separator);
-    if (split == std::string_view::npos || split + separator.size() == line.size()) {
-        return std::nullopt;
-    }
-    return OwnersLine{.identifiers = line.substr(0, split), .path = line.substr(split + separator.size())};
 }
 
 } // namespace
@@ -115,15 +86,11 @@ OZPackageList::packagesForFilesAtPaths(const std::vector<std::string>& paths) {
     std::vector<std::string> arguments = paths;
     arguments.insert(arguments.begin(), "-S");
     const auto task = taskReadingOutput(_device, *tool, std::move(arguments));
+    const std::string_view answer = task->output() ? *task->output() : std::string_view();
     PackagesByPath packages;
-    std::string_view output = task->output() ? *task->output() : std::string_view();
-    while (!output.empty()) {
-        const std::string_view line = takeLine(output, newlineCharacterSet());
-        if (const auto owners =
-                parseOwners(stringByTrimmingCharactersInSet(line, whitespaceAndNewlineCharacterSet()))) {
-            packages.insert_or_assign(std::string(owners->path),
-                                      packagesWithIdentifiers(splitIdentifiers(owners->identifiers)));
-        }
+    for (const auto& [path, identifiers] : parseFileOwners(answer)) {
+        packages.insert_or_assign(std::string(path),
+                                  packagesWithIdentifiers({identifiers.begin(), identifiers.end()}));
     }
     return packages;
 }

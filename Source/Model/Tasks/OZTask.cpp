@@ -107,16 +107,22 @@ class OZTask::FileActions {
     FileActions& operator=(const FileActions&) = delete;
     ~FileActions() { posix_spawn_file_actions_destroy(&_actions); }
 
-    void duplicate(int from, int to) { posix_spawn_file_actions_adddup2(&_actions, from, to); }
-    void close(int number) { posix_spawn_file_actions_addclose(&_actions, number); }
-    void closeFrom(int number) { posix_spawn_file_actions_addclosefrom_np(&_actions, number); }
+    void duplicate(int from, int to) { note(posix_spawn_file_actions_adddup2(&_actions, from, to)); }
+    void close(int number) { note(posix_spawn_file_actions_addclose(&_actions, number)); }
+    void closeFrom(int number) { note(posix_spawn_file_actions_addclosefrom_np(&_actions, number)); }
     void openForWriting(int number, const char* path) {
-        posix_spawn_file_actions_addopen(&_actions, number, path, O_WRONLY, 0);
+        note(posix_spawn_file_actions_addopen(&_actions, number, path, O_WRONLY, 0));
     }
+    /// The first error of the above, or 0. A child that lacks one of them could take another's descriptor for
+    /// its own.
+    [[nodiscard]] int error() const { return _error; }
     [[nodiscard]] const posix_spawn_file_actions_t* get() const { return &_actions; }
 
   private:
+    void note(int error) { _error = _error == 0 ? error : _error; }
+
     posix_spawn_file_actions_t _actions{};
+    int _error = 0;
 };
 
 std::shared_ptr<OZTask> OZTask::make(platform::Device& device, std::string_view launchPath,
@@ -211,7 +217,7 @@ void OZTask::configureStreams() {
 
 void OZTask::captureStreams() {
     std::array<int, 2> ends = {-1, -1};
-    // Without a pipe the actions name descriptor -1, and the spawn fails with that.
+    // Without a pipe the actions name descriptor -1, which is refused, and so is the spawn.
     std::ignore = ::pipe2(ends.data(), O_CLOEXEC);
     _pipe.emplace(aboveStandardStreams(ends[0]), aboveStandardStreams(ends[1]));
     const int writeEnd = _pipe->writeEnd.get();
@@ -247,6 +253,9 @@ int OZTask::spawn() {
     }
     // Not all descriptors of this process are its own: it may have inherited some itself.
     _fileActions->closeFrom(number);
+    if (_fileActions->error() != 0) {
+        return _fileActions->error();
+    }
     const SpawnAttributes attributes;
     const auto environment = environmentFor(command);
     return posix_spawn(&_pid, command.path.c_str(), _fileActions->get(), attributes.get(),

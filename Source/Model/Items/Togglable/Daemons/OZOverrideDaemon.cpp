@@ -56,14 +56,21 @@ StringDictionary OZOverrideDaemon::overridesDb() const {
     if (!task->launchSynchronously()) {
         return {};
     }
+    return overridesInListing(task->output().value_or(""));
+}
+
+StringDictionary OZOverrideDaemon::overridesInListing(std::string_view listing) {
     static const icu::UnicodeSet trimmed = quotesAndBlanks();
-    return dictionaryWithString(task->output().value_or(""), "=>", "", trimmed);
+    return dictionaryWithString(listing, "=>", "", trimmed);
+}
+
+bool OZOverrideDaemon::isEnabledIn(const StringDictionary& overrides, std::string_view identifier) {
+    const auto found = overrides.find(identifier);
+    return found == overrides.end() || !isTrue(found->second);
 }
 
 bool OZOverrideDaemon::isEnabledInDatabase() const {
-    const auto overrides = overridesDb();
-    const auto found = overrides.find(_identifier);
-    return found == overrides.end() || !isTrue(found->second);
+    return isEnabledIn(overridesDb(), _identifier);
 }
 
 bool OZOverrideDaemon::applyChanges() {

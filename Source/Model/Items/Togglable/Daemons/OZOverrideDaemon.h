@@ -28,6 +28,10 @@ class OZOverrideDaemon : public OZTogglableItem {
     /// What the database says of each daemon that it knows: "true" if it is disabled. Empty if nobody can
     /// tell.
     [[nodiscard]] StringDictionary overridesDb() const;
+    /// The same from the tool's listing, a line "identifier" => true an override.
+    [[nodiscard]] static StringDictionary overridesInListing(std::string_view listing);
+    /// A daemon without an override is enabled.
+    [[nodiscard]] static bool isEnabledIn(const StringDictionary& overrides, std::string_view identifier);
     /// Loads or unloads the daemon for good. False if the tool is missing or did not run to its end.
     bool setDaemonEnabled(bool enabled);
     [[nodiscard]] OZFileDaemon& fileDaemon() const { return *_fileDaemon; }

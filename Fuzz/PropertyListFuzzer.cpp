@@ -1,0 +1,37 @@
+// Property lists: whatever can be read can be written, and reading what was written gives the same again.
+#include "Fuzz/Input.h"
+#include "Fuzz/Require.h"
+#include "Platform/PropertyList.h"
+
+#include <optional>
+
+using platform::PropertyListFormat;
+
+namespace {
+
+/// None for a text that no property list can hold.
+std::optional<std::string> serialized(const platform::Value& value, PropertyListFormat format) {
+    try {
+        return platform::serializePropertyList(value, format);
+    } catch (const platform::AssertionFailure&) {
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+void readInput(std::string_view bytes) {
+    const auto value = platform::parsePropertyList(bytes);
+    if (!value) {
+        return;
+    }
+    for (const auto format : {PropertyListFormat::xml, PropertyListFormat::binary}) {
+        const auto first = serialized(*value, format);
+        if (!first) {
+            continue;
+        }
+        const auto again = platform::parsePropertyList(*first);
+        require(again.has_value());
+        require(serialized(*again, format) == first);
+    }
+}
