@@ -36,6 +36,11 @@ class TemporaryFolder {
     std::string _path;
 };
 
+/// A folder in memory, for trees of many small files, where there is one with room that lets programs run;
+/// else
+/// "/tmp".
+std::string memoryFolder();
+
 /// Makes `depth` folders named "d", each in the one before, however long their path gets.
 void makeDeepFolders(int folder, size_t depth);
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace tests {
+
+/// What can be told of an item of the host without its path, access time aside.
+struct ItemState {
+    mode_t mode = 0;
+    uid_t owner = 0;
+    gid_t group = 0;
+    int64_t size = 0;
+    timespec modified{};
+    /// A hash of a file's bytes with the places of its holes left out, or a link's target.
+    std::string content;
+
+    [[nodiscard]] bool isFolder() const { return S_ISDIR(mode); }
+    [[nodiscard]] bool isFile() const { return S_ISREG(mode); }
+    [[nodiscard]] bool isLink() const { return S_ISLNK(mode); }
+    /// A folder's size and time change with its entries and do not count.
+    bool operator==(const ItemState& other) const;
+};
+
+/// All below a folder of the host, by path relative to it. The host's own calls make it, so that it can judge
+/// ours.
+using TreeSnapshot = std::map<std::string, ItemState>;
+
+TreeSnapshot snapshotOf(const std::string& hostFolder);
+/// One line: path, mode in octal, owner, size, time and content.
+std::string describe(const std::string& path, const ItemState& state);
+/// What became of a tree: lines that begin with "gone", "new" or "changed"; none for no change.
+std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after);
+
+} // namespace tests
