@@ -94,3 +94,14 @@ std::string_view stringByTrimmingCharactersInSet(std::string_view text, const ic
     text.remove_prefix(span(text, set, USET_SPAN_CONTAINED));
     return text.substr(0, spanBack(text, set, USET_SPAN_CONTAINED));
 }
+
+std::string stringByEscapingForRegex(std::string_view text) {
+    std::string escaped;
+    for (const char character : text) {
+        if (std::string_view("\\()[]{}*+?^$|").contains(character)) {
+            escaped += '\\';
+        }
+        escaped += character;
+    }
+    return escaped;
+}

@@ -32,3 +32,7 @@ timestampString(const std::optional<std::string>& timeZone = std::nullopt,
 /// The part of the text between the first and the last character that are not in the set.
 [[nodiscard]] std::string_view stringByTrimmingCharactersInSet(std::string_view text,
                                                                const icu::UnicodeSet& set);
+
+/// The text as a part of an extended regular expression that means it as it stands; the dot, which stands for itself
+/// and more, is left alone.
+[[nodiscard]] std::string stringByEscapingForRegex(std::string_view text);

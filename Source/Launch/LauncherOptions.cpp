@@ -51,6 +51,7 @@ std::string LauncherOptions::help() {
            "    -respring            ... and restarts the home screen\n"
            "    -autorespring        ... and restarts the home screen if caches or temporary files were "
            "cleaned\n"
+           "  -cli                   shows a menu on the terminal\n"
            "  -respring              rebuilds the icon cache and restarts the home screen\n"
            "\n"
            "The log of the last run is var/mobile/Library/Ozvarine/junk.txt in the device's tree.\n";

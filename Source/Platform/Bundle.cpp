@@ -11,10 +11,11 @@ namespace platform {
 
 namespace {
 
-// An executable that cannot be found out has no resources; what needs them says so.
+// Where the executable cannot be found out, it is taken for an installed one.
 fs::path directoryBesideExecutable() {
     std::error_code error;
-    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+    const fs::path link = fs::read_symlink("/proc/self/exe", error);
+    const fs::path executable = error ? fs::path("/usr/bin/ozvarine") : link;
     return executable.parent_path().parent_path() / "share" / "ozvarine";
 }
 

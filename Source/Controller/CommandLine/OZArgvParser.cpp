@@ -1,5 +1,6 @@
 #include "Controller/CommandLine/OZArgvParser.h"
 
+#include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Services/OZStdIO.h"
@@ -19,6 +20,12 @@ namespace {
 constexpr const char* usageFormat =
     "{0}: illegal option {1}\n"
     "usage: {0} [-clean [-respring | -autorespring] | -cli | -respring | -restore-togglable-items]\n";
+
+constexpr std::string_view notInteractiveText =
+    "The Ozvarine command line interface can only be invoked through an interactive terminal.\n";
+// Nobody who asks for a dry run may end up in a cleanup.
+constexpr std::string_view dryRunText =
+    "ozvarine: --dry-run is for -clean alone; the menu of -cli has an analysis of its own\n";
 
 constexpr std::array<std::pair<std::string_view, OZCleanAction>, 3> cleanActions{{
     {"-respring", OZCleanAction::respring},
@@ -45,16 +52,32 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
     if (option == "-clean") {
         return cleanWithAction(cleanActionFor(vector)) ? 0 : 1;
     }
+    if (option == "-cli") {
+        return showMenu() ? 0 : 1;
+    }
     if (option == "-respring") {
         respring();
         return 0;
     }
-    fmt::print(stderr, fmt::runtime(usageFormat), vector[0], option);
+    OZStdIO::fprintf(stderr, fmt::format(fmt::runtime(usageFormat), vector[0], option));
     return 1;
 }
 
 bool OZArgvParser::isInputInteractive() {
     return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool OZArgvParser::showMenu() {
+    if (!isInputInteractive()) {
+        OZStdIO::fprintf(stderr, notInteractiveText);
+        return false;
+    }
+    if (_analyze == Analyze::yes) {
+        OZStdIO::fprintf(stderr, dryRunText);
+        return false;
+    }
+    OZCLIController(_modelBuilder).startCLI();
+    return true;
 }
 
 bool OZArgvParser::cleanWithAction(OZCleanAction action) {

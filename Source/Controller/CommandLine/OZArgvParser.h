@@ -36,6 +36,8 @@ class OZArgvParser {
     bool cleanWithAction(OZCleanAction action);
 
   private:
+    /// Runs the menu; false, with a line on standard error, where it cannot be used.
+    bool showMenu();
     [[nodiscard]] bool shouldRespring() const;
     void respring();
 

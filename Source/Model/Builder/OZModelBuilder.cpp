@@ -1,8 +1,10 @@
 #include "Model/Builder/OZModelBuilder.h"
 
 #include "Model/Apps/OZAppList.h"
+#include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Items/Togglable/Daemons/OZDaemonList.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
@@ -57,6 +59,18 @@ OZCore& OZModelBuilder::core() {
     return *_core;
 }
 
+OZDaemonList& OZModelBuilder::daemonList() {
+    if (!_daemonList) {
+        _daemonList = std::make_unique<OZDaemonList>(_device, [this](std::string_view key) {
+            return localizationManager().localizedStringForKey(key);
+        });
+        _daemonListLanguageChange =
+            platform::Observation(_device.notificationCenter(), OZLocalizationNotification, nullptr,
+                                  [this](const platform::Notification&) { _daemonList->localize(); });
+    }
+    return *_daemonList;
+}
+
 OZDeviceActions& OZModelBuilder::deviceActions() {
     if (!_deviceActions) {
         _deviceActions = std::make_unique<OZDeviceActions>(
@@ -71,4 +85,8 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
 
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
     return std::make_unique<OZCleanupLogger>(_device);
+}
+
+std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {
+    return std::make_unique<OZFontsFolderMover>(_device);
 }

@@ -2,6 +2,7 @@
 
 #include "Platform/NotificationCenter.h"
 
+#include <functional>
 #include <memory>
 
 namespace platform {
@@ -12,7 +13,9 @@ class UserDefaults;
 class OZAppList;
 class OZCleanupLogger;
 class OZCore;
+class OZDaemonList;
 class OZDeviceActions;
+class OZFontsFolderMover;
 class OZLocalizationManager;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
@@ -35,8 +38,13 @@ class OZModelBuilder {
     OZAppList& appList();
     OZLocalizationManager& localizationManager();
     OZCore& core();
+    OZDaemonList& daemonList();
     OZDeviceActions& deviceActions();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
+    [[nodiscard]] std::unique_ptr<OZFontsFolderMover> fontsFolderMover() const;
+    /// Enables everything again that can be disabled; any thread may call it. Empty as long as the model has
+    /// nothing of the kind.
+    [[nodiscard]] const std::function<void()>& systemRestore() const { return _systemRestore; }
 
   private:
     platform::UserDefaults& standardUserDefaults();
@@ -47,5 +55,8 @@ class OZModelBuilder {
     std::unique_ptr<OZLocalizationManager> _localizationManager;
     std::unique_ptr<OZCore> _core;
     platform::Observation _languageChange;
+    std::unique_ptr<OZDaemonList> _daemonList;
+    platform::Observation _daemonListLanguageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
+    std::function<void()> _systemRestore;
 };

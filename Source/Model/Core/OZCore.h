@@ -108,6 +108,13 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeLanguagesInUse(std::span<const std::string> names);
     /// Unmarks English and the languages of the device and of the user; for when the language changes.
     void localize();
+    /// The languages that may be chosen, in the order of the language table: not English, nor those in use.
+    [[nodiscard]] std::vector<std::string> removableLanguages();
+    /// The lines of the language table, "lang" of the program's resources: a language's English name and the other
+    /// forms of it in names of files, each a regular expression. Empty where it cannot be read; kept otherwise.
+    const std::vector<std::string>& languageRegexFileLines();
+    /// Regular expressions for the languages to remove: all forms, or the two-letter codes alone.
+    [[nodiscard]] std::vector<std::string> languageRegexComponentsShort(bool codesOnly);
 
     // All choices, as they outlive the process.
     void registerDefaults() override;
@@ -117,11 +124,11 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
     void clean(const platform::Dictionary* settings, Analyze analyze);
-    /// Removes payload that the device or its user has no need of, for one of the actions that say "remove" but for
-    /// that on backups. Any other action leaves the run open: nobody may ask for one.
+    /// Removes payload that the device or its user has no need of: images, artwork, languages, keyboards or
+    /// voices. An action of another kind leaves the run open; nobody may ask for one.
     void remove(OZAction action, Analyze analyze);
-    /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives way to
-    /// it. A backup inside of a folder that is itself a backup needs a second call.
+    /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives
+    /// way to it. A backup inside of a folder that is itself a backup needs a second call.
     void backup(BackupAction action);
     [[nodiscard]] bool isRunning() const { return _isRunning; }
     [[nodiscard]] uint64_t fileCount() const { return _fileCount; }
@@ -176,8 +183,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     // What is no fixed step.
     /// Removes what a record of the user names. A blank path names nothing.
     void cleanCustomFile(const CustomFileRecord& record);
-    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The current
-    /// directory stays where the rule for the application went.
+    /// What a well-known application leaves behind; nothing for one that is unknown or not installed. The
+    /// current directory stays where the rule for the application went.
     void cleanKnownApp(std::string_view identifier);
 
     /// The folders of the attachments that the message database knows, relative to the user's home, one for each
@@ -239,6 +246,13 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeiPadImages();
     void remove4InchImages();
     void removeiTunesArtwork();
+    void removeLanguages();
+    [[nodiscard]] std::string prunePatternForLanguages() const;
+    std::vector<platform::FoundPaths> findLanguageData(const std::vector<std::string>& codes);
+    void removeOwnLanguages();
+    void removeKeyboards();
+    void removeVoiceControlLanguages();
+    void quickDelLangAll(const std::vector<platform::FoundPaths>& found);
     void restore(const platform::FoundPaths& backups);
     void restoreItem(const platform::Item& backup, std::string_view path);
 
@@ -267,6 +281,7 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     std::vector<CustomFileRecord> _customFiles;
     std::vector<std::string> _fileTypes;
     LanguageNames _languagesToRemove;
+    std::vector<std::string> _languageRegexFileLines;
     bool _testMode = false;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;

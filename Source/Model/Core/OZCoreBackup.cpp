@@ -28,7 +28,8 @@ void OZCore::restore(const platform::FoundPaths& backups) {
 
 void OZCore::restoreItem(const platform::Item& backup, std::string_view path) {
     const auto attributes = backup.attributes();
-    const std::string_view oldName = backup.name().substr(0, backup.name().size() - backupExtension.size());
+    std::string oldName(backup.name());
+    oldName.resize(oldName.size() - backupExtension.size());
     // A file that somebody has named like the extension alone is nobody's backup.
     if (!attributes || oldName.empty()) {
         return;

@@ -1,3 +1,4 @@
+#include "Categories/NSStringAdditions.h"
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCoreRun.h"
@@ -17,7 +18,7 @@ std::vector<std::string> excludedFolderNames(const OZAppList& appList) {
     std::vector<std::string> names;
     for (const auto& path : appList.pathsForExcludedApps(OZExclusionMask::cleanup, OZAppTypeMask::user)) {
         if (const auto name = platform::lastPathComponent(path); !name.empty()) {
-            names.emplace_back(name);
+            names.push_back(stringByEscapingForRegex(name));
         }
     }
     return names;
@@ -56,7 +57,7 @@ void OZCore::cleanFileTypes(const Run& run) {
     quickDel(find(arguments));
 }
 
-// Folders that the search passes by. Their names go into the patterns as they are.
+// Folders that the search passes by.
 std::vector<std::string> OZCore::prunePatterns(const Run& run) const {
     std::vector<std::string> patterns;
     if (run.isOn(cleanupstep::applications)) {

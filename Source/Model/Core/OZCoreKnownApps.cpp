@@ -185,14 +185,14 @@ void forgetBoxUploads(const Target& target) {
     if (keys == nullptr) {
         return;
     }
-    size_t forgotten = 0;
     for (const char* key : {"jobCollectionRepositoryLastSchemaNb", "jobRepositoryLastSchemaNb",
                             "jobTaskRepositoryLastSchemaNb"}) {
-        forgotten += keys->erase(key);
+        keys->erase(key);
     }
     const auto format = bytes->starts_with("bplist") ? PropertyListFormat::binary : PropertyListFormat::xml;
-    if (forgotten > 0 &&
-        !target.core.writeContents(path, platform::serializePropertyList(*preferences, format))) {
+    // Written even if nothing is forgotten: owner and mode are then those of a new file, never of another
+    // name's.
+    if (!target.core.writeContents(path, platform::serializePropertyList(*preferences, format))) {
         return;
     }
     std::ignore = target.core.setPermissionsOfItemAtPath(path, ownerOnly);

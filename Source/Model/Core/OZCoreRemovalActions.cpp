@@ -32,6 +32,15 @@ bool OZCore::performRemoval(OZAction action) {
     case OZAction::removeiTunesArtwork:
         removeiTunesArtwork();
         return true;
+    case OZAction::removeLanguages:
+        removeLanguages();
+        return true;
+    case OZAction::removeKeyboards:
+        removeKeyboards();
+        return true;
+    case OZAction::removeVoiceControlLanguages:
+        removeVoiceControlLanguages();
+        return true;
     default:
         return false;
     }

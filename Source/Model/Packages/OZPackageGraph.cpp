@@ -81,13 +81,38 @@ Fields readFields(std::string_view record) {
     return fields;
 }
 
-/// Calls the visitor with the names in a list such as "libfoo (>= 1.0), bar | baz": all three of them.
+/// What a byte is in a list of packages.
+enum class Kind : uint8_t { plain, separator, blank, foreign };
+
+constexpr auto kinds = [] {
+    std::array<Kind, 256> table{};
+    std::fill(table.begin() + 0x80, table.end(), Kind::foreign);
+    table[','] = table['|'] = Kind::separator;
+    table[' '] = table['\t'] = Kind::blank;
+    return table;
+}();
+
+Kind kindOf(char byte) {
+    return kinds[static_cast<unsigned char>(byte)];
+}
+
+/// Calls the visitor with the names in a list such as "libfoo (>= 1.0), bar | baz": all three of them. Each
+/// byte is looked at once, since lists are most of the answer.
 template <class Visitor>
 void visitNames(std::string_view list, Visitor visitor) {
-    while (!list.empty()) {
-        const std::string_view part = list.substr(0, list.find_first_of(",|"));
-        list.remove_prefix(std::min(part.size() + 1, list.size()));
-        const std::string_view name = upToAnyOf(trimmed(part), sets().blanks);
+    const char* next = list.data();
+    const char* const end = next + list.size();
+    while (next != end) {
+        const char* const part = next = std::find_if(next, end, [](char byte) {
+            return kindOf(byte) == Kind::plain || kindOf(byte) == Kind::foreign;
+        });
+        next = std::find_if(next, end, [](char byte) { return kindOf(byte) != Kind::plain; });
+        std::string_view name(part, next);
+        const bool mayHoldBlanks = next != end && kindOf(*next) == Kind::foreign;
+        next = std::find_if(next, end, [](char byte) { return kindOf(byte) == Kind::separator; });
+        if (mayHoldBlanks) {
+            name = upToAnyOf(trimmed({part, next}), sets().blanks);
+        }
         if (!name.empty()) {
             visitor(name);
         }
@@ -140,10 +165,12 @@ void OZPackageGraph::readRecord(platform::Device& device, std::string_view text,
     const size_t index = indexOfPackage(device, fields[package]);
     _packages[index].setName(textOf(fields[name]));
     _packages[index].setIconURL(textOf(fields[icon]));
-    remembered.resize(_packages.size());
-    // Of two records of one package, one without dependencies leaves those of the other.
-    if (hasNames(fields[preDepends]) || hasNames(fields[depends])) {
-        remembered[index] = {.preDepends = fields[preDepends], .depends = fields[depends]};
+    const Dependencies told{.preDepends = fields[preDepends], .depends = fields[depends]};
+    if (index == remembered.size()) {
+        remembered.push_back(told);
+    } else if (hasNames(told.preDepends) || hasNames(told.depends)) {
+        // Of two records of one package, one without dependencies leaves those of the other.
+        remembered[index] = told;
     }
 }
 

@@ -1,5 +1,6 @@
 #include "Model/Services/OZLocalizationManager.h"
 
+#include "Categories/NSStringFolding.h"
 #include "Platform/Bundle.h"
 #include "Platform/Device.h"
 
@@ -29,10 +30,6 @@ platform::Dictionary globalPreferences(platform::FileManager fileManager) {
     auto list = bytes ? platform::parsePropertyList(*bytes) : platform::Value();
     auto* preferences = list ? list->as<platform::Dictionary>() : nullptr;
     return preferences == nullptr ? platform::Dictionary() : std::move(*preferences);
-}
-
-bool precedesWithoutCase(const std::string& left, const std::string& right) {
-    return icu::UnicodeString::fromUTF8(left).caseCompare(icu::UnicodeString::fromUTF8(right), 0) < 0;
 }
 
 } // namespace
@@ -69,7 +66,7 @@ void OZLocalizationManager::findLanguages() {
             _languageNames.push_back(name);
         }
     }
-    std::ranges::sort(_languageNames, precedesWithoutCase);
+    std::ranges::sort(_languageNames, {}, caseFoldedString);
 }
 
 std::string OZLocalizationManager::localizedStringForKey(std::string_view key) const {

@@ -1,8 +1,105 @@
 #include "Model/Services/OZStdIO.h"
 
-#include <cstdio>
+#include "Categories/NSStringAdditions.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+#include <tuple>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+// Whether a failed read says nothing about the next one.
+bool mayReadAgain(int error) {
+    if (std::feof(stdin) != 0 || (error != EINTR && error != EAGAIN)) {
+        return false;
+    }
+    if (error == EAGAIN) {
+        // Another program has set the terminal to return at once.
+        pollfd input{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0};
+        std::ignore = ::poll(&input, 1, -1);
+    }
+    std::clearerr(stdin);
+    return true;
+}
+
+std::optional<std::string> readLine() {
+    char* buffer = nullptr;
+    size_t capacity = 0;
+    ssize_t length = 0;
+    do {
+        errno = 0;
+        length = ::getline(&buffer, &capacity, stdin);
+    } while (length < 0 && mayReadAgain(errno));
+    const std::unique_ptr<char, void (*)(void*)> owner(buffer, std::free);
+    return length < 0 ? std::nullopt : std::optional(std::string(buffer, static_cast<size_t>(length)));
+}
+
+bool isASCII(std::string_view text) {
+    return std::ranges::all_of(text,
+                               [](char character) { return static_cast<unsigned char>(character) < 0x80; });
+}
+
+std::optional<int64_t> integerFrom(std::string_view text) {
+    if (text.starts_with('+') && !text.starts_with("+-")) {
+        text.remove_prefix(1);
+    }
+    int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (end != text.data() + text.size() || error == std::errc::invalid_argument) {
+        return std::nullopt;
+    }
+    if (error == std::errc::result_out_of_range) {
+        using Limits = std::numeric_limits<int64_t>;
+        return text.starts_with('-') ? Limits::min() : Limits::max();
+    }
+    return number;
+}
+
+} // namespace
+
+void OZStdIO::clear() {
+    printf("\033[H\033[J");
+}
+
+void OZStdIO::flushStdOut() {
+    std::fflush(stdout);
+}
 
 void OZStdIO::printf(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fflush(stdout);
+    fprintf(stdout, text);
+    flushStdOut();
+}
+
+void OZStdIO::fprintf(std::FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+std::optional<std::string> OZStdIO::getLine() {
+    while (const auto line = readLine()) {
+        if (isASCII(*line)) {
+            return std::string(stringByTrimmingCharactersInSet(*line, whitespaceAndNewlineCharacterSet()));
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<int64_t> OZStdIO::getInteger() {
+    while (const auto line = getLine()) {
+        if (const auto number = integerFrom(*line)) {
+            return number;
+        }
+    }
+    return std::nullopt;
+}
+
+void OZStdIO::pause() {
+    printf("\n\nPress [Enter] to continue . . . ");
+    std::ignore = getLine();
 }

@@ -155,3 +155,17 @@ TEST_F(KnownApps, PreferencesThatCannotBeReadStayAsTheyAre) {
     engine().cleanKnownApp("net.box.BoxNet");
     EXPECT_EQ(temporary.contents(preferences), "no property list");
 }
+
+TEST_F(KnownApps, PreferencesThatAreAnotherNameOfAFileLeaveThatFileAlone) {
+    addUserApp("net.box.BoxNet");
+    addFiles({"/Library/root.plist"},
+             platform::serializePropertyList(Dictionary{}, platform::PropertyListFormat::xml));
+    std::filesystem::create_directories(temporary.hostPath("/c/Library/Preferences"));
+    std::filesystem::create_hard_link(temporary.hostPath("/Library/root.plist"),
+                                      temporary.hostPath(preferences));
+    engine().cleanKnownApp("net.box.BoxNet");
+    struct stat status{};
+    ASSERT_EQ(::stat(temporary.hostPath("/Library/root.plist").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 0U);
+    EXPECT_EQ(status.st_nlink, 1U);
+}

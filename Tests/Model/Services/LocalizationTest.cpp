@@ -1,3 +1,4 @@
+#include "Model/Core/ProgramIdentity.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Bundle.h"
 #include "Platform/UserDefaults.h"
@@ -227,6 +228,14 @@ TEST(LanguageFiles, AreFoundFromTheDevicesThatNeedThem) {
         EXPECT_EQ(localization.manager.userLanguage(), expected) << language << " " << locale;
         EXPECT_EQ(localization.manager.localizedLanguageWithName(expected), nameInItself);
     }
+}
+
+TEST(LanguageFiles, StandBesideTheProgramsDescription) {
+    EXPECT_EQ(Bundle().bundleIdentifier(), programIdentifier);
+    EXPECT_THAT(Bundle().infoString("CFBundleShortVersionString"),
+                testing::Optional(testing::MatchesRegex("[0-9.]+")));
+    EXPECT_EQ(Bundle("/nowhere").bundleIdentifier(), "");
+    EXPECT_FALSE(Bundle().contentsOfResource("../ozvarine/Info.plist"));
 }
 
 // The words in a text that code replaces, in the order in which it does so.

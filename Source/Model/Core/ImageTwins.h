@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Platform/FileManager.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include <unicode/regex.h>
+
+/// Finds the twins of images: the same picture at another scale, beside the image and with another suffix.
+class ImageTwins {
+  public:
+    /// `suffixes` is a regular expression of the images' suffixes, compared without regard to case;
+    /// `twinsSuffix` is what stands in their place in a twin's name, empty for the lowest scale. The file
+    /// manager outlives the object.
+    ImageTwins(platform::FileManager& fileManager, std::string_view suffixes, std::string_view twinsSuffix);
+
+    /// The twins that are there, in the order of the images; one for each image, so that two images may give
+    /// the same twin. A folder with a suffix in its name is looked for under its twin's name, as an image is.
+    [[nodiscard]] platform::FoundPaths twinsOf(const platform::FoundPaths& images);
+
+  private:
+    using Names = std::unordered_set<std::string>;
+    /// By the folder's path below the top. Each is listed once, however many of its names are asked for.
+    using Listings = std::unordered_map<std::string, Names>;
+
+    [[nodiscard]] std::string twinPath(std::string_view path);
+    [[nodiscard]] bool exists(const std::string& path, const std::shared_ptr<const platform::Folder>& top,
+                              Listings& listings) const;
+    [[nodiscard]] Names namesIn(const std::string& folder,
+                                const std::shared_ptr<const platform::Folder>& top) const;
+
+    platform::FileManager& _fileManager;
+    UErrorCode _status = U_ZERO_ERROR;
+    icu::RegexMatcher _suffixes;
+    icu::UnicodeString _twinsSuffix;
+};

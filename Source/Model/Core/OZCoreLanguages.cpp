@@ -1,0 +1,236 @@
+// Which languages may go, and what goes with them.
+#include "Categories/NSStringAdditions.h"
+#include "Categories/NSStringFolding.h"
+#include "Model/Apps/OZAppList.h"
+#include "Model/Core/OZCore.h"
+#include "Model/Core/ProgramIdentity.h"
+#include "Model/Services/OZLocalizationManager.h"
+#include "Platform/Bundle.h"
+#include "Platform/Device.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+using platform::FoundPaths;
+
+namespace {
+
+constexpr std::string_view languageTable = "lang";
+constexpr std::string_view protectedLanguage = "English";
+constexpr std::string_view languageFileExtension = ".strings";
+constexpr std::string_view blanks = " \t";
+constexpr size_t codeLength = 2;
+constexpr double sinceCarrierBundles = 1047.2;
+
+const std::string sharedData = "/usr/share/";
+constexpr std::array<std::string_view, 2> languageDataFolders = {"mecabra", "tokenizer"};
+
+const std::string textInput = "/System/Library/TextInput/";
+const std::string linguisticData = "/System/Library/LinguisticData/";
+const std::string voiceServices = "/System/Library/PrivateFrameworks/VoiceServices.framework/";
+const std::string workoutVoices = "/System/Library/PrivateFrameworks/SportsWorkout.framework/voices/";
+
+std::vector<std::string> componentsSeparatedBy(std::string_view separators, std::string_view text) {
+    std::vector<std::string> components;
+    while (true) {
+        const size_t end = text.find_first_of(separators);
+        components.emplace_back(text.substr(0, end));
+        if (end == std::string_view::npos) {
+            return components;
+        }
+        text.remove_prefix(end + 1);
+    }
+}
+
+bool isASCII(std::string_view text) {
+    return std::ranges::all_of(text, [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+std::string nameOfLine(std::string_view line) {
+    return std::string(line.substr(0, line.find_first_of(blanks)));
+}
+
+bool isCode(std::string_view component) {
+    return component.size() == codeLength;
+}
+
+std::string upperCase(std::string code) {
+    std::ranges::transform(code, code.begin(), [](char letter) {
+        return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    });
+    return code;
+}
+
+// Chinese has a file for each script and region, but is one language.
+std::string languageOfFile(std::string_view fileName) {
+    constexpr std::string_view chinese = "Chinese";
+    fileName.remove_suffix(languageFileExtension.size());
+    return std::string(fileName.starts_with(chinese) ? chinese : fileName);
+}
+
+} // namespace
+
+const std::vector<std::string>& OZCore::languageRegexFileLines() {
+    if (_languageRegexFileLines.empty() && _localizationManager != nullptr) {
+        const auto text = _localizationManager->bundle().contentsOfResource(languageTable);
+        if (text && isASCII(*text)) {
+            _languageRegexFileLines = componentsSeparatedBy("\r\n", *text);
+            std::erase_if(_languageRegexFileLines, std::not_fn(isNotEmptyOrWhitespace));
+        }
+    }
+    return _languageRegexFileLines;
+}
+
+std::vector<std::string> OZCore::languageRegexComponentsShort(bool codesOnly) {
+    std::vector<std::string> components;
+    for (const auto& line : languageRegexFileLines()) {
+        if (!_languagesToRemove.contains(nameOfLine(line))) {
+            continue;
+        }
+        for (const auto& component : componentsSeparatedBy(blanks, line)) {
+            if (!component.empty() && (!codesOnly || isCode(component))) {
+                components.push_back(component);
+            }
+            // A code stands for its regional variants, too.
+            if (!codesOnly && isCode(component)) {
+                components.push_back(component + "[-_]..");
+            }
+        }
+    }
+    return components;
+}
+
+std::vector<std::string> OZCore::removableLanguages() {
+    std::vector<std::string> names;
+    std::ranges::transform(languageRegexFileLines(), std::back_inserter(names), nameOfLine);
+    const auto isInUse = [this](const std::string& name) {
+        return containsIgnoringCaseAndDiacritics(protectedLanguage, name) ||
+               containsIgnoringCaseAndDiacritics(_localizationManager->systemLanguage(), name) ||
+               containsIgnoringCaseAndDiacritics(_localizationManager->userLanguage().value_or(""), name);
+    };
+    std::erase_if(names, isInUse);
+    return names;
+}
+
+void OZCore::removeLanguages() {
+    auto components = languageRegexComponentsShort(false);
+    // Without an inventory nobody knows which applications are to be spared.
+    if (components.empty() || _appList == nullptr) {
+        return;
+    }
+    std::vector<std::string> arguments = {"/", "-regextype", "posix-extended"};
+    if (const auto prunePattern = prunePatternForLanguages(); !prunePattern.empty()) {
+        arguments.insert(arguments.end(), {"-regex", prunePattern, "-prune", "-o"});
+    }
+    arguments.insert(
+        arguments.end(),
+        {"-regex", fmt::format(R"(^.*({})\.lproj$)", fmt::join(components, "|")), "-type", "d", "-print"});
+    std::vector<FoundPaths> found = {find(arguments)};
+    std::erase_if(components, std::not_fn(isCode));
+    std::ranges::move(findLanguageData(components), std::back_inserter(found));
+    quickDelLangAll(found);
+    if (!_appList->isAppExcluded(programIdentifier, OZExclusionMask::languages)) {
+        removeOwnLanguages();
+    }
+}
+
+// What the search does not enter: carriers' settings, and the bundles and containers of excluded
+// applications.
+std::string OZCore::prunePatternForLanguages() const {
+    std::string pattern;
+    if (_device.facts().foundationVersion >= sinceCarrierBundles) {
+        pattern = "^/System/Library/Carrier Bundles$";
+    }
+    std::vector<std::string> names;
+    for (const auto& path : _appList->pathsForExcludedApps(OZExclusionMask::languages, OZAppTypeMask::all)) {
+        names.push_back(stringByEscapingForRegex(platform::lastPathComponent(path)));
+    }
+    if (!names.empty()) {
+        pattern += fmt::format("{}^.*/({})$", pattern.empty() ? "" : "|", fmt::join(names, "|"));
+    }
+    return pattern;
+}
+
+// With no code at all, the expression fits all folders, the ones that are searched as well. Those are then
+// named from their own parent, like any other item that is to go.
+std::vector<FoundPaths> OZCore::findLanguageData(const std::vector<std::string>& codes) {
+    Paths folders;
+    for (const auto name : languageDataFolders) {
+        folders.push_back(sharedData + std::string(name) + "/");
+    }
+    auto found = find(folders, {"-maxdepth", "1", "-regextype", "posix-extended", "-regex",
+                                fmt::format("^.*({})$", fmt::join(codes, "|")), "-type", "d", "-print"});
+    const auto parent = folderAtPath(sharedData);
+    if (!codes.empty() || !parent) {
+        return found;
+    }
+    for (auto& paths : found) {
+        const auto folder = paths.prefix.substr(sharedData.size());
+        for (auto& name : paths.names) {
+            name.insert(0, folder);
+        }
+        paths.names.insert(paths.names.begin(), folder.substr(0, folder.size() - 1));
+        paths.folder = *parent;
+        paths.prefix = sharedData;
+    }
+    return found;
+}
+
+// The files of a program that is installed on the device. Those of the running one lie on the host.
+void OZCore::removeOwnLanguages() {
+    const auto names = contentsOfDirectoryAtPath(programBundlePath);
+    if (!names) {
+        return;
+    }
+    Paths paths;
+    for (const auto& name : *names) {
+        if (name.ends_with(languageFileExtension) && _languagesToRemove.contains(languageOfFile(name))) {
+            paths.push_back(platform::joinPath(programBundlePath, name));
+        }
+    }
+    del(paths);
+}
+
+void OZCore::removeKeyboards() {
+    const auto components = languageRegexComponentsShort(false);
+    const auto codes = languageRegexComponentsShort(true);
+    const auto search = [this](const std::string& folder, const std::string& regex) {
+        return find({folder, "-maxdepth", "1", "-regextype", "posix-extended", "-regex", regex, "-type", "d",
+                     "-print"});
+    };
+    std::vector<FoundPaths> found;
+    if (!components.empty()) {
+        found.push_back(
+            search(textInput, fmt::format(R"(^.*TextInput_({})\.bundle$)", fmt::join(components, "|"))));
+    }
+    if (!components.empty() && !codes.empty()) {
+        found.push_back(
+            search(linguisticData, fmt::format(R"(^.*({}|RequiredAssets_({})\.bundle)$)",
+                                               fmt::join(codes, "|"), fmt::join(components, "|"))));
+    }
+    quickDelLangAll(found);
+}
+
+void OZCore::removeVoiceControlLanguages() {
+    auto codes = languageRegexComponentsShort(true);
+    if (codes.empty()) {
+        return;
+    }
+    quickDelLang(find({voiceServices + "TTSResources/", "-maxdepth", "1", "-regextype", "posix-extended",
+                       "-regex", fmt::format("^.*({})-..$", fmt::join(codes, "|")), "-type", "d", "-print"}));
+    quickDel(find({voiceServices + "RecognitionResources/Express/", "-regextype", "posix-extended", "-regex",
+                   fmt::format(R"(^.*({})-..\..*\.bin$)", fmt::join(codes, "|")), "-type", "f", "-print"}));
+    std::ranges::transform(codes, codes.begin(), upperCase);
+    quickDelLang(find({workoutVoices, "-mindepth", "2", "-maxdepth", "2", "-regextype", "posix-extended",
+                       "-regex", fmt::format("^.*({})..$", fmt::join(codes, "|")), "-type", "d", "-print"}));
+}
+
+void OZCore::quickDelLangAll(const std::vector<FoundPaths>& found) {
+    for (const auto& paths : found) {
+        quickDelLang(paths);
+    }
+}

@@ -1,0 +1,25 @@
+#include "Model/Items/Deletable/Dictionaries/OZDictionary.h"
+
+#include "Model/Items/Deletable/FileName.h"
+#include "Platform/Device.h"
+
+namespace {
+
+constexpr std::string_view markOfADictionary = "Contents/Info.plist";
+
+} // namespace
+
+std::shared_ptr<OZDictionary> OZDictionary::make(platform::Device& device, std::vector<std::string> paths,
+                                                 std::string identifier) {
+    const std::shared_ptr<OZDictionary> dictionary(
+        new OZDictionary(device, std::move(paths), std::move(identifier)));
+    if (!device.fileManager().fileExistsAtPath(platform::joinPath(dictionary->path(), markOfADictionary))) {
+        return nullptr;
+    }
+    dictionary->setTitle(nameWithoutExtension(dictionary->path()));
+    return dictionary;
+}
+
+std::shared_ptr<OZDictionary> OZDictionary::make(platform::Device& device, const std::string& path) {
+    return make(device, {path}, path);
+}
