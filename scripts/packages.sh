@@ -1,4 +1,4 @@
-# Sourced by ./run and ./check: what they need of Debian, installed where it is missing.
+# Sourced by ./run, ./check and ./bench: what they need of Debian, installed where it is missing.
 
 build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqlite3-dev libasio-dev libfmt-dev)
 # What the program itself calls on the host.
@@ -6,6 +6,8 @@ tool_packages=(findutils sed dpkg apt)
 test_packages=(libgtest-dev libgmock-dev sqlite3 zlib1g-dev)
 # For the fuzzers and for looking at threads.
 clang_packages=(clang-19 libclang-rt-19-dev)
+# What ./bench measures with, and what it measures against.
+bench_packages=(libbenchmark-dev python3 coreutils bleachbit)
 
 is_installed() {
     [ "$(dpkg-query -W -f='${Status}' "$1" 2>/dev/null)" = "install ok installed" ]
