@@ -4,6 +4,8 @@
 #include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Items/Deletable/Dictionaries/OZDictionaryList.h"
+#include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonList.h"
 #include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Model/Packages/OZPackageWorkspace.h"
@@ -86,6 +88,13 @@ OZDeviceActions& OZModelBuilder::deviceActions() {
     return *_deviceActions;
 }
 
+OZDictionaryList& OZModelBuilder::dictionaryList() {
+    if (!_dictionaryList) {
+        _dictionaryList = std::make_unique<OZDictionaryList>(_device);
+    }
+    return *_dictionaryList;
+}
+
 OZPackageWorkspace& OZModelBuilder::packageWorkspace() {
     if (!_packageWorkspace) {
         _packageWorkspace = std::make_unique<OZPackageWorkspace>(_device);
@@ -99,6 +108,19 @@ OZPluginLoader& OZModelBuilder::pluginLoader() {
         registerObject(standardUserDefaults(), *_pluginLoader);
     }
     return *_pluginLoader;
+}
+
+OZPreferenceFileList& OZModelBuilder::preferenceFileList() {
+    if (!_preferenceFileList) {
+        auto& installedApps = appList();
+        _preferenceFileList = std::make_unique<OZPreferenceFileList>(
+            _device, &installedApps,
+            [&workspace = packageWorkspace()](std::string_view identifier) -> std::optional<OZPackageLabel> {
+                const auto info = workspace.infoForPackageWithIdentifier(identifier);
+                return info ? std::optional(OZPackageLabel{info->name(), info->iconURL()}) : std::nullopt;
+            });
+    }
+    return *_preferenceFileList;
 }
 
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {

@@ -14,10 +14,12 @@ class OZCleanupLogger;
 class OZCore;
 class OZDaemonList;
 class OZDeviceActions;
+class OZDictionaryList;
 class OZFontsFolderMover;
 class OZLocalizationManager;
 class OZPackageWorkspace;
 class OZPluginLoader;
+class OZPreferenceFileList;
 class OZSystemRestore;
 
 /// Builds the model's objects, each when it is first asked for, so that a one-shot switch builds only what it
@@ -42,8 +44,10 @@ class OZModelBuilder {
     OZCore& core();
     OZDaemonList& daemonList();
     OZDeviceActions& deviceActions();
+    OZDictionaryList& dictionaryList();
     OZPackageWorkspace& packageWorkspace();
     OZPluginLoader& pluginLoader();
+    OZPreferenceFileList& preferenceFileList();
     [[nodiscard]] std::unique_ptr<OZCleanupLogger> cleanupLogger() const;
     [[nodiscard]] std::unique_ptr<OZFontsFolderMover> fontsFolderMover() const;
     [[nodiscard]] std::unique_ptr<OZSystemRestore> systemRestore();
@@ -60,6 +64,8 @@ class OZModelBuilder {
     std::unique_ptr<OZDaemonList> _daemonList;
     platform::Observation _daemonListLanguageChange;
     std::unique_ptr<OZDeviceActions> _deviceActions;
+    std::unique_ptr<OZDictionaryList> _dictionaryList;
     std::unique_ptr<OZPackageWorkspace> _packageWorkspace;
     std::unique_ptr<OZPluginLoader> _pluginLoader;
+    std::unique_ptr<OZPreferenceFileList> _preferenceFileList;
 };
