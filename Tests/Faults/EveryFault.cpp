@@ -15,6 +15,7 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
 namespace fs = std::filesystem;
 
@@ -56,6 +57,9 @@ void strike(const Trial& trial, const Fault& fault) {
     } catch (const std::bad_alloc&) {
         // The caller's to deal with; what counts is what it leaves behind.
         EXPECT_EQ(fault.call, allocation);
+    }
+    // A tool that could not be waited for may still be at work.
+    while (::waitpid(-1, nullptr, 0) > 0) {
     }
     trial.judge();
     if (fault.error == EINTR && restartable.contains(fault.call) && trial.judgeWithoutFault) {

@@ -138,15 +138,19 @@ Result<std::string> OZPackageFileList::serialize() const {
             text += '\n';
         }
     }
-    const MarkedEncoding* const marked = markedEncoding(encoding);
-    if (text.empty() || marked == nullptr) {
-        // Blank lines that stood before such a path are gone, and it would be taken for a mark.
-        return encodingMarkedIn(text) == nullptr ? Result<std::string>(std::move(text))
-                                                 : platform::failure(EILSEQ);
+    if (text.empty()) {
+        return text;
     }
-    auto encoded = marked->name == nullptr ? text : converted(text, "UTF-8", marked->name);
-    if (encoded) {
+    const MarkedEncoding* const marked = markedEncoding(encoding);
+    auto encoded = marked == nullptr || marked->name == nullptr ? Result<std::string>(std::move(text))
+                                                                : converted(text, "UTF-8", marked->name);
+    if (encoded && marked != nullptr) {
         encoded->insert(0, marked->mark);
+    }
+    // Blank lines that stood before the first path are gone, and with what it begins with it could read as
+    // another encoding's mark.
+    if (encoded && encodingMarkedIn(*encoded) != marked) {
+        return platform::failure(EILSEQ);
     }
     return encoded;
 }

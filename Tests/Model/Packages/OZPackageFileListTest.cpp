@@ -91,7 +91,7 @@ TEST_F(PackageFileList, AnEditKeepsEncodingDateAndMode) {
 TEST_F(PackageFileList, WhatCannotBeReadOrWouldBeEmptyStaysAsItIs) {
     for (const std::string& bytes :
          {""s, "/only\n"s, "\n/only"s, "\xFF\xFE/"s, "\xFE\xFF\xD8\x00"s, "\xEF\xBB\xBF/\xE9\n"s,
-          "\n\xFE\xFF\0/\0.\0\n"s, "\n\xEF\xBB\xBF/.\n"s}) {
+          "\n\xFE\xFF\0/\0.\0\n"s, "\n\xEF\xBB\xBF/.\n"s, "\xFF\xFE\n\0\0\0/\0\n\0"s}) {
         setList(bytes);
         EXPECT_FALSE(package.removeFilePath("/only"));
         EXPECT_EQ(list(), bytes);
