@@ -30,6 +30,8 @@ class Tool {
     /// those of the device's root and current directory; they are duplicated, not kept.
     [[nodiscard]] Command command(const std::vector<std::string>& arguments, int root,
                                   int currentDirectory) const;
+    /// Whether it is a program of the device folder, not one of the host.
+    [[nodiscard]] bool isStandIn() const { return _kind == Kind::standIn; }
 
   private:
     friend class ToolTable;

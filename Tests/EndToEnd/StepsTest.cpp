@@ -139,7 +139,8 @@ class DemoDevice {
         }
     }
 
-    Outcome cleanOnly(std::string_view step, int number, const platform::Dictionary& choices = {}) {
+    Outcome cleanOnly(std::string_view step, int number, const platform::Dictionary& choices = {},
+                      std::vector<std::string> options = {}) {
         platform::Dictionary settings;
         for (const auto key : allSteps) {
             settings[std::string(key)] = key == step ? number : 0;
@@ -150,7 +151,8 @@ class DemoDevice {
                       std::ios::binary)
             << platform::serializePropertyList(stored, platform::PropertyListFormat::xml);
         before = tests::snapshotOf(root());
-        auto outcome = runProgram("ozvarine", {"--device", folder.path("device"), "-clean", "-printresults"});
+        options.insert(options.end(), {"--device", folder.path("device"), "-clean", "-printresults"});
+        auto outcome = runProgram("ozvarine", options);
         after = tests::snapshotOf(root());
         return outcome;
     }
@@ -168,7 +170,7 @@ class DemoDevice {
     [[nodiscard]] std::vector<std::string> changes() const {
         auto lines = tests::differences(before, after);
         std::erase_if(lines, [](const std::string& line) {
-            return line.starts_with("gone ") || line.starts_with("new private/var/mobile/Library/Ozvarine");
+            return line.starts_with("gone ") || line.contains(" private/var/mobile/Library/Ozvarine");
         });
         return lines;
     }
@@ -278,6 +280,9 @@ TEST(PackageStepAlone, DependenciesRemovesTheUnusedPackageWithTheDevicesOwnPacka
     }
     ASSERT_FALSE(host.front().empty());
     DemoDevice device;
+    device.cleanOnly("DEPENDENCIES", 1, {}, {"--dry-run"});
+    EXPECT_THAT(device.gone(), IsEmpty()) << "a dry run only shows the plan";
+    EXPECT_THAT(device.changes(), IsEmpty()) << "a dry run only shows the plan";
     const auto outcome = device.cleanOnly("DEPENDENCIES", 1);
     EXPECT_EQ(outcome.errors, "");
     EXPECT_EQ(deletedCount(outcome.output), 0);

@@ -147,7 +147,10 @@ void GeneratedTree::makeSkeleton() {
         fs::create_directories(path.parent_path(), error);
         if (chance(3) && !fs::exists(path)) {
             fs::create_directories(hostPath("/private/elsewhere"));
-            fs::create_directory_symlink("/private/elsewhere", path, error);
+            // Relative, so that what is put into it stays in the tree.
+            const auto target =
+                fs::path("/private/elsewhere").lexically_relative(fs::path(place).parent_path());
+            fs::create_directory_symlink(target, path, error);
             _folders.emplace_back("/private/elsewhere");
         } else {
             fs::create_directories(path, error);
@@ -161,7 +164,8 @@ void GeneratedTree::makeMessages() {
     if (chance(50)) {
         return;
     }
-    fs::create_directories(hostPath("/private/var/mobile/Library/SMS/Attachments/known"));
+    std::error_code error;
+    fs::create_directories(hostPath("/private/var/mobile/Library/SMS/Attachments/known"), error);
     _folders.emplace_back("/private/var/mobile/Library/SMS/Attachments/known");
     sqlite3* database = nullptr;
     sqlite3_open(hostPath("/private/var/mobile/Library/SMS/sms.db").c_str(), &database);

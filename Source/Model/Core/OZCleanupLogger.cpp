@@ -3,6 +3,8 @@
 #include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
 
+#include <limits>
+#include <optional>
 #include <string>
 
 #include <fmt/format.h>
@@ -20,6 +22,19 @@ std::string escapedForSed(std::string_view text) {
         escaped += character;
     }
     return escaped;
+}
+
+// Where a line begins; the end of a text that ends right before it, none in a shorter text.
+std::optional<size_t> startOfLine(std::string_view text, unsigned long line) {
+    size_t start = 0;
+    for (unsigned long number = 1; number < line; ++number) {
+        start = text.find('\n', start);
+        if (start == std::string_view::npos) {
+            return std::nullopt;
+        }
+        ++start;
+    }
+    return start;
 }
 
 } // namespace
@@ -92,12 +107,28 @@ void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
     if (!sed) {
         return;
     }
+    closeLogFile();
+    const auto tool = _device.tools().toolAt(*sed);
+    if (tool && !tool->isStandIn()) {
+        insertAtLine(text, line);
+        return;
+    }
     const std::string escaped = escapedForSed(text);
     std::string script = fmt::format("{}i\\\n{}", line, escaped);
     if (line > 1) {
         // A file that ends right before the line has no line to insert before.
         script += fmt::format("\n{}{{\n$a\\\n{}\n}}", line - 1, escaped);
     }
-    closeLogFile();
     OZTask::launchSyncTask(_device, *sed, {"-i", script, std::string(logFilePath)}, true);
+}
+
+// The host's tool would find the log by its path, and its folder belongs to an ordinary user, who could lead the
+// tool to other people's files of that name.
+void OZCleanupLogger::insertAtLine(std::string_view text, unsigned long line) {
+    auto content = _fileManager.contentsAtPath(logFilePath, std::numeric_limits<uint64_t>::max());
+    const auto start = content ? startOfLine(*content, line) : std::nullopt;
+    if (start) {
+        content->insert(*start, std::string(text).append("\n"));
+        std::ignore = _fileManager.writeContents(logFilePath, *content);
+    }
 }

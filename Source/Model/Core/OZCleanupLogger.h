@@ -28,12 +28,14 @@ class OZCleanupLogger {
     /// The text and a blank line.
     void logWithSpacer(std::string_view text);
     /// Puts the text before a line of the closed file (the first is 1), or behind its last line where that is the
-    /// one before. Needs the device's "sed".
+    /// one before. Nothing without a "sed" on the device; one that
+    /// the device folder brings does the work.
     void logAtLine(std::string_view text, unsigned long line);
 
   private:
     void makeLogFolder();
     void createLogFile();
+    void insertAtLine(std::string_view text, unsigned long line);
 
     platform::Device& _device;
     platform::FileManager _fileManager;

@@ -46,7 +46,9 @@ size_t seedCount() {
 
 // What a run may write beside what its steps remove: its log, and one preference file that it edits.
 bool isRunsOwn(std::string_view path) {
+    // The library may be a link to the folder elsewhere.
     return path.starts_with("private/var/mobile/Library/Ozvarine") ||
+           path.starts_with("private/elsewhere/Ozvarine") ||
            path.ends_with("/Library/Preferences/net.box.BoxNet.plist");
 }
 
@@ -170,13 +172,15 @@ class Specimen {
 
     // What the rules let a cleanup take although an analysis does not name it.
     [[nodiscard]] bool goesUnnamed(const std::string& path) const {
+        // Any rule's folder may be a link to the folder elsewhere.
+        const bool isElsewhere = path.starts_with("private/elsewhere/");
         // Links of crash reports, uncounted.
         if (_before.at(path).isLink()) {
-            return path.starts_with("private/var/mobile/Library/Logs/CrashReporter/");
+            return isElsewhere || path.starts_with("private/var/mobile/Library/Logs/CrashReporter/");
         }
         // Folders of attachments that only the cleanup itself empties.
         if (_before.at(path).isFolder()) {
-            return path.starts_with("private/var/mobile/Library/SMS/");
+            return isElsewhere || path.starts_with("private/var/mobile/Library/SMS/");
         }
         // Files by type where an analysis looks no second time.
         static const std::regex prunedByAnalysis(
