@@ -117,6 +117,9 @@ class FileManager {
   private:
     explicit FileManager(std::shared_ptr<DeviceRoot> root);
 
+    Result<void> replaceContents(std::string_view path, std::string_view bytes,
+                                 const std::optional<FileOwnership>& ownership);
+
     bool knowsLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const;
     Result<std::shared_ptr<const Folder>> keepLastFolder(std::shared_ptr<const Folder> base,
                                                          std::string_view path, uint64_t generation,

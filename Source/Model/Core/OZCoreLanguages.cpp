@@ -1,5 +1,6 @@
 // Which languages may go, and what goes with them.
 #include "Categories/NSStringFolding.h"
+#include "Categories/NSStringAdditions.h"
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/LanguageTable.h"
 #include "Model/Core/OZCore.h"
