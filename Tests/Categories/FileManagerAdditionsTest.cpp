@@ -53,13 +53,13 @@ TEST(FileManagerAdditions, OwnersAreTheDevicesOwnAccounts) {
         GTEST_SKIP() << "needs root to give files away";
     }
     Tree tree;
-    tree.folder.make("etc/group: wheel:*:0:root\nstaff:*:20:root");
-    tree.folder.make("etc/master: x");
+    tree.folder.make("etc/group: staff:*:20:root");
     ASSERT_TRUE(setOwnerOfItemAtPath(tree.manager, "/full/one", "mobile", "wheel"));
     EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->owner, 501);
     EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->group, 0);
-    ASSERT_TRUE(setOwnerOfItemAtPath(tree.manager, "/full/one", std::nullopt, "mobile"));
-    EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->group, 501);
+    ASSERT_TRUE(setOwnerOfItemAtPath(tree.manager, "/full/one", std::nullopt, "staff"));
+    EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->owner, 501);
+    EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->group, 20);
     EXPECT_FALSE(setOwnerOfItemAtPath(tree.manager, "/full/one", "stranger", "wheel"));
-    EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->group, 501);
+    EXPECT_EQ(tree.manager.attributesOfItemAtPath("/full/one")->group, 20);
 }

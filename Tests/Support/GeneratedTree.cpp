@@ -335,12 +335,18 @@ bool GeneratedTree::isImmutable(std::string_view path) const {
     const auto isBelow = [](std::string_view inner, std::string_view outer) {
         return inner == outer || (inner.starts_with(outer) && inner[outer.size()] == '/');
     };
+    const fs::path asked = fs::path(_root) / path;
+    std::error_code error;
     for (const auto& item : _immutable) {
-        // Other names of an immutable file are immutable, too.
-        std::error_code error;
-        if (isBelow(path, item) || isBelow(item, path) ||
-            fs::equivalent(_root + "/" + item, _root + "/" + std::string(path), error)) {
+        if (isBelow(path, item) || isBelow(item, path)) {
             return true;
+        }
+        // Other names of an immutable file are immutable, too, and a folder around it may have been named by way of a
+        // link.
+        for (fs::path around = fs::path(_root) / item; around != _root; around = around.parent_path()) {
+            if (!fs::is_symlink(asked, error) && fs::equivalent(around, asked, error)) {
+                return true;
+            }
         }
     }
     return false;
