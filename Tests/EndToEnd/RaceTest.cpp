@@ -33,8 +33,8 @@ constexpr uid_t otherUser = 12345;
 
 // The adversary's own folders: an operand, one on the way to an operand, the log's, a language's.
 constexpr const char* attackedFolders[] = {
-    "/private/var/tmp/work",
-    "/private/var/tmp/work/sub",
+    "/private/var/tmp/busy",
+    "/private/var/tmp/busy/sub",
     "/private/var/mobile/Library/Caches/ImageCache",
     "/private/var/mobile/Library/Caches/Snapshots",
     "/private/var/mobile/Library/Keyboard",
@@ -60,7 +60,7 @@ void writeFile(const std::string& path, std::string_view content, uid_t owner) {
 // Holds every name that the attacked folders have. What searches of the whole tree take by its name is there
 // as another kind of item, which they pass by.
 void makeCanary(const std::string& folder, uid_t owner) {
-    for (const auto* below : {"", "/sub", "/App", "/Caches", "/work/sub"}) {
+    for (const auto* below : {"", "/sub", "/App", "/Caches", "/busy/sub"}) {
         fs::create_directories(folder + below + "/a.log");
         for (const auto* name : {"/f0", "/f1", "/f2", "/junk.txt", "/a.log/f0", "/fr.lproj"}) {
             writeFile(folder + below + name, "precious", owner);

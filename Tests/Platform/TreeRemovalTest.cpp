@@ -47,6 +47,15 @@ void makeSocket(const std::string& path) {
     ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
 }
 
+// Time, not a number of attempts: a quick adversary may keep a folder alive for many of them.
+class Patience {
+  public:
+    [[nodiscard]] bool isLeft() const { return std::chrono::steady_clock::now() < _end; }
+
+  private:
+    std::chrono::steady_clock::time_point _end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+};
+
 } // namespace
 
 class TreeRemovalTest : public FileManagerFixture {
@@ -117,16 +126,16 @@ TEST_P(TreeRemovalTest, GoesOnPastWhatCannotBeRemoved) {
 }
 
 TEST_P(TreeRemovalTest, FoundPathsSurviveFoldersSwappedForLinks) {
-    make("keep/canary: alive\nkeep/deep/canary: alive\nkeep/foreign: x\nwork/target/canary: x\nwork/decoy -> "
+    make("keep/canary: alive\nkeep/deep/canary: alive\nkeep/foreign: x\nbusy/target/canary: x\nbusy/decoy -> "
          "/keep");
     const Descriptor target(
-        ::open(host.path("root/work/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const Swapper swapper(host.path("root/work/target"), host.path("root/work/decoy"));
+        ::open(host.path("root/busy/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Swapper swapper(host.path("root/busy/target"), host.path("root/busy/decoy"));
     size_t removed = 0;
     repeatedly([&] {
         const Descriptor again(::openat(target.get(), "canary", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
-        FoundPaths found{.folder = *files->folderAtPath("/work"), .prefix = "/work/", .names = {}};
-        const auto walk = files->enumeratorAtPath("/work");
+        FoundPaths found{.folder = *files->folderAtPath("/busy"), .prefix = "/busy/", .names = {}};
+        const auto walk = files->enumeratorAtPath("/busy");
         while (const auto entry = walk->nextObject()) {
             EXPECT_FALSE(entry->ends_with("/foreign")) << "walked through a link";
             if (entry->ends_with("/canary")) {
@@ -144,21 +153,21 @@ TEST_P(TreeRemovalTest, FoundPathsSurviveFoldersSwappedForLinks) {
 }
 
 TEST_P(TreeRemovalTest, PlainPathsSurviveFoldersSwappedForLinksOfUsers) {
-    make("keep/canary: alive\nkeep/deep/canary: alive\nwork/target/canary: x\nwork/decoy -> /keep\nwork/out "
+    make("keep/canary: alive\nkeep/deep/canary: alive\nbusy/target/canary: x\nbusy/decoy -> /keep\nbusy/out "
          "-> " +
          host.path("outside"));
-    if (!giveToUser("/work/decoy", 501) || !giveToUser("/work/target", 501)) {
+    if (!giveToUser("/busy/decoy", 501) || !giveToUser("/busy/target", 501)) {
         GTEST_SKIP() << "needs the right to give links away";
     }
     const Descriptor target(
-        ::open(host.path("root/work/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    const Swapper swapper(host.path("root/work/target"), host.path("root/work/decoy"));
-    const Swapper outside(host.path("root/work/target"), host.path("root/work/out"));
+        ::open(host.path("root/busy/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Swapper swapper(host.path("root/busy/target"), host.path("root/busy/decoy"));
+    const Swapper outside(host.path("root/busy/target"), host.path("root/busy/out"));
     size_t removed = 0;
     repeatedly([&] {
         const Descriptor again(::openat(target.get(), "canary", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
-        for (const char* path : {"/work/target/canary", "/work/decoy/canary", "/work/target/../target/canary",
-                                 "/work/target/deep/canary", "/work/out/canary"}) {
+        for (const char* path : {"/busy/target/canary", "/busy/decoy/canary", "/busy/target/../target/canary",
+                                 "/busy/target/deep/canary", "/busy/out/canary"}) {
             removed += files->removeItemAtPath(path) ? 1 : 0;
         }
     });
@@ -172,7 +181,7 @@ TEST_P(TreeRemovalTest, RemovalSurvivesInnerFoldersSwappedForLinks) {
         make("staging/in/deep/canary: x\nstaging/in/canary: x\nstaging/decoy -> /keep");
         ASSERT_TRUE(files->moveItemAtPath("/staging", "/target"));
         // What a swap kept alive goes the next time.
-        for (int attempt = 0; attempt < 100 && exists("/target"); ++attempt) {
+        for (const Patience patience; exists("/target") && patience.isLeft();) {
             std::ignore = files->removeItemAtPath("/target");
         }
         ASSERT_FALSE(exists("/target"));
@@ -194,7 +203,7 @@ TEST_P(TreeRemovalTest, FolderMovedAwayLeadsNoRemovalToItsNewNeighbours) {
         }
         makeDeepFolders((*files->folderAtPath("/staging"))->descriptor(), 60);
         ASSERT_TRUE(files->moveItemAtPath("/staging", "/target"));
-        for (int attempt = 0; attempt < 100 && exists("/target"); ++attempt) {
+        for (const Patience patience; exists("/target") && patience.isLeft();) {
             std::ignore = files->removeItemAtPath("/target");
         }
         for (const char name : siblings) {
