@@ -1,8 +1,9 @@
 // Runs a command and tells what it took: measure COUNT COMMAND [ARGUMENT…] writes to standard error a line of
-// the seconds on the clock and the largest memory of any of its processes in KiB. COUNT runs follow one another.
+// the seconds on the clock and the largest memory of any of its processes in KiB. COUNT runs follow one
+// another.
 //
-// It is a program of its own, since a process starts with the peak memory of the one that started it: this one
-// is small.
+// It is a program of its own, since a process starts with the peak memory of the one that started it: this
+// one is small.
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -18,7 +19,8 @@ namespace {
 
 long peakOfRun(char** command) {
     pid_t child = 0;
-    if (const int error = ::posix_spawnp(&child, command[0], nullptr, nullptr, command, environ); error != 0) {
+    if (const int error = ::posix_spawnp(&child, command[0], nullptr, nullptr, command, environ);
+        error != 0) {
         std::fprintf(stderr, "measure: %s: %s\n", command[0], std::strerror(error));
         std::exit(EXIT_FAILURE);
     }

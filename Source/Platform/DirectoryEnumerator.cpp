@@ -7,7 +7,7 @@
 namespace platform {
 
 DirectoryEnumerator::DirectoryEnumerator(Descriptor folder) {
-    _levels.push_back({.descriptor = std::move(folder)});
+    _levels.push_back({.folder = std::make_shared<const Folder>(std::move(folder))});
 }
 
 std::optional<std::string_view> DirectoryEnumerator::nextObject() {
@@ -35,8 +35,8 @@ Result<FileAttributes> DirectoryEnumerator::fileAttributes() const {
         return failure(ENOENT);
     }
     struct stat status{};
-    if (::fstatat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, &status, AT_SYMLINK_NOFOLLOW) <
-        0) {
+    if (::fstatat(_levels.back().folder->descriptor(), _path.c_str() + _nameStart, &status,
+                  AT_SYMLINK_NOFOLLOW) < 0) {
         return lastError();
     }
     return FileAttributes::from(status);
@@ -44,13 +44,15 @@ Result<FileAttributes> DirectoryEnumerator::fileAttributes() const {
 
 void DirectoryEnumerator::enterLastEntry() {
     _descend = false;
-    Descriptor folder(::openat(_levels.back().descriptor.get(), _path.c_str() + _nameStart, readFolderFlags));
+    Descriptor folder(
+        ::openat(_levels.back().folder->descriptor(), _path.c_str() + _nameStart, readFolderFlags));
     if (!folder) {
         ++_unreadFolders;
         return;
     }
-    Level level{
-        .descriptor = std::move(folder), .buffer = std::move(_spareBuffer), .pathLength = _path.size()};
+    Level level{.folder = std::make_shared<const Folder>(std::move(folder)),
+                .buffer = std::move(_spareBuffer),
+                .pathLength = _path.size()};
     _spareBuffer = {};
     _levels.push_back(std::move(level));
     if (_levels.size() > openLevels) {
@@ -88,7 +90,7 @@ bool DirectoryEnumerator::fill(Level& level) {
         return false;
     }
     level.buffer.resize(directoryBufferSize);
-    const ssize_t filled = ::getdents64(level.descriptor.get(), level.buffer.data(), level.buffer.size());
+    const ssize_t filled = ::getdents64(level.folder->descriptor(), level.buffer.data(), level.buffer.size());
     _unreadFolders += filled < 0 ? 1 : 0;
     level.position = 0;
     level.filled = filled > 0 ? static_cast<size_t>(filled) : 0;
@@ -97,7 +99,7 @@ bool DirectoryEnumerator::fill(Level& level) {
 
 void DirectoryEnumerator::giveUpDescriptor(Level& level) {
     struct stat status{};
-    if (!level.descriptor || ::fstat(level.descriptor.get(), &status) < 0) {
+    if (!level.folder || ::fstat(level.folder->descriptor(), &status) < 0) {
         return;
     }
     while (level.position < level.filled || fill(level)) {
@@ -112,22 +114,24 @@ void DirectoryEnumerator::giveUpDescriptor(Level& level) {
     level.identity = FolderIdentity::of(status);
     level.buffer = {};
     level.position = level.filled = 0;
-    level.descriptor.reset();
+    level.folder.reset();
 }
 
 void DirectoryEnumerator::leaveLevel() {
     Level left = std::move(_levels.back());
     _levels.pop_back();
     _spareBuffer = std::move(left.buffer);
-    if (_levels.empty() || _levels.back().descriptor) {
+    if (_levels.empty() || _levels.back().folder) {
         return;
     }
     Level& outer = _levels.back();
-    outer.descriptor = outer.identity.openAbove(left.descriptor.get());
-    if (!outer.descriptor) {
+    Descriptor found = outer.identity.openAbove(left.folder->descriptor());
+    if (!found) {
         ++_unreadFolders;
         _levels.clear();
+        return;
     }
+    outer.folder = std::make_shared<const Folder>(std::move(found));
 }
 
 } // namespace platform

@@ -6,6 +6,7 @@
 #include "Platform/Folder.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,12 +31,16 @@ class DirectoryEnumerator {
     /// How many folders, so far, could not be read to their end. Each belongs to the entry that `nextObject`
     /// gave last before it, or is above it.
     [[nodiscard]] size_t unreadFolders() const { return _unreadFolders; }
+    /// The same entry as an item, which outlives the walk and keeps a descriptor of its folder open.
+    [[nodiscard]] Item item() const {
+        return {_levels.back().folder, std::string_view(_path).substr(_nameStart)};
+    }
     /// Leaves out what is below the entry that `nextObject` gave last.
     void skipDescendants() { _descend = false; }
 
   private:
     struct Level {
-        Descriptor descriptor;
+        std::shared_ptr<const Folder> folder;
         std::vector<char> buffer;
         size_t position = 0;
         size_t filled = 0;

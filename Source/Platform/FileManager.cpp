@@ -151,7 +151,9 @@ Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
         return Item(folder, name);
     }
     const std::string_view parent = relativePath.substr(0, slash);
-    if (knowsLastFolder(folder, parent)) {
+    // Nothing is found in a folder that has been removed since, and what a new one in its place holds is not
+    // meant.
+    if (isLastFolder(folder, parent)) {
         return Item(_lastFolder, name);
     }
     const uint64_t generation = _root->generation();
@@ -163,20 +165,18 @@ Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
 }
 
 Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view path) {
-    if (knowsLastFolder(nullptr, path)) {
+    // Another program may have removed it and made a new one in its place.
+    struct stat status{};
+    if (isLastFolder(nullptr, path) && ::fstat(_lastFolder->descriptor(), &status) == 0 &&
+        status.st_nlink > 0) {
         return _lastFolder;
     }
     const uint64_t generation = _root->generation();
     return keepLastFolder(nullptr, path, generation, _root->openFolder(path));
 }
 
-bool FileManager::knowsLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const {
-    if (!_lastFolder || _lastBase != base || _lastPath != path || _lastGeneration != _root->generation()) {
-        return false;
-    }
-    // Another program may have removed it and made a new one in its place.
-    struct stat status{};
-    return ::fstat(_lastFolder->descriptor(), &status) == 0 && status.st_nlink > 0;
+bool FileManager::isLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const {
+    return _lastFolder && _lastBase == base && _lastPath == path && _lastGeneration == _root->generation();
 }
 
 Result<std::shared_ptr<const Folder>> FileManager::keepLastFolder(std::shared_ptr<const Folder> base,

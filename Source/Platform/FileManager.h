@@ -120,7 +120,7 @@ class FileManager {
     Result<void> replaceContents(std::string_view path, std::string_view bytes,
                                  const std::optional<FileOwnership>& ownership);
 
-    bool knowsLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const;
+    bool isLastFolder(const std::shared_ptr<const Folder>& base, std::string_view path) const;
     Result<std::shared_ptr<const Folder>> keepLastFolder(std::shared_ptr<const Folder> base,
                                                          std::string_view path, uint64_t generation,
                                                          Result<Descriptor> opened);

@@ -90,6 +90,16 @@ Result<void> Item::rename(std::string_view newName) const {
     return moveTo(Item(_parent, newName));
 }
 
+Result<void> Item::renameReplacing(std::string_view newName) const {
+    const Item target(_parent, newName);
+    auto renamed = moveTo(target);
+    if (renamed || renamed.error().value() != EEXIST) {
+        return renamed;
+    }
+    std::ignore = target.remove();
+    return moveTo(target);
+}
+
 Result<void> Item::moveTo(const Item& target) const {
     auto renamed = renameWithoutReplacing(_parent->descriptor(), nameInside(_name),
                                           target._parent->descriptor(), nameInside(target._name));

@@ -50,6 +50,8 @@ class Item {
     [[nodiscard]] Result<void> remove() const;
     /// Gives the item another name in its folder. An existing item of that name is an error (EEXIST).
     [[nodiscard]] Result<void> rename(std::string_view newName) const;
+    /// The same, and an existing item of that name is removed first, with all that is in it.
+    [[nodiscard]] Result<void> renameReplacing(std::string_view newName) const;
     /// Moves the item, across file systems by copy and removal; owner, mode, times and extended attributes
     /// stay. An existing target is an error (EEXIST). A failed move leaves the item where it was; only where
     /// the removal after a copy fails, the whole copy is there beside what could not be removed.

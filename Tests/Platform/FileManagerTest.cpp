@@ -201,4 +201,15 @@ TEST_P(FileManagerTest, FolderThatIsGoneIsNotMistakenForTheNext) {
     }
 }
 
+TEST_P(FileManagerTest, RenamingReplacesOnlyWhenThereIsSomethingToPutInPlace) {
+    make("file: new\nold/file: old\nlink -> /kept\nkept: kept");
+    ASSERT_TRUE(files->itemAtPath("/file")->renameReplacing("old"));
+    EXPECT_EQ(content("/old"), "new");
+    ASSERT_TRUE(files->itemAtPath("/old")->renameReplacing("link"));
+    EXPECT_EQ(content("/link"), "new");
+    EXPECT_EQ(content("/kept"), "kept");
+    EXPECT_EQ(errorOf(files->itemAtPath("/nothing")->renameReplacing("kept")), ENOENT);
+    EXPECT_EQ(content("/kept"), "kept");
+}
+
 } // namespace tests

@@ -43,10 +43,17 @@ OZCleanupLogger::OZCleanupLogger(platform::Device& device)
     : _device(device)
     , _fileManager(device.fileManager()) {}
 
-void OZCleanupLogger::openLogFileForWriting() {
+void OZCleanupLogger::openLogFileForWriting(platform::FileWriting writing) {
     if (_logFileHandle) {
         return;
     }
+    openOrCreateLogFile();
+    if (_logFileHandle) {
+        _logFileHandle->setWriting(writing);
+    }
+}
+
+void OZCleanupLogger::openOrCreateLogFile() {
     if (_fileManager.isWritableFileAtPath(logFilePath)) {
         if (auto file = _fileManager.openForWriting(logFilePath)) {
             std::ignore = file->seekToEnd();
@@ -87,11 +94,11 @@ void OZCleanupLogger::deleteLogFile() {
     std::ignore = _fileManager.removeItemAtPath(logFilePath);
 }
 
-void OZCleanupLogger::log(std::string_view text) {
+void OZCleanupLogger::write(std::string_view text, std::string_view more) {
     const bool wasOpen = _logFileHandle.has_value();
     openLogFileForWriting();
     if (_logFileHandle) {
-        std::ignore = _logFileHandle->write(text);
+        std::ignore = _logFileHandle->write(text, more);
     }
     if (!wasOpen) {
         closeLogFile();
@@ -99,7 +106,7 @@ void OZCleanupLogger::log(std::string_view text) {
 }
 
 void OZCleanupLogger::logWithSpacer(std::string_view text) {
-    log(std::string(text).append("\n\n"));
+    write(text, "\n\n");
 }
 
 void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {

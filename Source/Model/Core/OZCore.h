@@ -20,6 +20,7 @@
 #include <vector>
 
 namespace platform {
+class BackgroundWork;
 class Device;
 }
 enum class OZAction : unsigned;
@@ -193,6 +194,7 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
 
   private:
     struct Run;
+    class SizeSum;
 
     // The frame of every run.
     [[nodiscard]] OZCoreMode modeFor(Analyze analyze) const;
@@ -258,10 +260,15 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
-    void delrItem(const platform::Item& item, std::string_view path);
+    /// A folder is left to `removals` where there are some.
+    void delrItem(const platform::Item& item, std::string_view path, SizeSum& sizes,
+                  platform::BackgroundWork* removals = nullptr);
     void quickDelItem(const platform::Item& item, std::string_view path);
     void quickDelLangItem(const platform::Result<platform::Item>& item, std::string_view path);
-    void countEntriesBelow(const platform::Item& folder, std::string_view path);
+    void countEntriesBelow(const platform::Item& folder, std::string_view path, SizeSum& sizes);
+    /// Counts the items of a list that an analysis wants.
+    template <class Wanted>
+    void countWhere(const platform::FoundPaths& found, Wanted isWanted);
     [[nodiscard]] platform::Result<void> moveToBackup(const platform::Item& item, std::string_view path,
                                                       platform::FileType type);
     void delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,

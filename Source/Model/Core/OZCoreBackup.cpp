@@ -34,8 +34,7 @@ void OZCore::restoreItem(const platform::Item& backup, std::string_view path) {
     if (!attributes || oldName.empty()) {
         return;
     }
-    std::ignore = platform::Item(backup.parent(), oldName).remove();
-    const auto restored = backup.rename(oldName);
+    const auto restored = backup.renameReplacing(oldName);
     if (attributes->type == platform::FileType::directory) {
         forgetLastFolder();
     }

@@ -42,7 +42,11 @@ uint64_t OZCore::beginRun(OZCoreMode mode, std::string_view title) {
     _mode = mode;
     if (_cleanupLogger) {
         _cleanupLogger->deleteLogFile();
-        _cleanupLogger->openLogFileForWriting();
+        // Nothing is at stake in an analysis; otherwise the log tells what was touched even when the run is
+        // killed.
+        const bool onlyLooks = _mode == OZCoreMode::analyze;
+        _cleanupLogger->openLogFileForWriting(onlyLooks ? platform::FileWriting::gathered
+                                                        : platform::FileWriting::direct);
     }
     log(bannerFor(title));
     return _mode == OZCoreMode::clean ? _device.volumes().totalFreeSpace() : 0;

@@ -85,6 +85,35 @@ TEST(Cleanup, LogTakesThePlaceOfWhateverStandsInItsWay) {
     EXPECT_EQ(engine.device.contents("/other"), before);
 }
 
+TEST(Cleanup, LogIsARecordAtOnceUnlessNothingIsTouched) {
+    EngineFixture engine;
+    OZCleanupLogger logger(engine.device.device());
+    logger.openLogFileForWriting();
+    logger.logWithSpacer("/a");
+    EXPECT_EQ(engine.log(), "/a\n\n");
+    logger.deleteLogFile();
+    logger.openLogFileForWriting(platform::FileWriting::gathered);
+    logger.logWithSpacer("/a");
+    logger.log("b");
+    EXPECT_EQ(engine.log(), "");
+    logger.closeLogFile();
+    EXPECT_EQ(engine.log(), "/a\n\nb");
+}
+
+TEST(Cleanup, ManyFoldersGoAndAreLoggedInTheOrderOfTheirListing) {
+    EngineFixture engine;
+    const std::string folder = "/var/mobile/Media/ApplicationArchives/";
+    for (int number = 0; number < 100; ++number) {
+        engine.device.addFile(folder + std::to_string(number) + "/sub/file", "12345");
+    }
+    engine.clean({cleanupstep::tempFiles}, OZCoreMode::analyze);
+    const auto analyzed = engine.loggedPaths();
+    EXPECT_EQ(analyzed.size(), 300U);
+    engine.clean({cleanupstep::tempFiles});
+    EXPECT_EQ(engine.loggedPaths(), analyzed);
+    EXPECT_TRUE(std::filesystem::is_empty(engine.device.hostPath(folder)));
+}
+
 TEST(Cleanup, StepsThatAreOnAreEnteredInTheirOrder) {
     EngineFixture engine;
     platform::Dictionary settings = OZCore::defaultCleanupSettings(engine.device.device());
