@@ -131,7 +131,9 @@ void graph(benchmark::State& state) {
                         number, number / 2, number / 3);
     }
     for (auto _ : state) {
-        benchmark::DoNotOptimize(OZPackageGraph(*device, answer).packages().size());
+        OZPackageGraph packages(*device);
+        packages.read(answer);
+        benchmark::DoNotOptimize(packages.link());
     }
     state.SetComplexityN(state.range(0));
 }

@@ -1,6 +1,7 @@
 // Parts of the comparison that no switch of the program reaches, and the trees that it needs:
 //   rows test-and-restore DEVICE   moves the temporary files to backup names and back again
-//   rows graph DEVICE              asks for the packages and links them
+//   rows graph DEVICE              asks for the packages and links them; writes to standard error how many seconds that
+//                                  took, and the memory in KiB, as `measure` does
 //   rows files FOLDER FOLDERS FILES   makes that many folders with that many small files in each
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCleanupLogger.h"
@@ -9,6 +10,7 @@
 #include "Platform/Device.h"
 
 #include <charconv>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -16,6 +18,7 @@
 #include <string_view>
 
 #include <fmt/format.h>
+#include <sys/resource.h>
 
 namespace {
 
@@ -39,7 +42,12 @@ int testAndRestore(platform::Device& device) {
 
 int readGraph(platform::Device& device) {
     OZPackageList packages(device);
+    const auto start = std::chrono::steady_clock::now();
     packages.refreshPackages();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+    struct rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    fmt::print(stderr, "{:.6f} {}\n", taken.count(), usage.ru_maxrss);
     const size_t count = packages.allPackages().size();
     fmt::print("{} packages\n", count);
     return count > 0 ? 0 : fail("no packages");

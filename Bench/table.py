@@ -39,13 +39,21 @@ class Bench:
 
     def measure(self, command, count=1, **options):
         """Seconds of one run and the peak memory in KiB."""
-        run = subprocess.run(
-            [self.program("measure"), str(count), *command],
-            stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True, env=self.environment, check=False, **options)
+        seconds, peak = self.own_measure([self.program("measure"), str(count), *command], **options)
+        return seconds / count, peak
+
+    def own_measure(self, command, **options):
+        """The same of a command that measures itself."""
+        run = subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True,
+                             env=self.environment, check=False, **options)
         if run.returncode != 0:
             raise RuntimeError(" ".join(run.stderr.split()))
         seconds, peak = run.stderr.split("\n")[-2].split()
-        return float(seconds) / count, int(peak)
+        return float(seconds), int(peak)
+
+    def median(self, measure, count):
+        """The middle one of several measurements."""
+        return sorted(measure() for _ in range(count))[count // 2]
 
     def row(self, what, reach, ours, theirs, at_least=False):
         """Runs two sides in turn and prints their line. A side is a function that gives seconds and peak. For
@@ -172,8 +180,8 @@ def graph(bench):
     database = root(device, "private/var/lib/dpkg")
     bench.row(
         "package graph, 3,000 packages; bare `dpkg-query`", 1.25,
-        lambda: bench.measure([bench.program("rows"), "graph", device], count=5),
-        lambda: bench.measure(["dpkg-query", f"--admindir={database}", "-W", f"-f={query}"], count=5))
+        lambda: bench.median(lambda: bench.own_measure([bench.program("rows"), "graph", device]), 9),
+        lambda: bench.median(lambda: bench.measure(["dpkg-query", f"--admindir={database}", "-W", f"-f={query}"]), 9))
 
 
 RULES = """<?xml version="1.0" encoding="UTF-8"?>

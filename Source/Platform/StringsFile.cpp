@@ -1,6 +1,7 @@
 #include "Platform/StringsFile.h"
 
 #include "Platform/PropertyList.h"
+#include "Platform/UTF8.h"
 
 #include <algorithm>
 #include <limits>
@@ -8,7 +9,6 @@
 
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
-#include <unicode/ustring.h>
 
 namespace platform {
 
@@ -18,13 +18,6 @@ using icu::UnicodeString;
 using Text = std::expected<UnicodeString, StringsFileError>;
 
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-
-bool isUTF8(std::string_view bytes) {
-    UErrorCode status = U_ZERO_ERROR;
-    int32_t units = 0;
-    u_strFromUTF8(nullptr, 0, &units, bytes.data(), static_cast<int32_t>(bytes.size()), &status);
-    return U_SUCCESS(status) || status == U_BUFFER_OVERFLOW_ERROR;
-}
 
 Text decodeUTF8(std::string_view bytes) {
     size_t line = 1;

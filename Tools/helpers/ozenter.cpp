@@ -40,7 +40,7 @@ constexpr std::array libraryFolders = {"/usr/lib64", "/lib64", "/usr/lib", "/lib
 constexpr std::array hostSettings = {"/etc/ld.so.cache", "/etc/nsswitch.conf", "/etc/passwd", "/etc/group",
                                      "/etc/dpkg",        "/dev/urandom",       "/proc"};
 constexpr std::array bitBuckets = {"/dev/null"};
-constexpr std::array temporaryFolders = {"/tmp", "/var/tmp", "/dev/shm", "/run"};
+constexpr std::array temporaryFolders = {"/dev/shm", "/run", "/tmp", "/var/tmp"};
 
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "ozenter: %s: %s\n", what, std::strerror(errno));

@@ -2,6 +2,7 @@
 
 #include "Categories/NSStringAdditions.h"
 #include "Model/Packages/TextLines.h"
+#include "Platform/UTF8.h"
 
 #include <cerrno>
 #include <limits>
@@ -9,7 +10,6 @@
 
 #include <unicode/ucnv.h>
 #include <unicode/uniset.h>
-#include <unicode/ustring.h>
 
 namespace {
 
@@ -78,13 +78,6 @@ Result<std::string> converted(std::string_view bytes, const char* from, const ch
     return text;
 }
 
-bool isUTF8(std::string_view bytes) {
-    UErrorCode error = U_ZERO_ERROR;
-    // Measures alone: that there is no room for the text is what it says of valid bytes.
-    u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
-    return error != U_INVALID_CHAR_FOUND;
-}
-
 /// In single bytes, only those are known that all encodings have in common.
 const icu::UnicodeSet& newlinesIn(OZTextEncoding encoding) {
     static const icu::UnicodeSet common(0x0A, 0x0D);
@@ -113,13 +106,13 @@ Result<OZPackageFileList> OZPackageFileList::parse(std::string_view bytes) {
     if (marked != nullptr && marked->name != nullptr) {
         text = converted(*text, marked->name, "UTF-8");
     }
-    if (!text || (marked != nullptr && !isUTF8(*text))) {
+    if (!text || (marked != nullptr && !platform::isUTF8(*text))) {
         return platform::failure(EILSEQ);
     }
     OZPackageFileList list;
     if (marked != nullptr) {
         list.encoding = marked->encoding;
-    } else if (!isUTF8(*text)) {
+    } else if (!platform::isUTF8(*text)) {
         list.encoding = OZTextEncoding::singleBytes;
     }
     list.paths = splitAtNewlines(*text, newlinesIn(list.encoding));

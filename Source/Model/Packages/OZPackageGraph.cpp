@@ -2,6 +2,7 @@
 
 #include "Categories/NSStringAdditions.h"
 #include "Model/Packages/TextLines.h"
+#include "Platform/UTF8.h"
 
 #include <algorithm>
 #include <array>
@@ -55,13 +56,6 @@ std::string_view trimmed(std::string_view text) {
                : stringByTrimmingCharactersInSet(text, sets().blanks);
 }
 
-/// Cuts off the text before the separator, and the separator; the rest stays.
-std::string_view takePiece(std::string_view& text, std::string_view separator) {
-    const std::string_view piece = text.substr(0, text.find(separator));
-    text.remove_prefix(std::min(piece.size() + separator.size(), text.size()));
-    return piece;
-}
-
 void readLine(std::string_view line, Fields& fields) {
     const size_t equals = line.find('=');
     if (equals == std::string_view::npos || equals + 1 == line.size()) {
@@ -73,10 +67,23 @@ void readLine(std::string_view line, Fields& fields) {
     }
 }
 
-Fields readFields(std::string_view record) {
+/// True if a line feed is the only newline in the text, and all of it ASCII. Nearly every record is.
+bool isPlain(std::string_view text) {
+    return std::ranges::all_of(text, [](char byte) {
+        return static_cast<signed char>(byte) >= ' ' || byte == '\n' || byte == '\t';
+    });
+}
+
+std::string_view takePlainLine(std::string_view& text) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    return line;
+}
+
+Fields readFields(std::string_view record, bool plain) {
     Fields fields;
     while (!record.empty()) {
-        readLine(trimmed(takeLine(record, sets().newlines)), fields);
+        readLine(trimmed(plain ? takePlainLine(record) : takeLine(record, sets().newlines)), fields);
     }
     return fields;
 }
@@ -140,15 +147,23 @@ std::string OZPackageGraph::queryFormat() {
     return format + std::string(delimiter) + "\\n";
 }
 
-OZPackageGraph::OZPackageGraph(platform::Device& device, std::string_view answer) {
-    std::vector<Dependencies> remembered;
-    while (!answer.empty()) {
-        readRecord(device, takePiece(answer, delimiter), remembered);
+OZPackageGraph::OZPackageGraph(platform::Device& device)
+    : _device(device)
+    , _records(std::string(delimiter)) {}
+
+void OZPackageGraph::read(std::string_view bytes) {
+    _isEmpty = _isEmpty && bytes.empty();
+    _records.add(bytes, [this](std::string_view record) { readRecord(record); });
+}
+
+bool OZPackageGraph::link() {
+    readRecord(_records.rest());
+    for (size_t index = 0; index < _dependencies.size(); ++index) {
+        link(_packages[index], _dependencies[index].preDepends);
+        link(_packages[index], _dependencies[index].depends);
     }
-    for (size_t index = 0; index < remembered.size(); ++index) {
-        link(_packages[index], remembered[index].preDepends);
-        link(_packages[index], remembered[index].depends);
-    }
+    _dependencies.clear();
+    return !_isEmpty && _isText;
 }
 
 OZPackage* OZPackageGraph::packageWithIdentifier(std::string_view identifier) {
@@ -156,30 +171,31 @@ OZPackage* OZPackageGraph::packageWithIdentifier(std::string_view identifier) {
     return found == _indexes.end() ? nullptr : &_packages[found->second];
 }
 
-void OZPackageGraph::readRecord(platform::Device& device, std::string_view text,
-                                std::vector<Dependencies>& remembered) {
-    const Fields fields = readFields(text);
+void OZPackageGraph::readRecord(std::string_view text) {
+    const bool plain = isPlain(text);
+    _isText = _isText && (plain || platform::isUTF8(text));
+    const Fields fields = readFields(text, plain);
     if (fields[package].empty() || !fields[status].ends_with(installed)) {
         return;
     }
-    const size_t index = indexOfPackage(device, fields[package]);
+    const size_t index = indexOfPackage(fields[package]);
     _packages[index].setName(textOf(fields[name]));
     _packages[index].setIconURL(textOf(fields[icon]));
-    const Dependencies told{.preDepends = fields[preDepends], .depends = fields[depends]};
-    if (index == remembered.size()) {
-        remembered.push_back(told);
+    Dependencies told{.preDepends = std::string(fields[preDepends]), .depends = std::string(fields[depends])};
+    if (index == _dependencies.size()) {
+        _dependencies.push_back(std::move(told));
     } else if (hasNames(told.preDepends) || hasNames(told.depends)) {
         // Of two records of one package, one without dependencies leaves those of the other.
-        remembered[index] = told;
+        _dependencies[index] = std::move(told);
     }
 }
 
-size_t OZPackageGraph::indexOfPackage(platform::Device& device, std::string_view identifier) {
+size_t OZPackageGraph::indexOfPackage(std::string_view identifier) {
     const auto found = _indexes.find(identifier);
     if (found != _indexes.end()) {
         return found->second;
     }
-    const OZPackage& added = _packages.emplace_back(device, std::string(identifier));
+    const OZPackage& added = _packages.emplace_back(_device, std::string(identifier));
     _indexes.emplace(added.identifier(), _packages.size() - 1);
     return _packages.size() - 1;
 }

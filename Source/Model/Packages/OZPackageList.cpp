@@ -7,10 +7,12 @@
 namespace {
 
 std::shared_ptr<OZTask> taskReadingOutput(platform::Device& device, std::string_view tool,
-                                          std::vector<std::string> arguments) {
+                                          std::vector<std::string> arguments,
+                                          std::function<void(std::string_view part)> handler = {}) {
     auto task = OZTask::make(device, tool, std::move(arguments));
     task->setStdOutAction(OZTaskStreamAction::capture);
     task->setStdErrAction(OZTaskStreamAction::discard);
+    task->setOutputHandler(std::move(handler));
     std::ignore = task->launchSynchronously();
     return task;
 }
@@ -27,13 +29,13 @@ void OZPackageList::refreshPackages() {
     if (!tool) {
         return;
     }
-    const auto task = taskReadingOutput(_device, *tool, {"-W", "-f=" + OZPackageGraph::queryFormat()});
+    const auto graph = std::make_shared<OZPackageGraph>(_device);
+    const auto task = taskReadingOutput(_device, *tool, {"-W", "-f=" + OZPackageGraph::queryFormat()},
+                                        [&](std::string_view part) { graph->read(part); });
     if (task->terminationStatus() != 0) {
         return;
     }
-    const auto& output = task->output();
-    const bool hasPackages = output && !output->empty();
-    _graph = hasPackages ? std::make_shared<OZPackageGraph>(_device, *output) : nullptr;
+    _graph = graph->link() ? graph : nullptr;
 }
 
 OZPackageGraph* OZPackageList::graph() {

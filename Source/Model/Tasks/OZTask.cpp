@@ -2,6 +2,7 @@
 
 #include "Platform/Device.h"
 #include "Platform/Error.h"
+#include "Platform/UTF8.h"
 
 #include <array>
 #include <cerrno>
@@ -12,19 +13,13 @@
 #include <fcntl.h>
 #include <fmt/core.h>
 #include <sys/wait.h>
-#include <unicode/ustring.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int firstInheritedDescriptor = 3;
-
-bool isUTF8(const std::string& bytes) {
-    UErrorCode error = U_ZERO_ERROR;
-    // Measures alone: that there is no room for the text is what it says of valid bytes.
-    u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
-    return error != U_INVALID_CHAR_FOUND;
-}
+/// What the system allows to everybody.
+constexpr int pipeSize = 1024 * 1024;
 
 /// An end of a pipe, never in the place of a standard stream: the child's copies go there.
 platform::Descriptor aboveStandardStreams(int end) {
@@ -220,6 +215,8 @@ void OZTask::captureStreams() {
     // Without a pipe the actions name descriptor -1, which is refused, and so is the spawn.
     std::ignore = ::pipe2(ends.data(), O_CLOEXEC);
     _pipe.emplace(aboveStandardStreams(ends[0]), aboveStandardStreams(ends[1]));
+    // A tool that need not wait for its reader is done sooner; without the room it only takes longer.
+    std::ignore = ::fcntl(_pipe->readEnd.get(), F_SETPIPE_SZ, pipeSize);
     const int writeEnd = _pipe->writeEnd.get();
     if (_stdOutAction == OZTaskStreamAction::capture) {
         _fileActions->duplicate(writeEnd, STDOUT_FILENO);
@@ -267,11 +264,13 @@ bool OZTask::getOutput() {
         return true;
     }
     std::string bytes;
+    const std::function<void(std::string_view)> keep = [&bytes](std::string_view part) { bytes += part; };
+    const auto& take = _outputHandler ? _outputHandler : keep;
     std::array<char, 65536> chunk{};
     ssize_t count = 0;
     while ((count = ::read(_pipe->readEnd.get(), chunk.data(), chunk.size())) != 0) {
         if (count > 0) {
-            bytes.append(chunk.data(), static_cast<size_t>(count));
+            take({chunk.data(), static_cast<size_t>(count)});
         } else if (errno != EINTR) {
             const std::string reason = std::strerror(errno);
             terminatedWithStatus(
@@ -281,7 +280,10 @@ bool OZTask::getOutput() {
             return false;
         }
     }
-    if (isUTF8(bytes)) {
+    if (_outputHandler) {
+        return true;
+    }
+    if (platform::isUTF8(bytes)) {
         _output = std::move(bytes);
     } else {
         _undecodableBytes = std::move(bytes);

@@ -3,6 +3,7 @@
 #include "Platform/Descriptor.h"
 
 #include <atomic>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -108,6 +109,11 @@ class OZTask : public std::enable_shared_from_this<OZTask> {
     /// A change after the launch has no effect.
     void setStdErrAction(OZTaskStreamAction action) { _stdErrAction = action; }
     void setStdOutAction(OZTaskStreamAction action) { _stdOutAction = action; }
+    /// Is given each part of the captured bytes as soon as it is read, on the thread that reads; the part is valid
+    /// during the call. The task then keeps no output itself.
+    void setOutputHandler(std::function<void(std::string_view part)> handler) {
+        _outputHandler = std::move(handler);
+    }
 
   private:
     class FileActions;
@@ -133,6 +139,7 @@ class OZTask : public std::enable_shared_from_this<OZTask> {
     std::optional<OZTaskError> _error;
     std::optional<std::string> _output;
     std::string _undecodableBytes;
+    std::function<void(std::string_view part)> _outputHandler;
     OZTaskStreamAction _stdErrAction = OZTaskStreamAction::inherit;
     OZTaskStreamAction _stdOutAction = OZTaskStreamAction::inherit;
     long _terminationStatus = OZTaskStatusInvalid;
