@@ -132,18 +132,25 @@ Result<void> DeviceRoot::changeCurrentDirectory(std::string_view path) {
     return {};
 }
 
+std::optional<Result<Descriptor>> DeviceRoot::openInOneCall(const Place& place, std::string_view path) const {
+    if (_resolution != PathResolution::kernel || kernelCannot || path.size() >= PATH_MAX) {
+        return std::nullopt;
+    }
+    const bool absolute = path.starts_with('/');
+    return openWithKernel(absolute ? rootDescriptor() : place.folder.descriptor(), std::string(path).c_str(),
+                          absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
+}
+
 Result<Descriptor> DeviceRoot::openFolder(std::string_view path) const {
     if (namesNothing(path)) {
         return failure(ENOENT);
     }
     const auto place = current();
-    if (_resolution == PathResolution::kernel && !kernelCannot && path.size() < PATH_MAX) {
-        const bool absolute = path.starts_with('/');
-        auto folder = openWithKernel(absolute ? rootDescriptor() : place->folder.descriptor(),
-                                     std::string(path).c_str(), absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
+    if (auto folder = openInOneCall(*place, path)) {
         // A link on the way, or a way out of the current directory: look closer.
-        if (folder || (folder.error().value() != ELOOP && folder.error().value() != EXDEV && !kernelCannot)) {
-            return folder;
+        if (*folder ||
+            (folder->error().value() != ELOOP && folder->error().value() != EXDEV && !kernelCannot)) {
+            return std::move(*folder);
         }
     }
     auto target = PathWalk(*this, place->folder.descriptor(), place->names).follow(path);
@@ -195,13 +202,8 @@ Result<DeviceRoot::Target> DeviceRoot::follow(std::string_view path) const {
         return failure(ENOENT);
     }
     const auto place = current();
-    if (_resolution == PathResolution::kernel && !kernelCannot && path.size() < PATH_MAX) {
-        const bool absolute = path.starts_with('/');
-        auto folder = openWithKernel(absolute ? rootDescriptor() : place->folder.descriptor(),
-                                     std::string(path).c_str(), absolute ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
-        if (folder) {
-            return Target{std::move(*folder), normalized(place->names, path), {}};
-        }
+    if (auto folder = openInOneCall(*place, path); folder && *folder) {
+        return Target{std::move(**folder), normalized(place->names, path), {}};
     }
     return PathWalk(*this, place->folder.descriptor(), place->names).follow(path);
 }

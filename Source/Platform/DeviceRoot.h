@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,6 +55,9 @@ class DeviceRoot {
 
   private:
     DeviceRoot(Descriptor root, Descriptor current, PathResolution resolution);
+
+    /// Leaves the way to the kernel, which gives up at the first link; none where it cannot be asked.
+    std::optional<Result<Descriptor>> openInOneCall(const Place& place, std::string_view path) const;
 
     std::shared_ptr<const Folder> _root;
     mutable std::mutex _currentMutex;

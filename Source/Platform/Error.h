@@ -21,6 +21,14 @@ inline std::unexpected<std::error_code> failure(int number) {
     return std::unexpected(std::error_code(number, std::system_category()));
 }
 
+/// What a system call that gives -1 on failure has come to.
+inline Result<void> checked(int outcome) {
+    if (outcome < 0) {
+        return lastError();
+    }
+    return {};
+}
+
 /// A programmer's error with a name and a reason. Nobody catches it outside of tests: it ends the process
 /// with its text on standard error.
 class Exception : public std::runtime_error {
