@@ -16,9 +16,9 @@ constexpr size_t waitingPerThread = 2;
 } // namespace
 
 BackgroundWork::~BackgroundWork() {
-    finish();
     {
-        const std::lock_guard lock(_mutex);
+        std::unique_lock lock(_mutex);
+        waitForAll(lock);
         _ended = true;
     }
     _added.notify_all();
@@ -44,6 +44,13 @@ void BackgroundWork::add(std::function<void()> piece) {
 
 void BackgroundWork::finish() {
     std::unique_lock lock(_mutex);
+    waitForAll(lock);
+    if (const auto thrown = std::exchange(_thrown, nullptr)) {
+        std::rethrow_exception(thrown);
+    }
+}
+
+void BackgroundWork::waitForAll(std::unique_lock<std::mutex>& lock) {
     while (doOnePiece(lock)) {
     }
     _done.wait(lock, [this] { return _underWay == 0; });
@@ -79,8 +86,16 @@ bool BackgroundWork::doOnePiece(std::unique_lock<std::mutex>& lock) {
     _waiting.pop_front();
     ++_underWay;
     lock.unlock();
-    piece();
+    std::exception_ptr thrown;
+    try {
+        piece();
+    } catch (...) {
+        thrown = std::current_exception();
+    }
     lock.lock();
+    if (!_thrown) {
+        _thrown = std::move(thrown);
+    }
     if (--_underWay == 0) {
         _done.notify_all();
     }

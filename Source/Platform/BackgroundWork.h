@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -9,25 +10,27 @@
 
 namespace platform {
 
-/// Pieces of work that are done on a few threads while their owner goes on, in any order and side by side.
-/// They must not throw. One thread owns it; the threads start with the first piece and end with the object.
+/// Pieces of work that are done on a few threads while their owner goes on, in any order and side by side. One
+/// thread owns it; the threads start with the first piece and end with the object.
 class BackgroundWork {
   public:
     BackgroundWork() = default;
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
-    /// Waits until all is done.
+    /// Waits until all is done; what pieces threw is lost.
     ~BackgroundWork();
 
-    /// Leaves a piece to the threads. Where there are none, or where they are behind, does it at once.
+    /// Leaves a piece to the threads. Where there are none, or where they are behind, does it at once and throws
+    /// what it throws.
     void add(std::function<void()> piece);
-    /// Returns when all that was added is done.
+    /// Returns when all that was added is done. Throws what a piece threw on a thread, the first of several.
     void finish();
 
   private:
     void startThreads();
     void workToTheEnd();
     bool doOnePiece(std::unique_lock<std::mutex>& lock);
+    void waitForAll(std::unique_lock<std::mutex>& lock);
 
     std::mutex _mutex;
     std::condition_variable _added;
@@ -35,6 +38,7 @@ class BackgroundWork {
     std::deque<std::function<void()>> _waiting;
     size_t _underWay = 0;
     bool _ended = false;
+    std::exception_ptr _thrown;
     std::vector<std::thread> _threads;
 };
 

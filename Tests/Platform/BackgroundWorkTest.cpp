@@ -1,6 +1,7 @@
 #include "Platform/BackgroundWork.h"
 
 #include <atomic>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,21 @@ TEST(BackgroundWorkTest, FinishesAllThatWasAddedAndCanGoOnAfterwards) {
         work.finish();
         EXPECT_EQ(done, round * 1000);
     }
+}
+
+TEST(BackgroundWorkTest, ThrowsWhatAPieceThrewAndDoesTheOthers) {
+    std::atomic<int> done = 0;
+    BackgroundWork work;
+    const auto addAllAndFinish = [&] {
+        for (int piece = 0; piece < 100; ++piece) {
+            work.add([&, piece] { piece == 0 ? throw std::runtime_error("a piece") : ++done; });
+        }
+        work.finish();
+    };
+    // The first piece may be done by a thread or, where there is none, at once.
+    EXPECT_THROW(addAllAndFinish(), std::runtime_error);
+    work.finish();
+    EXPECT_TRUE(done == 99 || done == 0);
 }
 
 TEST(BackgroundWorkTest, EndsOnlyWhenAllIsDone) {
