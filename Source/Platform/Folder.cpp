@@ -96,6 +96,10 @@ Result<void> Item::renameReplacing(std::string_view newName) const {
     if (renamed || renamed.error().value() != EEXIST) {
         return renamed;
     }
+    // Nothing gives way to an item that has gone meanwhile.
+    if (const auto own = attributes(); !own) {
+        return std::unexpected(own.error());
+    }
     std::ignore = target.remove();
     return moveTo(target);
 }

@@ -77,7 +77,7 @@ TEST_F(FileHandleTest, TakesWhatItGatheredAlongWhenMovedAndWritesItOnceAtItsEnd)
 }
 
 TEST_F(FileHandleTest, TellsOfAFailureWhenTheGatheredBytesAreWrittenAndDoesNotKeepThem) {
-    open();
+    std::ignore = open();
     auto file = open(O_RDONLY);
     file.setWriting(FileWriting::gathered);
     ASSERT_TRUE(file.write("never"));

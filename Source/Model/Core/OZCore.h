@@ -25,9 +25,12 @@ class Device;
 }
 enum class OZAction : unsigned;
 struct CleanupStepDescription;
+class ItemLooks;
 class OZApp;
 class OZAppList;
 class OZLocalizationManager;
+class SizeSum;
+struct ItemLook;
 
 /// What a run does with the items that its steps name.
 enum class OZCoreMode : unsigned long {
@@ -180,6 +183,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     platform::FoundPaths find(const std::vector<std::string>& arguments);
     /// The same over several folders with one run of the tool; those that are not there are left out.
     std::vector<platform::FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
+    /// `quickDel` of what `find` gives. An analysis looks at what is found while the search goes on.
+    void quickDelFound(const std::vector<std::string>& arguments);
 
     // What is no fixed step.
     /// Removes what a record of the user names. A blank path names nothing.
@@ -194,12 +199,18 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
 
   private:
     struct Run;
-    class SizeSum;
+
+    /// Is given each name and the folder that it was found in.
+    using FoundHandler = std::function<void(platform::FoundPaths& home, std::string_view name)>;
+    /// Searches the folders, which it gives, without the names.
+    std::vector<platform::FoundPaths> search(const Paths& folders, const std::vector<std::string>& predicates,
+                                             const FoundHandler& handler);
 
     // The frame of every run.
     [[nodiscard]] OZCoreMode modeFor(Analyze analyze) const;
     /// Begins a new log. Gives the free bytes of the moment, 0 in a mode that frees none.
-    uint64_t beginRun(OZCoreMode mode, std::string_view title);
+    uint64_t beginRun(OZCoreMode mode);
+    uint64_t beginRun(OZCoreMode mode, std::string_view title, platform::FileWriting logWriting);
     /// Completes counters and log; tells no size where no start is given.
     void endRun(std::optional<uint64_t> freeAtStart);
 
@@ -266,9 +277,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void quickDelItem(const platform::Item& item, std::string_view path);
     void quickDelLangItem(const platform::Result<platform::Item>& item, std::string_view path);
     void countEntriesBelow(const platform::Item& folder, std::string_view path, SizeSum& sizes);
-    /// Counts the items of a list that an analysis wants.
-    template <class Wanted>
-    void countWhere(const platform::FoundPaths& found, Wanted isWanted);
+    /// Counts the items that an analysis wants: all that exist, where no condition is given.
+    void countLooks(ItemLooks& looks, const std::function<bool(const ItemLook& look)>& isWanted = {});
     [[nodiscard]] platform::Result<void> moveToBackup(const platform::Item& item, std::string_view path,
                                                       platform::FileType type);
     void delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,

@@ -1,11 +1,14 @@
 #include "Model/Core/OZCoreRun.h"
 
+using platform::FileWriting;
+
 // The tree is the only index of backups: whatever has the extension is one.
 
 void OZCore::backup(BackupAction action) {
     const bool restores = action == BackupAction::restore;
     const uint64_t freeAtStart =
-        beginRun(OZCoreMode::clean, restores ? runtitle::restoredFiles : runtitle::deletedFiles);
+        restores ? beginRun(OZCoreMode::clean, runtitle::restoredFiles, FileWriting::gathered)
+                 : beginRun(OZCoreMode::clean, runtitle::deletedFiles, FileWriting::direct);
     log("\n");
     const auto backups = find({"/", "-name", std::string("*").append(backupExtension)});
     if (restores) {
@@ -23,22 +26,19 @@ void OZCore::restore(const platform::FoundPaths& backups) {
         if (const auto item = itemBelow(backups.folder, backups.names[index])) {
             restoreItem(*item, backups.path(index));
         }
+        // The folder found last is that of the item, which none of its entries takes along, or else an older one.
+        if (!backups.names[index].contains('/')) {
+            forgetLastFolder();
+        }
     }
+    forgetLastFolder();
 }
 
 void OZCore::restoreItem(const platform::Item& backup, std::string_view path) {
-    const auto attributes = backup.attributes();
     std::string oldName(backup.name());
     oldName.resize(oldName.size() - backupExtension.size());
     // A file that somebody has named like the extension alone is nobody's backup.
-    if (!attributes || oldName.empty()) {
-        return;
-    }
-    const auto restored = backup.renameReplacing(oldName);
-    if (attributes->type == platform::FileType::directory) {
-        forgetLastFolder();
-    }
-    if (restored) {
+    if (!oldName.empty() && backup.renameReplacing(oldName)) {
         count(path.substr(0, path.size() - backupExtension.size()));
     }
 }

@@ -20,7 +20,7 @@ void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
     const Run run{.settings = settings != nullptr ? *settings : _cleanupSettings,
                   .outputIsTerminal = ::isatty(STDOUT_FILENO) == 1};
     const OZCoreMode mode = modeFor(analyze);
-    const uint64_t freeAtStart = beginRun(mode, runtitle::forMode(mode));
+    const uint64_t freeAtStart = beginRun(mode);
     for (const auto& step : cleanupSteps) {
         if (run.isOn(step.key)) {
             runStep(step, run);

@@ -54,7 +54,7 @@ void OZCore::cleanFileTypes(const Run& run) {
     }
     arguments.insert(arguments.end(), {"-regex", fmt::format("^.*\\.({})$", fmt::join(_fileTypes, "|")),
                                        "-type", "f", "-print"});
-    quickDel(find(arguments));
+    quickDelFound(arguments);
 }
 
 // Folders that the search passes by.

@@ -1,5 +1,6 @@
 #include "Model/Core/OZCore.h"
 #include "Model/Tasks/OZTask.h"
+#include "Model/Tasks/SeparatedPieces.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
@@ -23,20 +24,13 @@ bool readsAsExpression(std::string_view folder) {
     return folder.empty() || std::string_view("-(),!").contains(folder.front());
 }
 
-// Gives each path to the folder that it was found in. The tool searches the folders one after the other. What
-// no separator ends is half a path, left by a tool that broke off, and may name another item.
-void sortInto(std::vector<FoundPaths>& found, std::string_view output) {
-    auto current = found.begin();
-    for (size_t end = 0; (end = output.find('\0')) != std::string_view::npos; output.remove_prefix(end + 1)) {
-        const std::string_view path = output.substr(0, end);
-        const auto home = std::find_if(current, found.end(), [&](const FoundPaths& folder) {
-            return path.size() > folder.prefix.size() && path.starts_with(folder.prefix);
-        });
-        if (home != found.end()) {
-            home->names.emplace_back(path.substr(home->prefix.size()));
-            current = home;
-        }
-    }
+// The folder that a path was found in, or none. The tool searches the folders one after the other, and so it is the
+// current one or one behind it.
+std::vector<FoundPaths>::iterator homeOf(std::string_view path, std::vector<FoundPaths>::iterator current,
+                                         std::vector<FoundPaths>::iterator end) {
+    return std::find_if(current, end, [&](const FoundPaths& folder) {
+        return path.size() > folder.prefix.size() && path.starts_with(folder.prefix);
+    });
 }
 
 } // namespace
@@ -48,6 +42,12 @@ FoundPaths OZCore::find(const std::vector<std::string>& arguments) {
 }
 
 std::vector<FoundPaths> OZCore::find(const Paths& folders, const std::vector<std::string>& predicates) {
+    return search(folders, predicates,
+                  [](FoundPaths& home, std::string_view name) { home.names.emplace_back(name); });
+}
+
+std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<std::string>& predicates,
+                                       const FoundHandler& handler) {
     const auto launchPath = OZTask::launchPathForExecutable(_device, "find");
     if (!launchPath) {
         return {};
@@ -70,7 +70,17 @@ std::vector<FoundPaths> OZCore::find(const Paths& folders, const std::vector<std
     const auto task = OZTask::make(_device, *launchPath, withSafeSeparator(std::move(arguments)));
     task->setStdOutAction(OZTaskStreamAction::capture);
     task->setStdErrAction(OZTaskStreamAction::discard);
+    // What no separator ends is half a path, left by a tool that broke off, and may name another item.
+    SeparatedPieces paths(std::string(1, '\0'));
+    auto current = found.begin();
+    task->setOutputHandler([&](std::string_view part) {
+        paths.add(part, [&](std::string_view path) {
+            if (const auto home = homeOf(path, current, found.end()); home != found.end()) {
+                handler(*home, path.substr(home->prefix.size()));
+                current = home;
+            }
+        });
+    });
     task->launchSynchronously();
-    sortInto(found, task->outputBytes());
     return found;
 }

@@ -1,10 +1,9 @@
+#include "Model/Core/ItemLooks.h"
 #include "Model/Core/OZCore.h"
-#include "Model/Tasks/OZTask.h"
+#include "Model/Core/SizeSum.h"
 #include "Platform/BackgroundWork.h"
-#include "Platform/Device.h"
 
 #include <algorithm>
-#include <atomic>
 #include <functional>
 #include <utility>
 
@@ -40,37 +39,6 @@ void forEachItem(platform::FileManager& fileManager, const FoundPaths& found, Wo
     }
 }
 
-// What an analysis asks of each item of a list.
-struct Look {
-    bool exists = false;
-    FileType type = FileType::unknown;
-    uint64_t size = 0;
-};
-
-// Looks at the items of a list, on several threads where it is a long one. An analysis changes nothing, so
-// nobody can tell that the later items were looked at before the first ones were counted.
-std::vector<Look> looksAt(const platform::FileManager& fileManager, const FoundPaths& found) {
-    constexpr size_t namesInPiece = 1024;
-    std::vector<Look> looks(found.names.size());
-    const auto lookAt = [&](size_t first) {
-        platform::FileManager ownHandle(fileManager);
-        for (size_t index = first; index < std::min(first + namesInPiece, looks.size()); ++index) {
-            const auto item = ownHandle.itemBelow(found.folder, found.names[index]);
-            const auto attributes = item ? item->attributes() : std::unexpected(item.error());
-            if (attributes) {
-                looks[index] = {.exists = true, .type = attributes->type, .size = attributes->size};
-            }
-        }
-    };
-    platform::BackgroundWork work;
-    for (size_t first = namesInPiece; first < looks.size(); first += namesInPiece) {
-        work.add([&lookAt, first] { lookAt(first); });
-    }
-    lookAt(0);
-    work.finish();
-    return looks;
-}
-
 template <class Work>
 auto whereFound(Work work) {
     return [work](const platform::Result<Item>& item, std::string_view path) {
@@ -82,77 +50,14 @@ auto whereFound(Work work) {
 
 } // namespace
 
-// Sums the sizes of entries while the walks that find them go on; what is gone by then has none. The items
-// keep their folders open, so few folders are handed over at once.
-class OZCore::SizeSum {
-  public:
-    void add(Item item) {
-        if (_items.empty() || _items.back().parent() != item.parent()) {
-            ++_folders;
-        }
-        _items.push_back(std::move(item));
-        if (_items.size() == mostItems || _folders == mostFolders) {
-            handOver();
-        }
-    }
-    uint64_t total() {
-        _sum += sumOf(_items);
-        _items.clear();
-        _work.finish();
-        return _sum;
-    }
-
-  private:
-    static constexpr size_t mostItems = 1024;
-    static constexpr size_t mostFolders = 8;
-    // Fewer are read sooner than a thread wakes up.
-    static constexpr size_t fewItems = 64;
-
-    static uint64_t sumOf(const std::vector<Item>& items) {
-        uint64_t sum = 0;
-        for (const auto& item : items) {
-            const auto attributes = item.attributes();
-            sum += attributes ? attributes->size : 0;
-        }
-        return sum;
-    }
-
-    void handOver() {
-        auto items = std::exchange(_items, {});
-        _folders = 0;
-        if (items.size() <= fewItems) {
-            _sum += sumOf(items);
-        } else {
-            _work.add([this, items = std::move(items)] { _sum += sumOf(items); });
-        }
-    }
-
-    std::vector<Item> _items;
-    size_t _folders = 0;
-    std::atomic<uint64_t> _sum = 0;
-    platform::BackgroundWork _work;
-};
-
-template <class Wanted>
-void OZCore::countWhere(const FoundPaths& found, Wanted isWanted) {
-    const auto looks = looksAt(*this, found);
-    std::string path = found.prefix;
-    for (size_t index = 0; index < looks.size(); ++index) {
-        if (isWanted(looks[index])) {
-            path.replace(found.prefix.size(), std::string::npos, found.names[index]);
-            addSize(looks[index].size);
-            count(path);
-        }
-    }
-}
-
 void OZCore::del(const Paths& paths) {
     forEachItem(*this, paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
 }
 
 void OZCore::del(const FoundPaths& found) {
     if (_mode == OZCoreMode::analyze) {
-        countWhere(found, [](const Look& look) { return look.type == FileType::regular; });
+        ItemLooks looks(*this, found);
+        countLooks(looks, [](const ItemLook& look) { return look.type == FileType::regular; });
         return;
     }
     forEachItem(*this, found, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
@@ -176,10 +81,38 @@ void OZCore::quickDel(const Paths& paths) {
 
 void OZCore::quickDel(const FoundPaths& found) {
     if (_mode == OZCoreMode::analyze) {
-        countWhere(found, [](const Look& look) { return look.exists; });
+        ItemLooks looks(*this, found);
+        countLooks(looks);
         return;
     }
     forEachItem(*this, found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+}
+
+void OZCore::quickDelFound(const std::vector<std::string>& arguments) {
+    if (_mode != OZCoreMode::analyze) {
+        quickDel(find(arguments));
+        return;
+    }
+    std::optional<ItemLooks> looks;
+    search({arguments.front()}, {arguments.begin() + 1, arguments.end()},
+           [&](const FoundPaths& home, std::string_view name) {
+               if (!looks) {
+                   looks.emplace(*this, home);
+               }
+               looks->add(name);
+           });
+    if (looks) {
+        countLooks(*looks);
+    }
+}
+
+void OZCore::countLooks(ItemLooks& looks, const std::function<bool(const ItemLook&)>& isWanted) {
+    looks.visit([&](std::string_view path, const ItemLook& look) {
+        if (!isWanted || isWanted(look)) {
+            addSize(look.size);
+            count(path);
+        }
+    });
 }
 
 void OZCore::quickDelLang(const Paths& paths) {
@@ -371,6 +304,7 @@ void OZCore::delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
         forEachItem(*this, found,
                     whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes, &removals); }));
         addSize(sizes.total());
+        removals.finish();
     }
 }
 

@@ -5,7 +5,7 @@
 
 void OZCore::remove(OZAction action, Analyze analyze) {
     const OZCoreMode mode = modeFor(analyze);
-    const uint64_t freeAtStart = beginRun(mode, runtitle::forMode(mode));
+    const uint64_t freeAtStart = beginRun(mode);
     log("\n");
     if (performRemoval(action)) {
         endRun(freeAtStart);

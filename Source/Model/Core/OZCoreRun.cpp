@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+using platform::FileWriting;
+
 namespace {
 
 // Right behind the banner's three lines.
@@ -36,17 +38,20 @@ OZCoreMode OZCore::modeFor(Analyze analyze) const {
     return _testMode ? OZCoreMode::test : OZCoreMode::clean;
 }
 
-uint64_t OZCore::beginRun(OZCoreMode mode, std::string_view title) {
+// Where items go, the log tells what was touched even when the run is killed. What a test run moves and what a restore
+// moves back can be seen in the tree itself.
+uint64_t OZCore::beginRun(OZCoreMode mode) {
+    return beginRun(mode, runtitle::forMode(mode),
+                    mode == OZCoreMode::clean ? FileWriting::direct : FileWriting::gathered);
+}
+
+uint64_t OZCore::beginRun(OZCoreMode mode, std::string_view title, FileWriting logWriting) {
     _isRunning = true;
     resetState();
     _mode = mode;
     if (_cleanupLogger) {
         _cleanupLogger->deleteLogFile();
-        // Nothing is at stake in an analysis; otherwise the log tells what was touched even when the run is
-        // killed.
-        const bool onlyLooks = _mode == OZCoreMode::analyze;
-        _cleanupLogger->openLogFileForWriting(onlyLooks ? platform::FileWriting::gathered
-                                                        : platform::FileWriting::direct);
+        _cleanupLogger->openLogFileForWriting(logWriting);
     }
     log(bannerFor(title));
     return _mode == OZCoreMode::clean ? _device.volumes().totalFreeSpace() : 0;

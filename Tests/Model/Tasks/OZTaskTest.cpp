@@ -1,11 +1,14 @@
 #include "Model/Tasks/OZTask.h"
+#include "Model/Tasks/SeparatedPieces.h"
 
 #include "Platform/Error.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <csignal>
+#include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -120,6 +123,40 @@ TEST(OZTask, DecodesAllOfTheOutputOrNothing) {
         EXPECT_EQ(task->terminationStatus(), 0);
     }
     EXPECT_EQ(run(device, "head -c 3000000 /dev/zero | tr '\\0' x")->output(), std::string(3000000, 'x'));
+}
+
+TEST(OZTask, GivesPartsToAHandlerWhileTheToolStillRuns) {
+    TemporaryDevice device;
+    const std::string go = device.folder() / "go";
+    device.addTool("/usr/bin/tool", "echo first; read -r answer < '" + go + "'; echo \"$answer\"");
+    ASSERT_EQ(::mkfifo(go.c_str(), 0600), 0);
+    const auto task = OZTask::make(device.device(), "/usr/bin/tool");
+    task->setStdOutAction(OZTaskStreamAction::capture);
+    std::string text;
+    task->setOutputHandler([&](std::string_view part) {
+        if (text.empty()) {
+            std::ofstream(go) << "second\n";
+        }
+        text += part;
+    });
+    EXPECT_TRUE(task->launchSynchronously());
+    EXPECT_EQ(text, "first\nsecond\n");
+    EXPECT_FALSE(task->output());
+    EXPECT_EQ(task->outputBytes(), "");
+}
+
+TEST(SeparatedPieces, AreTheSameWhereverTheTextIsCut) {
+    const std::string text = "<one<><<><two<>>end<";
+    for (size_t length = 1; length <= text.size(); ++length) {
+        std::vector<std::string> found;
+        SeparatedPieces pieces("<>");
+        for (size_t start = 0; start < text.size(); start += length) {
+            pieces.add(std::string_view(text).substr(start, length),
+                       [&](std::string_view piece) { found.emplace_back(piece); });
+        }
+        EXPECT_EQ(found, (std::vector<std::string>{"<one", "<", "<two"})) << length;
+        EXPECT_EQ(pieces.rest(), ">end<");
+    }
 }
 
 TEST(OZTask, AnnouncesEveryEndOnTheMainQueueAndStaysAliveUntilThen) {

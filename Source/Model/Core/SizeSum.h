@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Platform/BackgroundWork.h"
+#include "Platform/Folder.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// Sums the sizes of entries, on several threads, while the walks that find them go on; what is gone by then has
+/// none. The items keep their folders open, so few folders are handed over at once.
+class SizeSum {
+  public:
+    void add(platform::Item item);
+    /// Bytes, of all that was added.
+    uint64_t total();
+
+  private:
+    void handOver();
+
+    std::vector<platform::Item> _items;
+    size_t _folders = 0;
+    std::atomic<uint64_t> _sum = 0;
+    // Its threads end before the sum that they add to.
+    platform::BackgroundWork _work;
+};
