@@ -63,10 +63,10 @@ class Maker:
         database.close()
 
     def packages(self, device, count):
-        """A package database of that many packages, each of which needs a few others."""
+        """A package database of that many packages, each of which needs 20 others."""
         with open(root(device, "private/var/lib/dpkg/status"), "w", encoding="ascii") as file:
             for number in range(count):
-                needed = sorted({number // 2, number // 3, number // 7, number % 50} - {number})
+                needed = ((number + 1 + step * step) % count for step in range(20))
                 file.write(
                     f"Package: org.example.package{number}\nStatus: install ok installed\nSection: Tweaks\n"
                     f"Maintainer: Example <packages@example.org>\nArchitecture: iphoneos-arm\nVersion: 1.{number}\n"

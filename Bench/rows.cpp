@@ -1,7 +1,7 @@
 // Parts of the comparison that no switch of the program reaches, and the trees that it needs:
 //   rows test-and-restore DEVICE   moves the temporary files to backup names and back again
-//   rows graph DEVICE              asks for the packages and links them; writes to standard error how many seconds that
-//                                  took, and the memory in KiB, as `measure` does
+//   rows graph DEVICE              asks for the packages and links them; writes to standard error how many seconds
+//                                  that took
 //   rows files FOLDER FOLDERS FILES   makes that many folders with that many small files in each
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCleanupLogger.h"
@@ -18,7 +18,6 @@
 #include <string_view>
 
 #include <fmt/format.h>
-#include <sys/resource.h>
 
 namespace {
 
@@ -45,9 +44,7 @@ int readGraph(platform::Device& device) {
     const auto start = std::chrono::steady_clock::now();
     packages.refreshPackages();
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    struct rusage usage{};
-    ::getrusage(RUSAGE_SELF, &usage);
-    fmt::print(stderr, "{:.6f} {}\n", taken.count(), usage.ru_maxrss);
+    fmt::print(stderr, "{:.6f}\n", taken.count());
     const size_t count = packages.allPackages().size();
     fmt::print("{} packages\n", count);
     return count > 0 ? 0 : fail("no packages");

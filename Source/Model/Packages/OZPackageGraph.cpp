@@ -126,12 +126,6 @@ void visitNames(std::string_view list, Visitor visitor) {
     }
 }
 
-bool hasNames(std::string_view list) {
-    bool has = false;
-    visitNames(list, [&](std::string_view) { has = true; });
-    return has;
-}
-
 std::optional<std::string> textOf(std::string_view field) {
     return field.empty() ? std::nullopt : std::optional<std::string>(field);
 }
@@ -158,17 +152,19 @@ void OZPackageGraph::read(std::string_view bytes) {
 
 bool OZPackageGraph::link() {
     readRecord(_records.rest());
-    for (size_t index = 0; index < _dependencies.size(); ++index) {
-        link(_packages[index], _dependencies[index].preDepends);
-        link(_packages[index], _dependencies[index].depends);
+    for (OZPackage& package : _packages) {
+        for (const uint32_t name : _named[_indexes.find(package.identifier())->second].dependencies) {
+            if (OZPackage* const other = _named[name].package) {
+                package.linkToDependency(*other);
+            }
+        }
     }
-    _dependencies.clear();
     return !_isEmpty && _isText;
 }
 
 OZPackage* OZPackageGraph::packageWithIdentifier(std::string_view identifier) {
     const auto found = _indexes.find(identifier);
-    return found == _indexes.end() ? nullptr : &_packages[found->second];
+    return found == _indexes.end() ? nullptr : _named[found->second].package;
 }
 
 void OZPackageGraph::readRecord(std::string_view text) {
@@ -178,32 +174,32 @@ void OZPackageGraph::readRecord(std::string_view text) {
     if (fields[package].empty() || !fields[status].ends_with(installed)) {
         return;
     }
-    const size_t index = indexOfPackage(fields[package]);
-    _packages[index].setName(textOf(fields[name]));
-    _packages[index].setIconURL(textOf(fields[icon]));
-    Dependencies told{.preDepends = std::string(fields[preDepends]), .depends = std::string(fields[depends])};
-    if (index == _dependencies.size()) {
-        _dependencies.push_back(std::move(told));
-    } else if (hasNames(told.preDepends) || hasNames(told.depends)) {
-        // Of two records of one package, one without dependencies leaves those of the other.
-        _dependencies[index] = std::move(told);
+    Named& named = _named[indexOfName(fields[package])];
+    if (named.package == nullptr) {
+        named.package = &_packages.emplace_back(_device, std::string(fields[package]));
+    }
+    named.package->setName(textOf(fields[name]));
+    named.package->setIconURL(textOf(fields[icon]));
+    std::vector<uint32_t> dependencies;
+    addNames(fields[preDepends], dependencies);
+    addNames(fields[depends], dependencies);
+    // Of two records of one package, one without dependencies leaves those of the other.
+    if (!dependencies.empty()) {
+        named.dependencies = std::move(dependencies);
     }
 }
 
-size_t OZPackageGraph::indexOfPackage(std::string_view identifier) {
-    const auto found = _indexes.find(identifier);
+uint32_t OZPackageGraph::indexOfName(std::string_view name) {
+    const auto found = _indexes.find(name);
     if (found != _indexes.end()) {
         return found->second;
     }
-    const OZPackage& added = _packages.emplace_back(_device, std::string(identifier));
-    _indexes.emplace(added.identifier(), _packages.size() - 1);
-    return _packages.size() - 1;
+    _named.emplace_back();
+    const auto index = static_cast<uint32_t>(_named.size() - 1);
+    _indexes.emplace(name, index);
+    return index;
 }
 
-void OZPackageGraph::link(OZPackage& package, std::string_view dependencies) {
-    visitNames(dependencies, [&](std::string_view dependency) {
-        if (OZPackage* const other = packageWithIdentifier(dependency)) {
-            package.linkToDependency(*other);
-        }
-    });
+void OZPackageGraph::addNames(std::string_view list, std::vector<uint32_t>& names) {
+    visitNames(list, [&](std::string_view name) { names.push_back(indexOfName(name)); });
 }

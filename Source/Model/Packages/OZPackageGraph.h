@@ -3,7 +3,9 @@
 #include "Model/Packages/OZPackage.h"
 #include "Model/Tasks/SeparatedPieces.h"
 
+#include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,23 +33,28 @@ class OZPackageGraph {
     [[nodiscard]] std::deque<OZPackage>& packages() { return _packages; }
 
   private:
-    /// What a package said of its dependencies, not yet taken apart.
-    struct Dependencies {
-        std::string preDepends;
-        std::string depends;
+    /// Looks strings up by their text alone.
+    struct TextHash : std::hash<std::string_view> {
+        using is_transparent = void;
+    };
+    /// All that is told of one name.
+    struct Named {
+        /// Null for a name that only dependencies tell.
+        OZPackage* package = nullptr;
+        /// Names, as they were told; each may come more than once.
+        std::vector<uint32_t> dependencies;
     };
 
     void readRecord(std::string_view text);
-    size_t indexOfPackage(std::string_view identifier);
-    void link(OZPackage& package, std::string_view dependencies);
+    uint32_t indexOfName(std::string_view name);
+    void addNames(std::string_view list, std::vector<uint32_t>& names);
 
     platform::Device& _device;
     SeparatedPieces _records;
     bool _isEmpty = true;
     bool _isText = true;
     std::deque<OZPackage> _packages;
-    /// Indexes by the packages' own identifiers.
-    std::unordered_map<std::string_view, size_t> _indexes;
-    /// By the same indexes, until they are linked.
-    std::vector<Dependencies> _dependencies;
+    std::deque<Named> _named;
+    /// Indexes of what is named.
+    std::unordered_map<std::string, uint32_t, TextHash, std::equal_to<>> _indexes;
 };

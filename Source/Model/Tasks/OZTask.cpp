@@ -6,8 +6,10 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -20,6 +22,10 @@ namespace {
 constexpr int firstInheritedDescriptor = 3;
 /// What the system allows to everybody.
 constexpr int pipeSize = 1024 * 1024;
+constexpr size_t smallPart = 32768;
+/// A short answer is read as it comes.
+constexpr size_t smallPartsAtOnce = 4;
+constexpr std::chrono::microseconds gatheringTime(200);
 
 /// An end of a pipe, never in the place of a standard stream: the child's copies go there.
 platform::Descriptor aboveStandardStreams(int end) {
@@ -268,9 +274,15 @@ bool OZTask::getOutput() {
     const auto& take = _outputHandler ? _outputHandler : keep;
     std::array<char, 65536> chunk{};
     ssize_t count = 0;
+    size_t smallParts = 0;
     while ((count = ::read(_pipe->readEnd.get(), chunk.data(), chunk.size())) != 0) {
         if (count > 0) {
             take({chunk.data(), static_cast<size_t>(count)});
+            // A tool with much to say writes a little at a time. To be woken for each of them costs both sides more
+            // than to let some of them gather in the pipe.
+            if (static_cast<size_t>(count) < smallPart && ++smallParts > smallPartsAtOnce) {
+                std::this_thread::sleep_for(gatheringTime);
+            }
         } else if (errno != EINTR) {
             const std::string reason = std::strerror(errno);
             terminatedWithStatus(
