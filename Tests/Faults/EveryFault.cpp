@@ -26,7 +26,7 @@ namespace {
 constexpr std::array errors = {EIO, ENOSPC, EACCES, EMFILE, EINTR};
 
 /// Calls that are made again when a signal has interrupted them, so that nobody notices.
-const std::set<std::string> restartable = {"read", "write", "pread64", "waitpid", "syscall"};
+const std::set<std::string> restartable = {"read", "write", "writev", "pread64", "waitpid", "syscall"};
 
 /// The errors to try after so many faults.
 std::span<const int> errorsFor(size_t faults) {

@@ -2,10 +2,12 @@
 // to its wrapper here. What the tests themselves do through the C++ library is not seen.
 #include "Tests/Faults/SystemCalls.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdlib>
+#include <mutex>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -15,29 +17,34 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/types.h>
+#include <sys/uio.h>
 
 namespace tests {
 
 namespace {
 
-thread_local bool counting = false;
+// Work that threads share is struck on each of them.
+std::atomic<bool> counting = false;
+thread_local bool isCounted = false;
+std::mutex countsMutex;
 std::map<std::string, size_t, std::less<>> counts;
 std::optional<Fault> planned;
 std::optional<Fault> standing;
 
 /// The error that the call has to fail with; 0 if it is to be made.
 int errorFor(std::string_view call) {
-    if (!counting) {
+    if (!counting || isCounted) {
         return 0;
     }
     // What is counted here does allocate.
-    counting = false;
+    isCounted = true;
+    const std::lock_guard lock(countsMutex);
     auto found = counts.find(call);
     if (found == counts.end()) {
         found = counts.emplace(call, 0).first;
     }
     const size_t number = ++found->second;
-    counting = true;
+    isCounted = false;
     if (standing && standing->call == call) {
         return standing->error;
     }
@@ -76,7 +83,7 @@ StandingFault::~StandingFault() {
 
 } // namespace tests
 
-void* operator new(size_t size) {
+[[gnu::noinline]] void* operator new(size_t size) {
     void* const memory =
         tests::errorFor(tests::allocation) != 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr) {
@@ -143,6 +150,7 @@ WRAP(int, utimensat, (int folder, const char* path, const timespec* times, int f
      (folder, path, times, flags))
 WRAP(pid_t, waitpid, (pid_t child, int* status, int options), (child, status, options))
 WRAP(ssize_t, write, (int file, const void* bytes, size_t size), (file, bytes, size))
+WRAP(ssize_t, writev, (int file, const iovec* pieces, int count), (file, pieces, count))
 
 // These have no -1, or arguments that vary.
 char* __real_realpath(const char* path, char* resolved);
