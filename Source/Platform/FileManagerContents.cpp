@@ -1,8 +1,8 @@
 #include "Platform/FileManager.h"
 
 #include "Platform/DeviceRoot.h"
+#include "Platform/TemporaryName.h"
 
-#include <atomic>
 #include <string>
 #include <tuple>
 
@@ -37,10 +37,8 @@ Result<Descriptor> openRegularFile(int folder, const char* name, int flags) {
 
 // Two that save at once never meet in one file, and a file that a crash left behind is in nobody's way.
 Result<Descriptor> createTemporaryFile(int folder, std::string_view name, std::string& temporary) {
-    static std::atomic<unsigned> writes = 0;
     for (;;) {
-        temporary = "." + std::string(name.substr(0, 200)) + "." + std::to_string(::getpid()) + "." +
-                    std::to_string(writes++) + ".tmp";
+        temporary = temporaryNameFor(name);
         const int number =
             ::openat(folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
         if (number >= 0) {

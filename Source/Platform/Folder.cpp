@@ -2,6 +2,7 @@
 
 #include "Platform/DirectoryEntries.h"
 #include "Platform/DirectoryEnumerator.h"
+#include "Platform/TemporaryName.h"
 #include "Platform/TreeCopy.h"
 #include "Platform/TreeRemoval.h"
 
@@ -46,6 +47,10 @@ Result<void> renameWithoutReplacing(int fromParent, const char* from, int toPare
         return lastError();
     }
     return {};
+}
+
+Result<void> renameInFolder(const Folder& folder, const std::string& from, const std::string& to) {
+    return renameWithoutReplacing(folder.descriptor(), nameInside(from), folder.descriptor(), nameInside(to));
 }
 
 } // namespace
@@ -107,17 +112,44 @@ Result<void> Item::renameReplacing(std::string_view newName) const {
 Result<void> Item::moveTo(const Item& target) const {
     auto renamed = renameWithoutReplacing(_parent->descriptor(), nameInside(_name),
                                           target._parent->descriptor(), nameInside(target._name));
-    if (renamed || renamed.error().value() != EXDEV) {
-        return renamed;
+    return renamed || renamed.error().value() != EXDEV ? renamed : moveByCopyTo(target);
+}
+
+Result<void> Item::moveByCopyTo(const Item& target) const {
+    if (target.attributes()) {
+        return failure(EEXIST);
     }
-    if (auto copied = copyTo(target); !copied) {
+    Item copy(target._parent, temporaryNameFor(target._name));
+    auto copied = copyTo(copy);
+    while (!copied && copied.error().value() == EEXIST) {
+        copy._name = temporaryNameFor(target._name);
+        copied = copyTo(copy);
+    }
+    if (!copied) {
         return copied;
     }
-    if (auto settled = settle(*target._parent); !settled) {
-        std::ignore = target.remove();
+    auto settled = settle(*target._parent);
+    if (settled) {
+        settled = renameInFolder(*target._parent, copy._name, target._name);
+    }
+    if (!settled) {
+        std::ignore = copy.remove();
         return settled;
     }
-    return remove();
+    return removeBehindOtherName();
+}
+
+Result<void> Item::removeBehindOtherName() const {
+    const Item leaving(_parent, temporaryNameFor(_name));
+    // Some layered file systems cannot rename a folder at all.
+    if (!renameInFolder(*_parent, _name, leaving._name)) {
+        return remove();
+    }
+    auto removed = leaving.remove();
+    if (!removed) {
+        std::ignore = renameInFolder(*_parent, leaving._name, _name);
+    }
+    return removed;
 }
 
 Result<void> Item::copyTo(const Item& target) const {

@@ -75,7 +75,7 @@ TEST_F(FileManagerFaults, MoveKeepsTheTreeWhole) {
 }
 
 TEST_F(FileManagerFaults, MoveToAnotherFileSystemKeepsTheTreeWhole) {
-    const tests::StandingFault otherFileSystem("renameat2", EXDEV);
+    const tests::StandingFault otherFileSystem("renameat2 to another folder", EXDEV);
     everyFault("move to another file system", moving());
     tests::everyAllocation("move to another file system", moving());
 }

@@ -140,8 +140,6 @@ WRAP(ssize_t, readlinkat, (int folder, const char* path, char* target, size_t si
      (folder, path, target, size))
 WRAP(int, renameat, (int folder, const char* path, int toFolder, const char* to),
      (folder, path, toFolder, to))
-WRAP(int, renameat2, (int folder, const char* path, int toFolder, const char* to, unsigned flags),
-     (folder, path, toFolder, to, flags))
 WRAP(int, stat64, (const char* path, struct stat* status), (path, status))
 WRAP(int, symlinkat, (const char* target, int folder, const char* path), (target, folder, path))
 WRAP(int, syncfs, (int file), (file))
@@ -151,6 +149,16 @@ WRAP(int, utimensat, (int folder, const char* path, const timespec* times, int f
 WRAP(pid_t, waitpid, (pid_t child, int* status, int options), (child, status, options))
 WRAP(ssize_t, write, (int file, const void* bytes, size_t size), (file, bytes, size))
 WRAP(ssize_t, writev, (int file, const iovec* pieces, int count), (file, pieces, count))
+
+// A move may be refused between folders and still be possible inside of one.
+int __real_renameat2(int folder, const char* path, int toFolder, const char* to, unsigned flags);
+int __wrap_renameat2(int folder, const char* path, int toFolder, const char* to, unsigned flags) {
+    if (const int error = tests::errorFor(folder == toFolder ? "renameat2" : "renameat2 to another folder")) {
+        errno = error;
+        return -1;
+    }
+    return __real_renameat2(folder, path, toFolder, to, flags);
+}
 
 // These have no -1, or arguments that vary.
 char* __real_realpath(const char* path, char* resolved);
