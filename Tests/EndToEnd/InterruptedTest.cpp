@@ -1,5 +1,9 @@
 #include "Model/Apps/OZAppList.h"
+#include "Model/Apps/OZFontsFolderMover.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Items/Togglable/OZCSAddon.h"
+#include "Model/Items/Togglable/OZCSAddonList.h"
+#include "Model/Packages/OZPackageList.h"
 #include "Platform/UserDefaults.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -13,6 +17,7 @@
 #include <functional>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <random>
 #include <set>
 
@@ -20,6 +25,8 @@
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -95,6 +102,67 @@ void saveDefaults(platform::Device& device) {
     }
 }
 
+constexpr std::string_view addonPath = "/Library/MobileSubstrate/DynamicLibraries/Addon";
+constexpr std::string_view addonList = "/var/lib/dpkg/info/org.example.addon.list";
+
+std::unique_ptr<TemporaryDevice> newDeviceWithAddon() {
+    auto device = newDevice();
+    device->addFile("/var/lib/dpkg/status", "Package: org.example.addon\nStatus: install ok installed\n"
+                                            "Maintainer: Example <addons@example.org>\nVersion: 1\n"
+                                            "Architecture: iphoneos-arm\nDescription: An add-on\n");
+    device->addFile(addonList, fmt::format("/.\n/Library\n{}.dylib\n", addonPath));
+    device->addFile(fmt::format("{}.dylib", addonPath), "addon");
+    return device;
+}
+
+// Switches the add-on again and again; in the end it is off.
+void toggleAddon(platform::Device& device) {
+    OZPackageList packages(device);
+    OZCSAddonList addons(device);
+    const auto addon = addons.addons().front();
+    addon->setPackage(packages.packageWithIdentifier("org.example.addon"));
+    for (int number = 0; number < 40; ++number) {
+        addon->setEnabledState(number % 2 == 0);
+        std::ignore = addon->applyChanges();
+    }
+}
+
+// The content of each regular file below a folder; empty where there is none, or a link in its place.
+std::map<std::string, std::string> filesBelow(const TemporaryDevice& device, std::string_view folder) {
+    std::map<std::string, std::string> files;
+    const auto top = device.hostPath(folder);
+    if (!std::filesystem::is_directory(std::filesystem::symlink_status(top))) {
+        return files;
+    }
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(top)) {
+        if (entry.is_regular_file()) {
+            const auto path = entry.path().lexically_relative(top).string();
+            files[path] = device.contents(fmt::format("{}/{}", folder, path));
+        }
+    }
+    return files;
+}
+
+// The data partition is a file system of its own where the system lets tests have one.
+std::unique_ptr<TemporaryDevice> newDeviceWithFonts() {
+    constexpr double iOS6 = 793.0;
+    auto device = std::make_unique<TemporaryDevice>(platform::DeviceFacts{.foundationVersion = iOS6});
+    for (int number = 0; number < 60; ++number) {
+        device->addFile(fmt::format("{}/{}/font{}.ttf", OZFontsFolderMover::systemPath,
+                                    number % 2 == 0 ? "Core" : "Cache", number),
+                        std::string(20000, static_cast<char>('0' + number)));
+    }
+    const std::string data = device->hostPath("/var");
+    std::filesystem::create_directories(data);
+    std::ignore = ::mount("fonts", data.c_str(), "tmpfs", 0, "size=16m");
+    return device;
+}
+
+void moveFonts(platform::Device& device) {
+    std::optional<OZFontsFolderError> error;
+    std::ignore = OZFontsFolderMover(device).moveFolder(&error);
+}
+
 // Runs the work in a process of its own and kills it after a while, or lets it end where no time is given.
 struct Ending {
     Clock::duration after;
@@ -159,12 +227,16 @@ class Interrupted : public testing::Test {
         }
         ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
         ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+        // What is mounted here is nobody else's.
+        if (::unshare(CLONE_NEWNS) == 0) {
+            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+        }
     }
 
-    // A quarter of all for each of the four tests.
+    // A sixth of all for each of the six tests.
     static size_t killCount() {
         const char* wanted = std::getenv("OZ_KILLS");
-        return (wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 40) / 4;
+        return (wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 42) / 6;
     }
 
     // Kills the work at random moments, each time on what `prepare` makes, and has the rest judged.
@@ -172,6 +244,7 @@ class Interrupted : public testing::Test {
                    const Work& work, const std::function<void(TemporaryDevice&)>& judge) {
         auto first = prepare();
         const auto whole = runInProcess(*first, work, std::nullopt).after;
+        judge(*first);
         size_t cut = 0;
         for (size_t kill = 0; kill < killCount() && !HasFailure(); ++kill) {
             auto device = prepare();
@@ -258,5 +331,41 @@ TEST_F(Interrupted, ASaveOfChoicesLeavesTheOldOnesOrTheNew) {
         runInProcess(device, saveDefaults, std::nullopt);
         const auto whole = platform::parsePropertyList(device.contents(preferences));
         EXPECT_EQ(whole->as<platform::Dictionary>()->at("second").unsignedValue(), 59);
+    });
+}
+
+TEST_F(Interrupted, AToggleLeavesOneFileAndAWholeListAndTheNextOneCompletesIt) {
+    interrupt("toggle", newDeviceWithAddon, toggleAddon, [](TemporaryDevice& device) {
+        const std::string whenOn = fmt::format("/.\n/Library\n{}.dylib\n", addonPath);
+        const std::string whenOff = fmt::format("{}{}.disabled\n", whenOn, addonPath);
+        const auto folder = std::string(addonPath.substr(0, addonPath.rfind('/')));
+        const auto files = filesBelow(device, folder);
+        ASSERT_EQ(files.size(), 1U);
+        EXPECT_TRUE(files.begin()->first == "Addon.dylib" || files.begin()->first == "Addon.disabled");
+        EXPECT_EQ(files.begin()->second, "addon");
+        EXPECT_THAT(device.contents(addonList), testing::AnyOf(whenOn, whenOff));
+        runInProcess(device, toggleAddon, std::nullopt);
+        EXPECT_EQ(filesBelow(device, folder).begin()->first, "Addon.disabled");
+        EXPECT_EQ(device.contents(addonList), whenOff);
+    });
+}
+
+TEST_F(Interrupted, AFontsMoveLeavesTheWholeFolderInOneOfItsPlaces) {
+    std::map<std::string, std::string> fonts;
+    const auto prepare = [&] {
+        auto device = newDeviceWithFonts();
+        fonts = filesBelow(*device, OZFontsFolderMover::systemPath);
+        return device;
+    };
+    interrupt("fonts move", prepare, moveFonts, [&](TemporaryDevice& device) {
+        for (int repeats = 0; repeats < 2; ++repeats) {
+            const auto onSystem = filesBelow(device, OZFontsFolderMover::systemPath);
+            const auto onData = filesBelow(device, OZFontsFolderMover::dataPath);
+            EXPECT_TRUE(onSystem == fonts || onSystem.empty());
+            EXPECT_TRUE(onData == fonts || onData.empty());
+            EXPECT_FALSE(onSystem.empty() && onData.empty());
+            runInProcess(device, moveFonts, std::nullopt);
+        }
+        ::umount2(device.hostPath("/var").c_str(), MNT_DETACH);
     });
 }
