@@ -113,6 +113,21 @@ def cache_folder(bench):
     shutil.rmtree(device)
 
 
+def large_folder(bench):
+    device = bench.make.device("large", steps=["CACHEFILES"])
+    folder = root(device, SNAPSHOTS)
+
+    def on_new_files(command, **options):
+        bench.make.files(folder, 1, 1000000)
+        return bench.measure(command, **options)
+
+    bench.row(
+        "cleanup of one folder of 1,000,000 files; `rm -rf` without a log", 1.25,
+        lambda: on_new_files(bench.ozvarine(device, "-clean")),
+        lambda: on_new_files(["rm", "-rf", folder]))
+    shutil.rmtree(device)
+
+
 def prune_pattern(device):
     """The pattern of the step with every other step off, as the step itself makes it."""
     containers = ["/var/mobile/Containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
@@ -221,7 +236,7 @@ def cleaner(bench):
         at_least=True)
 
 
-SECTIONS = {"cache": cache_folder, "million": million, "test": test_mode, "attachments": attachments,
+SECTIONS = {"cache": cache_folder, "large": large_folder, "million": million, "test": test_mode, "attachments": attachments,
             "start": small_processes, "graph": graph, "cleaner": cleaner}
 
 
