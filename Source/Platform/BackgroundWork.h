@@ -10,8 +10,8 @@
 
 namespace platform {
 
-/// Pieces of work that are done on a few threads while their owner goes on, in any order and side by side. One
-/// thread owns it; the threads start with the first piece and end with the object.
+/// Pieces of work that are done on a few threads while their owner goes on, in any order and side by side.
+/// One thread owns it; the threads start with the first piece and end with the object.
 class BackgroundWork {
   public:
     BackgroundWork() = default;
@@ -20,8 +20,8 @@ class BackgroundWork {
     /// Waits until all is done; what pieces threw is lost.
     ~BackgroundWork();
 
-    /// Leaves a piece to the threads. Where there are none, or where they are behind, does it at once and throws
-    /// what it throws.
+    /// Leaves a piece to the threads. Where there are none, or where they are behind, does it at once and
+    /// throws what it throws.
     void add(std::function<void()> piece);
     /// Returns when all that was added is done. Throws what a piece threw on a thread, the first of several.
     void finish();

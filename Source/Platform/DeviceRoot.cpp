@@ -20,7 +20,7 @@ constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
 std::atomic<bool> kernelCannot = false;
 
 Result<Descriptor> openWithKernel(int base, const char* path, uint64_t resolve) {
-    struct open_how how{};
+    struct open_how how {};
     how.flags = folderFlags;
     how.resolve = resolve | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
     // EAGAIN: something was renamed while ".." was looked at.

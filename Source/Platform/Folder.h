@@ -54,8 +54,8 @@ class Item {
     [[nodiscard]] Result<void> renameReplacing(std::string_view newName) const;
     /// Moves the item, across file systems by copy and removal; owner, mode, times and extended attributes
     /// stay. An existing target is an error (EEXIST). A failed move leaves the item where it was; only where
-    /// the removal after a copy fails, the whole copy is there beside what could not be removed. Even while a copy
-    /// is made or removed, each of the two names stands for the whole item or for nothing.
+    /// the removal after a copy fails, the whole copy is there beside what could not be removed. Even while a
+    /// copy is made or removed, each of the two names stands for the whole item or for nothing.
     [[nodiscard]] Result<void> moveTo(const Item& target) const;
     /// Copies the item, a folder with all that is in it, with what `moveTo` keeps. A failed copy leaves
     /// nothing. Holes in files stay holes; names of one file become files of their own.

@@ -188,6 +188,14 @@ TEST_P(TreeRemovalTest, RemovalSurvivesInnerFoldersSwappedForLinks) {
     });
 }
 
+TEST_P(TreeRemovalTest, DeepTreesGoWithFewDescriptors) {
+    make("deep/");
+    makeDeepFolders((*files->folderAtPath("/deep"))->descriptor(), 20000);
+    const LoweredLimit fewDescriptors(RLIMIT_NOFILE, 1024);
+    EXPECT_TRUE(files->removeItemAtPath("/deep"));
+    EXPECT_FALSE(exists("/deep"));
+}
+
 TEST_P(TreeRemovalTest, FolderMovedAwayLeadsNoRemovalToItsNewNeighbours) {
     make("keep/canary: alive\nkeep/deep/canary: alive");
     host.make("outside/hole/d/");

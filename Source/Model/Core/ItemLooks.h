@@ -19,7 +19,8 @@ struct ItemLook {
 };
 
 /// Looks at items below one folder, on several threads, while more of them are still being found. An analysis
-/// changes nothing, so nobody can tell that the later items were looked at before the first ones were counted.
+/// changes nothing, so nobody can tell that the later items were looked at before the first ones were
+/// counted.
 class ItemLooks {
   public:
     /// Begins with the names that are found already.

@@ -129,8 +129,8 @@ void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
     OZTask::launchSyncTask(_device, *sed, {"-i", script, std::string(logFilePath)}, true);
 }
 
-// The host's tool would find the log by its path, and its folder belongs to an ordinary user, who could lead the
-// tool to other people's files of that name.
+// The host's tool would find the log by its path, and its folder belongs to an ordinary user, who could lead
+// the tool to other people's files of that name.
 void OZCleanupLogger::insertAtLine(std::string_view text, unsigned long line) {
     auto content = _fileManager.contentsAtPath(logFilePath, std::numeric_limits<uint64_t>::max());
     const auto start = content ? startOfLine(*content, line) : std::nullopt;

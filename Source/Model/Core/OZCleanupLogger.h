@@ -29,8 +29,9 @@ class OZCleanupLogger {
     void log(std::string_view text) { write(text, {}); }
     /// The text and a blank line.
     void logWithSpacer(std::string_view text);
-    /// Puts the text before a line of the closed file (the first is 1), or behind its last line where that is the
-    /// one before. Nothing without a "sed" on the device; one that the device folder brings does the work.
+    /// Puts the text before a line of the closed file (the first is 1), or behind its last line where that is
+    /// the one before. Nothing without a "sed" on the device; one that the device folder brings does the
+    /// work.
     void logAtLine(std::string_view text, unsigned long line);
 
   private:

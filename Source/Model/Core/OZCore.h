@@ -22,7 +22,7 @@
 namespace platform {
 class BackgroundWork;
 class Device;
-}
+} // namespace platform
 enum class OZAction : unsigned;
 struct CleanupStepDescription;
 class ItemLooks;
@@ -48,9 +48,9 @@ enum class Analyze : bool { no, yes };
 /// What becomes of the backups of test runs.
 enum class BackupAction : bool { remove, restore };
 
-/// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling thread,
-/// and the device's current directory belongs to it. While it runs, another thread may poll `isRunning`,
-/// `cleanupStepCount` and `fileCount`.
+/// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling
+/// thread, and the device's current directory belongs to it. While it runs, another thread may poll
+/// `isRunning`, `cleanupStepCount` and `fileCount`.
 class OZCore : public platform::FileManager, public OZUserDefaultsSync {
   public:
     using Paths = std::vector<std::string>;
@@ -100,7 +100,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     static std::vector<std::string> defaultFileTypes();
     [[nodiscard]] const std::vector<std::string>& fileTypes() const { return _fileTypes; }
     void resetFileTypes();
-    /// Takes the types that may be cleaned; true if any was refused. Nothing but empty texts means the defaults.
+    /// Takes the types that may be cleaned; true if any was refused. Nothing but empty texts means the
+    /// defaults.
     bool setFileTypesExcludingIllegal(std::vector<std::string> fileTypes);
     /// English names of languages.
     [[nodiscard]] const LanguageNames& languagesToRemove() const { return _languagesToRemove; }
@@ -114,8 +115,9 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void localize();
     /// The languages that may be chosen, in the order of the language table: not English, nor those in use.
     [[nodiscard]] std::vector<std::string> removableLanguages();
-    /// The lines of the language table, "lang" of the program's resources: a language's English name and the other
-    /// forms of it in names of files, each a regular expression. Empty where it cannot be read; kept otherwise.
+    /// The lines of the language table, "lang" of the program's resources: a language's English name and the
+    /// other forms of it in names of files, each a regular expression. Empty where it cannot be read; kept
+    /// otherwise.
     const std::vector<std::string>& languageRegexFileLines();
     /// Regular expressions for the languages to remove: all forms, or the two-letter codes alone.
     [[nodiscard]] std::vector<std::string> languageRegexComponentsShort(bool codesOnly);
@@ -126,7 +128,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void writeDefaults() override;
 
     // A run and what it tells.
-    /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is over.
+    /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is
+    /// over.
     void clean(const platform::Dictionary* settings, Analyze analyze);
     /// Removes payload that the device or its user has no need of: images, artwork, languages, keyboards or
     /// voices. An action of another kind leaves the run open; nobody may ask for one.
@@ -146,8 +149,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     /// Completes the counters of a run and gives its summary; with the size when asked for it.
     std::string processFreedSpaceAndReturnResultsString(bool withSize);
 
-    // Primitives. Steps name things and call them; only they look at the mode, count, log and act. What cannot be
-    // read is skipped without a word.
+    // Primitives. Steps name things and call them; only they look at the mode, count, log and act. What
+    // cannot be read is skipped without a word.
     /// Regular files only.
     void del(const Paths& paths);
     void del(const platform::FoundPaths& found);
@@ -166,20 +169,22 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void delFilesInFolderRecursive(std::string_view folder);
     /// The same without the files whose name matches one of the patterns.
     void delFilesExcludingPatternsRecursive(std::string_view folder, const NamePatterns& patterns);
-    /// Whether a path's last component is one of the exact matches, or begins with, contains or ends in a pattern.
+    /// Whether a path's last component is one of the exact matches, or begins with, contains or ends in a
+    /// pattern.
     [[nodiscard]] static bool matchDelExcludingPatterns(std::string_view path, const NamePatterns& patterns);
     /// Direct entries whose name has all the given patterns; an absent one is not asked for.
     void delWithPattern(std::string_view folder, std::optional<std::string_view> startPattern,
-                        std::optional<std::string_view> middlePattern, std::optional<std::string_view> endPattern,
-                        OnlyFiles onlyFiles);
-    /// Direct entries whose name has any of the patterns. End patterns are tried at the name's beginning, too.
+                        std::optional<std::string_view> middlePattern,
+                        std::optional<std::string_view> endPattern, OnlyFiles onlyFiles);
+    /// Direct entries whose name has any of the patterns. End patterns are tried at the name's beginning,
+    /// too.
     void delWithPatterns(std::string_view folder, const NamePatterns& patterns, OnlyFiles onlyFiles);
     /// Goes to a directory and logs that; false, and nothing logged, if there is none.
     bool changeDir(std::string_view path);
     /// Folders below a folder that hold no file at any depth.
     void delEmptyDirs(std::string_view folder);
-    /// The paths that the device's "find" prints for these arguments, the first of which is the folder to search.
-    /// None without the tool.
+    /// The paths that the device's "find" prints for these arguments, the first of which is the folder to
+    /// search. None without the tool.
     platform::FoundPaths find(const std::vector<std::string>& arguments);
     /// The same over several folders with one run of the tool; those that are not there are left out.
     std::vector<platform::FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
@@ -193,8 +198,9 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     /// current directory stays where the rule for the application went.
     void cleanKnownApp(std::string_view identifier);
 
-    /// The folders of the attachments that the message database knows, relative to the user's home, one for each
-    /// attachment. None if the database cannot be read as a whole; an empty list means that it knows none.
+    /// The folders of the attachments that the message database knows, relative to the user's home, one for
+    /// each attachment. None if the database cannot be read as a whole; an empty list means that it knows
+    /// none.
     std::optional<Paths> attachmentPathsFromSMSDatabase();
 
   private:

@@ -26,7 +26,8 @@ void OZCore::restore(const platform::FoundPaths& backups) {
         if (const auto item = itemBelow(backups.folder, backups.names[index])) {
             restoreItem(*item, backups.path(index));
         }
-        // The folder found last is that of the item, which none of its entries takes along, or else an older one.
+        // The folder found last is that of the item, which none of its entries takes along, or else an older
+        // one.
         if (!backups.names[index].contains('/')) {
             forgetLastFolder();
         }

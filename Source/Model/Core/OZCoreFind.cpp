@@ -24,8 +24,8 @@ bool readsAsExpression(std::string_view folder) {
     return folder.empty() || std::string_view("-(),!").contains(folder.front());
 }
 
-// The folder that a path was found in, or none. The tool searches the folders one after the other, and so it is the
-// current one or one behind it.
+// The folder that a path was found in, or none. The tool searches the folders one after the other, and so it
+// is the current one or one behind it.
 std::vector<FoundPaths>::iterator homeOf(std::string_view path, std::vector<FoundPaths>::iterator current,
                                          std::vector<FoundPaths>::iterator end) {
     return std::find_if(current, end, [&](const FoundPaths& folder) {

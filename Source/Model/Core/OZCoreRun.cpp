@@ -38,8 +38,8 @@ OZCoreMode OZCore::modeFor(Analyze analyze) const {
     return _testMode ? OZCoreMode::test : OZCoreMode::clean;
 }
 
-// Where items go, the log tells what was touched even when the run is killed. What a test run moves and what a restore
-// moves back can be seen in the tree itself.
+// Where items go, the log tells what was touched even when the run is killed. What a test run moves and what
+// a restore moves back can be seen in the tree itself.
 uint64_t OZCore::beginRun(OZCoreMode mode) {
     return beginRun(mode, runtitle::forMode(mode),
                     mode == OZCoreMode::clean ? FileWriting::direct : FileWriting::gathered);

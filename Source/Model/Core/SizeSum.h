@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <vector>
 
-/// Sums the sizes of entries, on several threads, while the walks that find them go on; what is gone by then has
-/// none. The items keep their folders open, so few folders are handed over at once.
+/// Sums the sizes of entries, on several threads, while the walks that find them go on; what is gone by then
+/// has none. The items keep their folders open, so few folders are handed over at once.
 class SizeSum {
   public:
     void add(platform::Item item);

@@ -22,8 +22,8 @@ class OZPackageGraph {
     OZPackageGraph(const OZPackageGraph&) = delete;
     OZPackageGraph& operator=(const OZPackageGraph&) = delete;
 
-    /// Takes the next bytes of the tool's answer, record by record; what is no record of an installed package is
-    /// passed over. The bytes need not outlive the call.
+    /// Takes the next bytes of the tool's answer, record by record; what is no record of an installed package
+    /// is passed over. The bytes need not outlive the call.
     void read(std::string_view bytes);
     /// Links the packages, once the whole answer has been read. False if it is none: empty, or not UTF-8.
     [[nodiscard]] bool link();

@@ -278,8 +278,8 @@ bool OZTask::getOutput() {
     while ((count = ::read(_pipe->readEnd.get(), chunk.data(), chunk.size())) != 0) {
         if (count > 0) {
             take({chunk.data(), static_cast<size_t>(count)});
-            // A tool with much to say writes a little at a time. To be woken for each of them costs both sides more
-            // than to let some of them gather in the pipe.
+            // A tool with much to say writes a little at a time. To be woken for each of them costs both
+            // sides more than to let some of them gather in the pipe.
             if (static_cast<size_t>(count) < smallPart && ++smallParts > smallPartsAtOnce) {
                 std::this_thread::sleep_for(gatheringTime);
             }

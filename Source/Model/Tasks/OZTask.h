@@ -109,8 +109,8 @@ class OZTask : public std::enable_shared_from_this<OZTask> {
     /// A change after the launch has no effect.
     void setStdErrAction(OZTaskStreamAction action) { _stdErrAction = action; }
     void setStdOutAction(OZTaskStreamAction action) { _stdOutAction = action; }
-    /// Is given each part of the captured bytes as soon as it is read, on the thread that reads; the part is valid
-    /// during the call. The task then keeps no output itself.
+    /// Is given each part of the captured bytes as soon as it is read, on the thread that reads; the part is
+    /// valid during the call. The task then keeps no output itself.
     void setOutputHandler(std::function<void(std::string_view part)> handler) {
         _outputHandler = std::move(handler);
     }

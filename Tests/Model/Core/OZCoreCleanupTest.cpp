@@ -4,19 +4,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using tests::EngineFixture;
 using testing::ElementsAre;
 using testing::MatchesRegex;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
+using tests::EngineFixture;
 
 namespace {
 
 void addTemporaryFiles(TemporaryDevice& device) {
-    for (const char* path : {"/var/tmp/logs/deep/x", "/var/tmp/log.txt", "/var/tmp/zz", "/var/tmp/sshstate",
-                             "/var/tmp/a/com.blued.y", "/var/spool/mdt/q/w", "/var/mobile/Media/ApplicationArchives/z",
-                             "/var/tmp/a/sock", "/var/mobile/Library/Assets/com_apple_MobileAsset_SoftwareUpdatX/a",
-                             "/var/MobileAsset/Assets/com_apple_MobileAsset_SoftwareUpdatX/a"}) {
+    for (const char* path :
+         {"/var/tmp/logs/deep/x", "/var/tmp/log.txt", "/var/tmp/zz", "/var/tmp/sshstate",
+          "/var/tmp/a/com.blued.y", "/var/spool/mdt/q/w", "/var/mobile/Media/ApplicationArchives/z",
+          "/var/tmp/a/sock", "/var/mobile/Library/Assets/com_apple_MobileAsset_SoftwareUpdatX/a",
+          "/var/MobileAsset/Assets/com_apple_MobileAsset_SoftwareUpdatX/a"}) {
         device.addFile(path, "12345");
     }
 }
@@ -32,8 +33,9 @@ TEST(Cleanup, TemporaryFilesGoAndWhatIsInUseStays) {
                              "/var/mobile/Library/Assets/com_apple_MobileAsset_SoftwareUpdatX"}) {
         EXPECT_FALSE(engine.exists(path)) << path;
     }
-    for (const char* path : {"/var/tmp/sshstate", "/var/tmp/a/com.blued.y", "/var/tmp/a/sock", "/var/spool/mdt",
-                             "/var/MobileAsset/Assets/com_apple_MobileAsset_SoftwareUpdatX/a"}) {
+    for (const char* path :
+         {"/var/tmp/sshstate", "/var/tmp/a/com.blued.y", "/var/tmp/a/sock", "/var/spool/mdt",
+          "/var/MobileAsset/Assets/com_apple_MobileAsset_SoftwareUpdatX/a"}) {
         EXPECT_TRUE(engine.exists(path)) << path;
     }
     EXPECT_EQ(engine.core->cleanupStepCount(), 2);
@@ -48,26 +50,29 @@ TEST(Cleanup, TestModeRenamesAndAnalysisChangesNothing) {
     // The files below "logs" are met by the first row as part of it and by the second row on their own.
     EXPECT_EQ(engine.core->fileCount(), 10);
     engine.clean({cleanupstep::tempFiles}, OZCoreMode::test);
-    // Here the second row meets them under the first row's backup names: one is moved within the moved folder, one
-    // is a backup itself and only counted.
+    // Here the second row meets them under the first row's backup names: one is moved within the moved
+    // folder, one is a backup itself and only counted.
     EXPECT_EQ(engine.core->fileCount(), 10);
     EXPECT_TRUE(engine.exists("/var/tmp/zz.OzvarineBackup"));
     EXPECT_TRUE(engine.exists("/var/tmp/logs.OzvarineBackup/deep/x.OzvarineBackup"));
-    EXPECT_THAT(engine.log(), StartsWith("###################\n# PROCESSED FILES #\n###################\n\nDate: "));
+    EXPECT_THAT(engine.log(),
+                StartsWith("###################\n# PROCESSED FILES #\n###################\n\nDate: "));
 }
 
 TEST(Cleanup, SummaryStandsAtLineFourWhateverFollows) {
     const std::string summary = "\nDate: [0-9]{2}-[0-9]{2}-[0-9]{4} [0-9]{2}:[0-9]{2}\n\nNumber of files: ";
     EngineFixture engine;
     engine.clean({});
-    EXPECT_THAT(engine.log(), MatchesRegex("#+\n# DELETED FILES #\n#+\n" + summary + "0\nTotal size: 0.00 B\n"));
+    EXPECT_THAT(engine.log(),
+                MatchesRegex("#+\n# DELETED FILES #\n#+\n" + summary + "0\nTotal size: 0.00 B\n"));
     EXPECT_EQ(engine.core->freedSpaceString(), "0.00 B");
     EXPECT_EQ(engine.core->freedSpace(), 0);
 
     engine.device.addFile("/var/tmp/zz", "12345");
     engine.clean({cleanupstep::tempFiles}, OZCoreMode::analyze);
-    EXPECT_THAT(engine.log(), MatchesRegex("#+\n# PROCESSED FILES #\n#+\n" + summary +
-                                           "1\nApproximate size: 5.00 B\n\nTemporary Files\n#+\n\n/var/tmp/zz\n\n"));
+    EXPECT_THAT(engine.log(),
+                MatchesRegex("#+\n# PROCESSED FILES #\n#+\n" + summary +
+                             "1\nApproximate size: 5.00 B\n\nTemporary Files\n#+\n\n/var/tmp/zz\n\n"));
 }
 
 TEST(Cleanup, LogTakesThePlaceOfWhateverStandsInItsWay) {
@@ -124,7 +129,8 @@ TEST(Cleanup, StepsThatAreOnAreEnteredInTheirOrder) {
     size_t last = 0;
     for (const auto& step : cleanupSteps) {
         const size_t at = engine.log().find(step.logHeading);
-        const bool isOn = settings.contains(std::string(step.key)) && settings[std::string(step.key)].boolValue().value();
+        const bool isOn =
+            settings.contains(std::string(step.key)) && settings[std::string(step.key)].boolValue().value();
         EXPECT_EQ(at != std::string::npos, isOn) << step.key;
         EXPECT_TRUE(!isOn || at >= last) << step.key;
         last = isOn ? at : last;

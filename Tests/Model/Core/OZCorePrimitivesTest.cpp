@@ -3,10 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using tests::EngineFixture;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
+using tests::EngineFixture;
 
 namespace {
 
@@ -24,7 +24,9 @@ struct Case {
     bool folderStays;
 };
 
-void PrintTo(const Case& row, std::ostream* out) { *out << row.name; }
+void PrintTo(const Case& row, std::ostream* out) {
+    *out << row.name;
+}
 
 const OZCore::Paths everything = {"/f", "/d", "/l", "/missing"};
 
@@ -57,29 +59,38 @@ INSTANTIATE_TEST_SUITE_P(
     Modes, PrimitiveCounting,
     testing::Values(
         Case{"del cleans", OZCoreMode::clean, [](OZCore& core) { core.del(everything); }, 1, 0, false, true},
-        Case{"del analyzes", OZCoreMode::analyze, [](OZCore& core) { core.del(everything); }, 1, 3, true, true},
+        Case{"del analyzes", OZCoreMode::analyze, [](OZCore& core) { core.del(everything); }, 1, 3, true,
+             true},
         Case{"del tests", OZCoreMode::test, [](OZCore& core) { core.del(everything); }, 1, 3, false, true},
         // The folder, its sub-folder, two files and a link, beside the file; a named link is left alone.
-        Case{"delr cleans", OZCoreMode::clean, [](OZCore& core) { core.delr(everything); }, 6, 0, false, false},
-        Case{"delr analyzes", OZCoreMode::analyze, [](OZCore& core) { core.delr(everything); }, 6, 7, true, true},
+        Case{"delr cleans", OZCoreMode::clean, [](OZCore& core) { core.delr(everything); }, 6, 0, false,
+             false},
+        Case{"delr analyzes", OZCoreMode::analyze, [](OZCore& core) { core.delr(everything); }, 6, 7, true,
+             true},
         Case{"delr tests", OZCoreMode::test, [](OZCore& core) { core.delr(everything); }, 6, 7, false, false},
         // No type is asked: the link goes, too, and a folder is one item.
-        Case{"quickDel cleans", OZCoreMode::clean, [](OZCore& core) { core.quickDel(everything); }, 3, 0, false,
-             false},
+        Case{"quickDel cleans", OZCoreMode::clean, [](OZCore& core) { core.quickDel(everything); }, 3, 0,
+             false, false},
         Case{"quickDel analyzes", OZCoreMode::analyze, [](OZCore& core) { core.quickDel(everything); }, 3, 3,
              true, true},
         Case{"quickDel tests", OZCoreMode::test, [](OZCore& core) { core.quickDel(everything); }, 3, 3, false,
              false},
         // In an analysis alone, what is missing counts.
         Case{"quickDelLang cleans", OZCoreMode::clean,
-             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 0, true,
-             false},
+             [](OZCore& core) {
+                 core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"});
+             },
+             1, 0, true, false},
         Case{"quickDelLang analyzes", OZCoreMode::analyze,
-             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 3, 4, true,
-             true},
+             [](OZCore& core) {
+                 core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"});
+             },
+             3, 4, true, true},
         Case{"quickDelLang tests", OZCoreMode::test,
-             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 4, true,
-             false}),
+             [](OZCore& core) {
+                 core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"});
+             },
+             1, 4, true, false}),
     [](const auto& row) {
         std::string name = row.param.name;
         std::ranges::replace(name, ' ', '_');
@@ -110,7 +121,8 @@ TEST(OZCorePrimitives, ALaterStepSeesAnItemAgainInAnalysisAlone) {
 
 TEST(OZCorePrimitives, PatternsAskTheEntrysName) {
     EngineFixture engine;
-    for (const char* path : {"/p/logs.txt", "/p/catalog", "/p/log/deep", "/p/http_x", "/p/a.google.b", "/p/.flurry"}) {
+    for (const char* path :
+         {"/p/logs.txt", "/p/catalog", "/p/log/deep", "/p/http_x", "/p/a.google.b", "/p/.flurry"}) {
         engine.device.addFile(path);
     }
     engine.enter(OZCoreMode::analyze);
@@ -142,7 +154,8 @@ TEST(OZCorePrimitives, RecursiveDeletionSparesNamesAndFolders) {
     constexpr std::string_view middle[] = {"blued"};
     engine.core->delFilesExcludingPatternsRecursive("/t", {.exactMatches = exact, .middlePatterns = middle});
     EXPECT_THAT(engine.loggedPaths(), UnorderedElementsAre("/t/blued/x", "/t/y"));
-    EXPECT_TRUE(engine.exists("/t/a/sock") && engine.exists("/t/a/my.blued.tmp") && engine.exists("/t/blued"));
+    EXPECT_TRUE(engine.exists("/t/a/sock") && engine.exists("/t/a/my.blued.tmp") &&
+                engine.exists("/t/blued"));
     EXPECT_TRUE(engine.exists("/t/link"));
 }
 
@@ -174,16 +187,38 @@ TEST(OZCorePrimitives, EmptyFoldersAreThoseWithoutAFileAtAnyDepth) {
     EXPECT_EQ(engine.core->fileCount(), 3);
 }
 
+TEST(OZCorePrimitives, EveryByteOfANameComesThroughSearchLogAndDeletion) {
+    EngineFixture engine;
+    std::vector<std::string> lines;
+    for (int byte = 1; byte < 256; ++byte) {
+        if (byte != '/') {
+            lines.push_back(std::string("/n/name ") + static_cast<char>(byte) + ".log");
+            engine.device.addFile(lines.back());
+        }
+    }
+    engine.enter(OZCoreMode::clean);
+    engine.core->quickDel(engine.core->find({"/n", "-type", "f", "-print"}));
+    EXPECT_TRUE(std::filesystem::is_empty(engine.device.hostPath("/n")));
+    std::string log = engine.log();
+    for (const auto& line : lines) {
+        const size_t found = log.find(line + "\n\n");
+        ASSERT_NE(found, std::string::npos) << line;
+        log.erase(found, line.size() + 2);
+    }
+    EXPECT_EQ(log, "");
+}
+
 TEST(OZCorePrimitives, FindGivesNamesOfAnyBytes) {
     EngineFixture engine;
-    const std::vector<std::string> names = {"plain.log", "white space.log", "line\nbreak.log", "\xff\xfe.log"};
+    const std::vector<std::string> names = {"plain.log", "white space.log", "line\nbreak.log",
+                                            "\xff\xfe.log"};
     for (const auto& name : names) {
         engine.device.addFile("/n/" + name);
     }
     engine.device.addFile("/break.log");
     engine.enter(OZCoreMode::clean);
-    const auto found = engine.core->find({"/n", "-regextype", "posix-extended", "-regex", "^.*\\.(log)$", "-type",
-                                          "f", "-print"});
+    const auto found = engine.core->find(
+        {"/n", "-regextype", "posix-extended", "-regex", "^.*\\.(log)$", "-type", "f", "-print"});
     EXPECT_THAT(found.names, testing::UnorderedElementsAreArray(names));
     engine.core->quickDel(found);
     EXPECT_EQ(engine.core->fileCount(), names.size());

@@ -1,6 +1,6 @@
 #include "Model/Tasks/OZTask.h"
-#include "Model/Tasks/SeparatedPieces.h"
 
+#include "Model/Tasks/SeparatedPieces.h"
 #include "Platform/Error.h"
 #include "Tests/Support/TemporaryDevice.h"
 
