@@ -8,7 +8,13 @@
 
 void readInput(std::string_view bytes) {
     static TemporaryDevice device;
-    OZPackageGraph graph(device.device(), bytes);
+    OZPackageGraph graph(device.device());
+    // The tool's answer comes in parts, whose length the input decides itself.
+    const size_t length = bytes.empty() ? 1 : 1 + static_cast<unsigned char>(bytes.front());
+    for (size_t start = 0; start < bytes.size(); start += length) {
+        graph.read(bytes.substr(start, length));
+    }
+    std::ignore = graph.link();
     for (OZPackage& package : graph.packages()) {
         require(graph.packageWithIdentifier(package.identifier()) == &package);
         for (const OZPackage* dependency : package.directDependencies()) {
