@@ -42,6 +42,11 @@ class Bench:
         seconds, peak = self.measured(command, count, **options)[-1].split()
         return float(seconds) / count, int(peak)
 
+    def measure_on_files(self, folder, folders, files, command, **options):
+        """The same after the folder has been filled anew."""
+        self.make.files(folder, folders, files)
+        return self.measure(command, **options)
+
     def own_measure(self, command):
         """The same of a command that tells its seconds itself."""
         own, others = self.measured(command, 1)[-2:]
@@ -101,30 +106,22 @@ def cache_folder(bench):
         lambda: bench.measure(bench.shell("find ./Snapshots -mindepth 1 -printf '%s %p\\n\\n' > \"$1\"", bench.output),
                               cwd=caches))
 
-    def on_new_files(command, **options):
-        bench.make.files(folder, 400, 500)
-        return bench.measure(command, **options)
-
     bench.row(
         "cleanup, the same folder; `find -print`, then `rm -rf`", 0.9,
-        lambda: on_new_files(bench.ozvarine(device, "-clean")),
-        lambda: on_new_files(bench.shell("find ./Snapshots -print > \"$1\"; rm -rf ./Snapshots", bench.output),
-                             cwd=caches))
+        lambda: bench.measure_on_files(folder, 400, 500, bench.ozvarine(device, "-clean")),
+        lambda: bench.measure_on_files(
+            folder, 400, 500, bench.shell("find ./Snapshots -print > \"$1\"; rm -rf ./Snapshots", bench.output),
+            cwd=caches))
     shutil.rmtree(device)
 
 
 def large_folder(bench):
     device = bench.make.device("large", steps=["CACHEFILES"])
     folder = root(device, SNAPSHOTS)
-
-    def on_new_files(command, **options):
-        bench.make.files(folder, 1, 1000000)
-        return bench.measure(command, **options)
-
     bench.row(
         "cleanup of one folder of 1,000,000 files; `rm -rf` without a log", 1.25,
-        lambda: on_new_files(bench.ozvarine(device, "-clean")),
-        lambda: on_new_files(["rm", "-rf", folder]))
+        lambda: bench.measure_on_files(folder, 1, 1000000, bench.ozvarine(device, "-clean")),
+        lambda: bench.measure_on_files(folder, 1, 1000000, ["rm", "-rf", folder]))
     shutil.rmtree(device)
 
 
