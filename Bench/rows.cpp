@@ -1,8 +1,6 @@
 // Parts of the comparison that no switch of the program reaches, and the trees that it needs:
 //   rows test-and-restore DEVICE   moves the temporary files to backup names and back again
-//   rows graph DEVICE              asks for the packages and links them; writes to standard error how many
-//   seconds
-//                                  that took
+//   rows graph DEVICE              asks for the packages and links them, and tells the seconds of that
 //   rows files FOLDER FOLDERS FILES   makes that many folders with that many small files in each
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCleanupLogger.h"

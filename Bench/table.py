@@ -233,8 +233,8 @@ def cleaner(bench):
         at_least=True)
 
 
-SECTIONS = {"cache": cache_folder, "large": large_folder, "million": million, "test": test_mode, "attachments": attachments,
-            "start": small_processes, "graph": graph, "cleaner": cleaner}
+SECTIONS = {"cache": cache_folder, "large": large_folder, "million": million, "test": test_mode,
+            "attachments": attachments, "start": small_processes, "graph": graph, "cleaner": cleaner}
 
 
 def describe_machine():

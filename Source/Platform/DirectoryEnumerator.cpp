@@ -34,7 +34,7 @@ Result<FileAttributes> DirectoryEnumerator::fileAttributes() const {
     if (_levels.empty()) {
         return failure(ENOENT);
     }
-    struct stat status {};
+    struct stat status{};
     if (::fstatat(_levels.back().folder->descriptor(), _path.c_str() + _nameStart, &status,
                   AT_SYMLINK_NOFOLLOW) < 0) {
         return lastError();
@@ -98,7 +98,7 @@ bool DirectoryEnumerator::fill(Level& level) {
 }
 
 void DirectoryEnumerator::giveUpDescriptor(Level& level) {
-    struct stat status {};
+    struct stat status{};
     if (!level.folder || ::fstat(level.folder->descriptor(), &status) < 0) {
         return;
     }

@@ -45,7 +45,7 @@ std::string joinedNames(const std::vector<std::string>& names) {
 }
 
 Result<FileAttributes> attributesOf(int folder, const char* name) {
-    struct stat status {};
+    struct stat status{};
     if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) < 0) {
         return lastError();
     }
@@ -122,7 +122,7 @@ Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
 
 Result<std::shared_ptr<const Folder>> FileManager::folderAtPath(std::string_view path) {
     // Another program may have removed it and made a new one in its place.
-    struct stat status {};
+    struct stat status{};
     if (isLastFolder(nullptr, path) && ::fstat(_lastFolder->descriptor(), &status) == 0 &&
         status.st_nlink > 0) {
         return _lastFolder;
@@ -210,7 +210,7 @@ Result<FileSystemAttributes> FileManager::attributesOfFileSystemForPath(std::str
     if (!target) {
         return std::unexpected(target.error());
     }
-    struct statvfs status {};
+    struct statvfs status{};
     if (::fstatvfs(target->folder.get(), &status) < 0) {
         return lastError();
     }

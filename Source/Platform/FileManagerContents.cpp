@@ -17,7 +17,7 @@ namespace {
 
 // Looks before it opens: opening a device may already set something off.
 Result<Descriptor> openRegularFile(int folder, const char* name, int flags) {
-    struct stat status {};
+    struct stat status{};
     if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) < 0) {
         return lastError();
     }
@@ -83,7 +83,7 @@ Result<FileHandle> FileManager::openForWriting(std::string_view path) {
     if (!file) {
         return std::unexpected(file.error());
     }
-    struct stat status {};
+    struct stat status{};
     if (::fstat(file->get(), &status) < 0) {
         return lastError();
     }

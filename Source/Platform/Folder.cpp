@@ -39,7 +39,7 @@ Result<void> renameWithoutReplacing(int fromParent, const char* from, int toPare
         return lastError();
     }
     // A file system without the flag: the look and the rename are two steps there.
-    struct stat status {};
+    struct stat status{};
     if (::fstatat(toParent, to, &status, AT_SYMLINK_NOFOLLOW) == 0) {
         return failure(EEXIST);
     }
@@ -66,7 +66,7 @@ Result<std::vector<std::string>> Folder::entries() const {
 }
 
 Result<FileAttributes> Item::attributes() const {
-    struct stat status {};
+    struct stat status{};
     if (::fstatat(_parent->descriptor(), nameInside(_name), &status, AT_SYMLINK_NOFOLLOW) < 0) {
         return lastError();
     }
@@ -119,13 +119,8 @@ Result<void> Item::moveByCopyTo(const Item& target) const {
     if (target.attributes()) {
         return failure(EEXIST);
     }
-    Item copy(target._parent, temporaryNameFor(target._name));
-    auto copied = copyTo(copy);
-    while (!copied && copied.error().value() == EEXIST) {
-        copy._name = temporaryNameFor(target._name);
-        copied = copyTo(copy);
-    }
-    if (!copied) {
+    const Item copy(target._parent, temporaryNameFor(target._name));
+    if (auto copied = copyTo(copy); !copied) {
         return copied;
     }
     auto settled = settle(*target._parent);
