@@ -1,49 +1,67 @@
 #pragma once
 
+#include "Model/Apps/OZAppList.h"
 #include "Model/Core/OZCore.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tests {
 
-/// An engine with its log on a small device of some generation.
+inline constexpr OZCoreMode allModes[] = {OZCoreMode::analyze, OZCoreMode::test, OZCoreMode::clean};
+
+/// An application as a device's facts list it; its bundle is "/Applications/<identifier>.app".
+struct ListedApp {
+    std::string identifier;
+    std::string name;
+    std::string type = "User";
+    /// None for a system application that has none.
+    std::string container = "/c/" + identifier;
+    platform::Dictionary groups{};
+    platform::Dictionary plugins{};
+    bool hasIcon = true;
+};
+
+/// An engine with its log, applications and a killall that notes its calls, on a small device of some
+/// generation.
 class EngineFixture {
   public:
-    explicit EngineFixture(double foundationVersion = 1445.32)
-        : device(platform::DeviceFacts{.foundationVersion = foundationVersion}),
-          core(std::make_unique<OZCore>(device.device(), nullptr, nullptr)) {
-        core->setCleanupLogger(std::make_unique<OZCleanupLogger>(device.device()));
-    }
+    explicit EngineFixture(double foundationVersion = 1445.32, const std::vector<ListedApp>& listedApps = {});
+
+    void addFiles(const std::vector<std::string>& paths);
 
     /// Puts the engine into a mode by way of a run with every step off.
-    void enter(OZCoreMode mode) {
-        core->setTestMode(mode == OZCoreMode::test);
-        const platform::Dictionary nothing;
-        core->clean(&nothing, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
-        core->cleanupLogger()->deleteLogFile();
-    }
+    void enter(OZCoreMode mode);
     /// Runs the given steps alone.
-    void clean(const std::vector<std::string_view>& steps, OZCoreMode mode = OZCoreMode::clean) {
-        platform::Dictionary settings;
-        for (const auto step : steps) {
-            settings[std::string(step)] = true;
-        }
-        core->setTestMode(mode == OZCoreMode::test);
-        core->clean(&settings, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
-    }
-    [[nodiscard]] bool exists(std::string_view path) const {
-        return std::filesystem::exists(std::filesystem::symlink_status(device.hostPath(path)));
-    }
+    void clean(const std::vector<std::string_view>& steps, OZCoreMode mode = OZCoreMode::clean);
+    /// Runs one step alone, with the number that switches it on. Standard output is no terminal meanwhile.
+    void run(std::string_view step, OZCoreMode mode = OZCoreMode::clean, uint64_t number = 1);
+    /// Runs the steps with whatever standard output is.
+    void run(const platform::Dictionary& settings, OZCoreMode mode);
+
+    /// The tree's leaves but the bundles.
+    [[nodiscard]] std::set<std::string> tree() const;
+    [[nodiscard]] bool exists(std::string_view path) const;
     [[nodiscard]] std::string log() const { return device.contents(OZCleanupLogger::logFilePath); }
+    /// The log behind its summary and the step's heading.
+    [[nodiscard]] std::string body() const;
     /// The paths that the log names, in their order.
     [[nodiscard]] std::vector<std::string> loggedPaths() const;
+    /// The items of the log's body, in their order; the directory that some lie in comes first, with a ":".
+    [[nodiscard]] std::vector<std::string> loggedItems() const;
 
     TemporaryDevice device;
+    std::unique_ptr<OZAppList> apps;
     std::unique_ptr<OZCore> core;
 };
+
+/// Every file and link of a tree but the program's own, and every empty folder with a "/" at its end.
+std::set<std::string> leavesOf(const TemporaryDevice& device);
+/// A log's lines that begin with a path.
+std::vector<std::string> pathsNamedBy(const std::string& log);
 
 } // namespace tests

@@ -2,11 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
 
 #include <unistd.h>
-
-namespace fs = std::filesystem;
 
 void EngineTest::SetUp() {
     if (::geteuid() != 0) {
@@ -47,33 +44,6 @@ void EngineTest::addFiles(const Paths& paths, std::string_view content) {
     for (const auto& path : paths) {
         temporary.addFile(path, content);
     }
-}
-
-EngineTest::Tree EngineTest::tree() const {
-    Tree tree;
-    for (const auto& entry : fs::recursive_directory_iterator(temporary.hostPath("/"))) {
-        const std::string path = "/" + entry.path().lexically_relative(temporary.hostPath("/")).string();
-        if (path.starts_with("/var/mobile/Library/Ozvarine")) {
-            continue;
-        }
-        if (entry.is_symlink() || !entry.is_directory()) {
-            tree.insert(path);
-        } else if (fs::is_empty(entry)) {
-            tree.insert(path + "/");
-        }
-    }
-    return tree;
-}
-
-EngineTest::Paths EngineTest::loggedPaths() const {
-    Paths paths;
-    std::istringstream lines(log());
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with('/') || line.starts_with("./")) {
-            paths.push_back(line);
-        }
-    }
-    return paths;
 }
 
 std::set<std::string> difference(const std::set<std::string>& first, const std::set<std::string>& second) {

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "Model/Apps/OZAppList.h"
-#include "Model/Core/OZCore.h"
-#include "Tests/Support/TemporaryDevice.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <initializer_list>
 #include <memory>
@@ -33,11 +31,11 @@ class EngineTest : public testing::Test {
     OZCore& engine(OZCoreMode mode = OZCoreMode::clean);
     [[nodiscard]] OZAppList& appList() { return *_appList; }
 
-    /// Every file and link of the tree but the log, and every empty folder with a "/" at its end.
-    [[nodiscard]] Tree tree() const;
+    /// The tree's leaves, without the log.
+    [[nodiscard]] Tree tree() const { return tests::leavesOf(temporary); }
     [[nodiscard]] std::string log() const { return temporary.contents(OZCleanupLogger::logFilePath); }
     /// What the log names, in its order.
-    [[nodiscard]] Paths loggedPaths() const;
+    [[nodiscard]] Paths loggedPaths() const { return tests::pathsNamedBy(log()); }
 
     TemporaryDevice temporary;
     platform::DeviceFacts facts{.foundationVersion = 1445.32, .applications = platform::Array{}};

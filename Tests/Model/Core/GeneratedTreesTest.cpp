@@ -1,6 +1,7 @@
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/GeneratedTree.h"
 #include "Tests/Support/LogReader.h"
+#include "Tests/Support/StandardOutput.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
@@ -15,10 +16,10 @@
 #include <unistd.h>
 
 using testing::IsEmpty;
+using tests::EngineFixture;
 using tests::GeneratedTree;
 using tests::itemsNamedByLog;
 using tests::ListedApp;
-using tests::StepFixture;
 using tests::TreeSnapshot;
 
 namespace {
@@ -50,8 +51,7 @@ bool isRunsOwn(std::string_view path) {
     return path.starts_with("private/var/mobile/Library/Ozvarine") ||
            path.starts_with("private/elsewhere/Ozvarine") ||
            // A rule whose folder is a link to the user's home moves the log along with all else there.
-           path.contains("/Ozvarine/junk.txt") ||
-           path.ends_with("/Library/Preferences/net.box.BoxNet.plist");
+           path.contains("/Ozvarine/junk.txt") || path.ends_with("/Library/Preferences/net.box.BoxNet.plist");
 }
 
 PathSet difference(const PathSet& left, const PathSet& right) {
@@ -193,7 +193,7 @@ class Specimen {
     [[nodiscard]] std::string log() const { return _device.device.contents(OZCleanupLogger::logFilePath); }
 
     tests::TemporaryFolder _outside{tests::memoryFolder()};
-    StepFixture _device;
+    EngineFixture _device;
     std::string _root;
     GeneratedTree _tree;
     platform::Dictionary _settings;

@@ -1,5 +1,6 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/StandardOutput.h"
 
 #include <cstdlib>
 
@@ -11,8 +12,8 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using tests::EngineFixture;
 using tests::ListedApp;
-using tests::StepFixture;
 
 namespace {
 
@@ -21,7 +22,7 @@ const platform::Dictionary applicationsStep{{std::string(cleanupstep::applicatio
 } // namespace
 
 TEST(SafariStep, CleansSharedFoldersCacheAndContainerInOrder) {
-    StepFixture fixture(1445.32, {{"com.apple.mobilesafari", "Safari", "System", "/c/safari"}});
+    EngineFixture fixture(1445.32, {{"com.apple.mobilesafari", "Safari", "System", "/c/safari"}});
     fixture.addFiles({"/var/mobile/Library/Safari/History.plist", "/var/mobile/Library/Safari/Bookmarks.db",
                       "/var/mobile/Library/WebKit/Databases/d/1",
                       "/var/mobile/Library/Caches/com.apple.mobilesafari/Cache.db",
@@ -45,12 +46,12 @@ TEST(SafariStep, CleansSharedFoldersCacheAndContainerInOrder) {
                                              "./tmp/t/1",
                                              "./Library/Safari/Thumbnails/1",
                                              "./Library/Safari/History.db"};
-    EXPECT_EQ(fixture.loggedPaths(), logged);
+    EXPECT_EQ(fixture.loggedItems(), logged);
     EXPECT_EQ(fixture.tree(), before);
     EXPECT_EQ(fixture.core->fileCount(), 11);
     EXPECT_THAT(fixture.device.journal(), IsEmpty());
     fixture.run(cleanupstep::safari, OZCoreMode::clean);
-    EXPECT_EQ(fixture.loggedPaths(), logged);
+    EXPECT_EQ(fixture.loggedItems(), logged);
     EXPECT_THAT(fixture.tree(),
                 testing::UnorderedElementsAre(
                     "/var/mobile/Library/Safari/Bookmarks.db", "/var/mobile/Library/WebKit/Databases/",
@@ -61,7 +62,7 @@ TEST(SafariStep, CleansSharedFoldersCacheAndContainerInOrder) {
 }
 
 TEST(ApplicationsStep, CleansEveryContainerOfTheUsersApplications) {
-    StepFixture fixture(
+    EngineFixture fixture(
         1445.32,
         {{"z.last", "Zebra", "User", "/c/zebra", {{"group.z", "/g/zebra"}}, {{"plugin.z", "/p/zebra"}}},
          {"a.first", "Älpha\U0001F600", "User", "/c/missing"},
@@ -98,7 +99,7 @@ TEST(ApplicationsStep, CleansEveryContainerOfTheUsersApplications) {
 
 TEST(ApplicationsStep, QuitsApplicationsWhereNobodyWatches) {
     for (const auto mode : tests::allModes) {
-        StepFixture fixture(1445.32, {{"a.b", "Abc"}});
+        EngineFixture fixture(1445.32, {{"a.b", "Abc"}});
         fixture.run(cleanupstep::applications, mode);
         EXPECT_EQ(fixture.device.journal().size(), mode == OZCoreMode::analyze ? 0 : 1);
     }
@@ -106,7 +107,7 @@ TEST(ApplicationsStep, QuitsApplicationsWhereNobodyWatches) {
     ASSERT_GE(terminal, 0);
     ASSERT_EQ(::grantpt(terminal), 0);
     ASSERT_EQ(::unlockpt(terminal), 0);
-    StepFixture fixture(1445.32, {{"a.b", "Abc"}});
+    EngineFixture fixture(1445.32, {{"a.b", "Abc"}});
     {
         const tests::StandardOutput output(::ptsname(terminal));
         fixture.run(applicationsStep, OZCoreMode::clean);
@@ -125,7 +126,7 @@ TEST(BatteryStep, TakesOldArchivesAtOneDepthOfTheSystemContainers) {
         containers + archives + "/old", containers + archives + "/new", containers + archives + "/deep/old",
         containers + "/A/B/Library/BatteryLife/Archives/old", containers + "/A/Library/Other/Archives/old"};
     for (const double version : {1242.11, 1242.12}) {
-        StepFixture fixture(version);
+        EngineFixture fixture(version);
         fixture.addFiles(files);
         fixture.addFiles({"/var/mobile/Library/BatteryLife/Archives/a/1"});
         for (const auto& file : files) {

@@ -1,11 +1,11 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using testing::ElementsAre;
-using tests::StepFixture;
+using tests::EngineFixture;
 
 namespace {
 
@@ -37,7 +37,7 @@ const std::vector<std::string> kept = {caches + "BarVM2",
 
 TEST(CacheStep, TakesCachesAndNothingBeside) {
     for (const auto mode : tests::allModes) {
-        StepFixture fixture;
+        EngineFixture fixture;
         fixture.addFiles(kept);
         const auto keptTree = fixture.tree();
         fixture.addFiles(junk);
@@ -57,11 +57,11 @@ TEST(CacheStep, TakesCachesAndNothingBeside) {
 }
 
 TEST(CacheStep, ADirectoryOfRootsIsMetTwiceByAnAnalysis) {
-    StepFixture fixture;
+    EngineFixture fixture;
     fixture.addFiles(
         {"/var/root/Library/Caches/locationd/consolidated.db", "/var/root/Library/Caches/http_b"});
     fixture.run(cleanupstep::cacheFiles, OZCoreMode::analyze);
-    EXPECT_THAT(fixture.loggedPaths(),
+    EXPECT_THAT(fixture.loggedItems(),
                 ElementsAre("/var/mobile/Library:", "/var/mobile:", "/var/root/Library/Caches:",
                             "./locationd/consolidated.db", "./http_b", "/var/root:",
                             "./Library/Caches/locationd/consolidated.db", "./Library/Caches/http_b"));
@@ -72,7 +72,7 @@ TEST(CacheStep, ADirectoryOfRootsIsMetTwiceByAnAnalysis) {
 
 TEST(CacheStep, TheSearchIndexStaysOnNewerGenerations) {
     for (const double version : {1299.9, 1300.0}) {
-        StepFixture fixture(version);
+        EngineFixture fixture(version);
         fixture.addFiles({"/var/mobile/Library/Spotlight/a/index"});
         fixture.run(cleanupstep::cacheFiles);
         EXPECT_EQ(fixture.exists("/var/mobile/Library/Spotlight/a/index"), version == 1300.0) << version;

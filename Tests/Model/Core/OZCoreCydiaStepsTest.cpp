@@ -1,17 +1,17 @@
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/ProgramIdentity.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
-using tests::StepFixture;
+using tests::EngineFixture;
 
 TEST(CydiaStep, CleansItsCachesAndPartialFiles) {
     for (const auto mode : tests::allModes) {
-        StepFixture fixture;
+        EngineFixture fixture;
         const std::string cydia = "/var/mobile/Library/Caches/com.saurik.Cydia/";
         fixture.addFiles({"/var/mobile/Library/Caches/Snapshots/com.saurik.Cydia/1", cydia + "LocalStorage/1",
                           cydia + "fsCachedData/1", cydia + "ApplicationCache.db", cydia + "Cache.db",
@@ -28,7 +28,7 @@ TEST(CydiaStep, CleansItsCachesAndPartialFiles) {
                                              cydia + "lists/partial/", cydia + "archives/partial/",
                                              "/var/lib/apt/lists/partial/"));
         }
-        const auto logged = fixture.loggedPaths();
+        const auto logged = fixture.loggedItems();
         ASSERT_GE(logged.size(), 9);
         EXPECT_THAT(std::vector(logged.begin(), logged.begin() + 8),
                     ElementsAre("/var/mobile/Library/Caches/Snapshots/com.saurik.Cydia",
@@ -40,15 +40,15 @@ TEST(CydiaStep, CleansItsCachesAndPartialFiles) {
 }
 
 TEST(CydiaStep, CleansCachesOfSystemApplicationsByIdentifier) {
-    StepFixture fixture(1445.32, {{"org.one", "One", "System"},
-                                  {"org.excluded", "Excluded", "System"},
-                                  {"..", "Parent", "System"},
-                                  {"../Preferences", "Elsewhere", "System"},
-                                  {"com.saurik.Cydia", "Cydia", "System"},
-                                  {std::string(programIdentifier), "Ozvarine", "System"},
-                                  {"com.apple.one", "Apple", "System"},
-                                  {"org.user", "User"},
-                                  {"org.hidden", "Hidden", "System", "", {}, {}, false}});
+    EngineFixture fixture(1445.32, {{"org.one", "One", "System"},
+                                    {"org.excluded", "Excluded", "System"},
+                                    {"..", "Parent", "System"},
+                                    {"../Preferences", "Elsewhere", "System"},
+                                    {"com.saurik.Cydia", "Cydia", "System"},
+                                    {std::string(programIdentifier), "Ozvarine", "System"},
+                                    {"com.apple.one", "Apple", "System"},
+                                    {"org.user", "User"},
+                                    {"org.hidden", "Hidden", "System", "", {}, {}, false}});
     fixture.apps->setExclusionMask(OZExclusionMask::cleanup, "org.excluded");
     std::set<std::string> expected;
     for (const std::string folder :
@@ -73,7 +73,7 @@ TEST(CydiaStep, CleansCachesOfSystemApplicationsByIdentifier) {
 }
 
 TEST(CydiaStep, RemovesSnapshotsOfApplicationsThatAreGone) {
-    StepFixture fixture(1445.32, {{"org.user", "User"}, {"com.apple.one", "Apple", "System"}});
+    EngineFixture fixture(1445.32, {{"org.user", "User"}, {"com.apple.one", "Apple", "System"}});
     const std::string snapshots = "/var/mobile/Library/Auxo/Snapshots/";
     fixture.addFiles({snapshots + "org.user/1", snapshots + "com.apple.one", snapshots + "org.gone/1",
                       snapshots + "com.apple.webapp", snapshots + "com.apple.webapp-A",
@@ -91,7 +91,7 @@ TEST(CydiaStep, RemovesSnapshotsOfApplicationsThatAreGone) {
 }
 
 TEST(CydiaSourcesStep, TakesListsAndLeavesFolders) {
-    StepFixture fixture;
+    EngineFixture fixture;
     fixture.addFiles({"/var/lib/apt/lists/a", "/var/lib/apt/lists/partial/b",
                       "/var/mobile/Library/Caches/com.saurik.Cydia/lists/c"});
     fixture.run(cleanupstep::cydiaSources);

@@ -1,12 +1,12 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 using testing::ElementsAre;
-using tests::StepFixture;
+using tests::EngineFixture;
 
 namespace {
 
@@ -19,7 +19,7 @@ platform::Dictionary settings(bool withApplications) {
 }
 
 /// The arguments that the search is made with; the stand-in finds nothing.
-std::vector<std::string> searchArguments(StepFixture& fixture, bool withApplications, OZCoreMode mode) {
+std::vector<std::string> searchArguments(EngineFixture& fixture, bool withApplications, OZCoreMode mode) {
     fixture.device.addTool("/usr/bin/find", R"(printf '%s\n' "$@" > "$OZVARINE_DEVICE/Journal.log")");
     fixture.run(settings(withApplications), mode);
     return fixture.device.journal();
@@ -37,7 +37,7 @@ TEST(FileTypeStep, TheSearchPassesByWhatIsToBeSpared) {
         "^(/private)?(/var/containers/Bundle/Application|/var/mobile/Containers/Data/"
         "Application|/var/mobile/Containers/Shared/AppGroup)$";
     constexpr const char* counted = "^(/private)?/var/([Ll]ogs?|tmp)$|^.*/Library/Logs$";
-    StepFixture fixture(1445.32, {{"org.user", "User", "User", "/c/ABC"}});
+    EngineFixture fixture(1445.32, {{"org.user", "User", "User", "/c/ABC"}});
     fixture.core->setFileTypesExcludingIllegal({"log", "tmp"});
     EXPECT_EQ(searchArguments(fixture, false, OZCoreMode::clean), withPrune(containers));
     EXPECT_EQ(searchArguments(fixture, false, OZCoreMode::test), withPrune(containers));
@@ -51,7 +51,7 @@ TEST(FileTypeStep, TheSearchPassesByWhatIsToBeSpared) {
     EXPECT_EQ(searchArguments(fixture, true, OZCoreMode::clean), withPrune(excluded));
     EXPECT_EQ(searchArguments(fixture, true, OZCoreMode::analyze), withPrune(excluded + "|" + counted));
 
-    StepFixture older(1140.10);
+    EngineFixture older(1140.10);
     older.core->setFileTypesExcludingIllegal({"log", "tmp"});
     EXPECT_EQ(searchArguments(older, false, OZCoreMode::clean),
               withPrune("^(/private)?(/var/mobile/Applications|/var/mobile/Applications)$"));
@@ -62,7 +62,7 @@ TEST(FileTypeStep, TakesFilesByTheirExtension) {
         GTEST_SKIP() << "the search needs root, or a user namespace that maps it";
     }
     for (const auto mode : tests::allModes) {
-        StepFixture fixture;
+        EngineFixture fixture;
         fixture.addFiles({"/a.log", "/x/b.tmp", "/x/c.LOG", "/x/log", "/x/d.log.txt", "/var/log/e.log",
                           "/var/mobile/Containers/Data/Application/A/f.log"});
         std::filesystem::create_directory(fixture.device.hostPath("/x/folder.log"));
@@ -84,12 +84,12 @@ TEST(FileTypeStep, TakesFilesByTheirExtension) {
             }
         }
         EXPECT_EQ(fixture.tree(), expected);
-        EXPECT_THAT(fixture.loggedPaths(), testing::UnorderedElementsAreArray(logged));
+        EXPECT_THAT(fixture.loggedItems(), testing::UnorderedElementsAreArray(logged));
     }
 }
 
 TEST(FileTypeStep, WithoutTypesTheStepSaysSo) {
-    StepFixture fixture;
+    EngineFixture fixture;
     fixture.core->setFileTypesExcludingIllegal({"png"});
     fixture.run(cleanupstep::fileTypeCleanup);
     EXPECT_EQ(fixture.body(), "\nNo filetypes specified. Skipping step...\n");

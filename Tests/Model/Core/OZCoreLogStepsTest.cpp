@@ -1,5 +1,5 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <fstream>
 
@@ -7,14 +7,14 @@
 #include <gtest/gtest.h>
 
 using testing::UnorderedElementsAre;
-using tests::StepFixture;
+using tests::EngineFixture;
 
 namespace {
 
 constexpr const char* outside = "/outside/report";
 const std::string crashReporter = "/var/mobile/Library/Logs/CrashReporter/";
 
-void addLogs(StepFixture& fixture) {
+void addLogs(EngineFixture& fixture) {
     fixture.addFiles({"/var/mobile/Library/Logs/a/b", crashReporter + "own", outside, "/outside/kept/file",
                       "/var/log/x", "/var/logs/y/z", "/var/wireless/Library/Logs/w"});
     fixture.device.addLink(crashReporter + "link", outside);
@@ -28,21 +28,21 @@ void addLogs(StepFixture& fixture) {
 } // namespace
 
 TEST(LogStep, TakesLinkedCrashReportsWithTheirLinks) {
-    StepFixture fixture;
+    EngineFixture fixture;
     addLogs(fixture);
     fixture.run(cleanupstep::logFiles);
     EXPECT_THAT(fixture.tree(), UnorderedElementsAre("/var/mobile/Library/Logs/a/", crashReporter + "sub/",
                                                      "/outside/kept/file", "/var/log/", "/var/logs/y/",
                                                      "/var/wireless/Library/Logs/"));
     // The links themselves are not counted.
-    EXPECT_THAT(fixture.loggedPaths(),
+    EXPECT_THAT(fixture.loggedItems(),
                 UnorderedElementsAre("/var/mobile/Library/Logs/a/b", crashReporter + "own", outside,
                                      "/var/logs/y/z", "/var/log/x", "/var/wireless/Library/Logs/w"));
     EXPECT_TRUE(std::filesystem::exists(fixture.device.folder() / "host file"));
 }
 
 TEST(LogStep, OtherModesLeaveTheLinks) {
-    StepFixture fixture;
+    EngineFixture fixture;
     addLogs(fixture);
     const auto before = fixture.tree();
     fixture.run(cleanupstep::logFiles, OZCoreMode::analyze);

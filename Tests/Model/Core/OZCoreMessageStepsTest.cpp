@@ -1,5 +1,5 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,13 +7,13 @@
 
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
-using tests::StepFixture;
+using tests::EngineFixture;
 
 namespace {
 
 constexpr uint64_t smart = 1;
 
-void addDatabase(const StepFixture& fixture, const std::string& table,
+void addDatabase(const EngineFixture& fixture, const std::string& table,
                  const std::vector<std::string>& paths) {
     const auto file = fixture.device.hostPath("/var/mobile/Library/SMS/sms.db");
     std::filesystem::create_directories(file.parent_path());
@@ -27,7 +27,7 @@ void addDatabase(const StepFixture& fixture, const std::string& table,
     sqlite3_close(database);
 }
 
-void addAttachments(StepFixture& fixture) {
+void addAttachments(EngineFixture& fixture) {
     const std::string attachments = "/var/mobile/Library/SMS/Attachments";
     fixture.addFiles({attachments + "/aa/10/known/a.jpg", attachments + "/aa/10/known/b.jpg",
                       attachments + "/aa/10/gone/c.jpg", attachments + "/stray.jpg",
@@ -45,7 +45,7 @@ const std::vector<std::string> knownPaths = {
 
 TEST(AttachmentsStep, SmartCleanupRemovesWhatTheDatabaseDoesNotKnow) {
     for (const auto mode : tests::allModes) {
-        StepFixture fixture;
+        EngineFixture fixture;
         addAttachments(fixture);
         addDatabase(fixture, "attachment", knownPaths);
         const auto before = fixture.tree();
@@ -74,7 +74,7 @@ TEST(AttachmentsStep, SmartCleanupRemovesWhatTheDatabaseDoesNotKnow) {
         }
         logged.push_back(attachments + "/bb/empty");
         EXPECT_EQ(fixture.tree(), expected);
-        EXPECT_THAT(fixture.loggedPaths(), testing::UnorderedElementsAreArray(logged));
+        EXPECT_THAT(fixture.loggedItems(), testing::UnorderedElementsAreArray(logged));
         EXPECT_EQ(fixture.core->fileCount(), logged.size());
         EXPECT_EQ(fixture.core->cleanupStepCount(), 1);
     }
@@ -82,7 +82,7 @@ TEST(AttachmentsStep, SmartCleanupRemovesWhatTheDatabaseDoesNotKnow) {
 
 TEST(AttachmentsStep, AnyOtherSettingRemovesAll) {
     for (const uint64_t number : {2, 7}) {
-        StepFixture fixture;
+        EngineFixture fixture;
         addAttachments(fixture);
         fixture.run(cleanupstep::attachments, OZCoreMode::clean, number);
         EXPECT_THAT(fixture.tree(), UnorderedElementsAre("/var/mobile/Library/SMS/Attachments/",
@@ -91,7 +91,7 @@ TEST(AttachmentsStep, AnyOtherSettingRemovesAll) {
 }
 
 TEST(AttachmentsStep, WithoutAListNothingIsDeleted) {
-    StepFixture fixture;
+    EngineFixture fixture;
     addAttachments(fixture);
     fixture.device.addFile("/var/mobile/Library/SMS/sms.db", "no database");
     const auto before = fixture.tree();
@@ -103,7 +103,7 @@ TEST(AttachmentsStep, WithoutAListNothingIsDeleted) {
 
 TEST(AttachmentsStep, TheTableIsThatOfTheGeneration) {
     for (const auto& [version, table] : {std::pair{991.9, "madrid_attachment"}, {992.0, "attachment"}}) {
-        StepFixture fixture(version);
+        EngineFixture fixture(version);
         addDatabase(fixture, table, {"~/a/b"});
         EXPECT_THAT(fixture.core->attachmentPathsFromSMSDatabase(), testing::Optional(ElementsAre("a")))
             << version;

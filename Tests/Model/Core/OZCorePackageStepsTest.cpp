@@ -1,11 +1,11 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Tests/Model/Core/StepFixture.h"
+#include "Tests/Support/EngineFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using testing::ElementsAre;
-using tests::StepFixture;
+using tests::EngineFixture;
 
 namespace {
 
@@ -14,12 +14,12 @@ constexpr const char* note =
     R"sh({ printf %s "$(basename "$0")"; printf '[%s]' "$@"; echo; } >> "$OZVARINE_DEVICE/Journal.log"
 )sh";
 
-void addAptGet(StepFixture& fixture) {
+void addAptGet(EngineFixture& fixture) {
     fixture.device.addTool("/usr/bin/apt-get",
                            std::string(note) + "echo \"plan $1 $2\"; echo 'a warning' >&2");
 }
 
-void addDpkg(StepFixture& fixture) {
+void addDpkg(EngineFixture& fixture) {
     fixture.device.addTool("/usr/bin/dpkg",
                            std::string(note) + R"sh([ "$1" = -l ] || { echo loud; echo loud >&2; exit 1; }
 printf '||/ Name  Version\nii  kept  1\nrc  first:arm\t1  text\nrc\nrc   second 2\n rc third 3\n')sh");
@@ -29,7 +29,7 @@ printf '||/ Name  Version\nii  kept  1\nrc  first:arm\t1  text\nrc\nrc   second 
 
 TEST(DependenciesStep, ShowsThePlanAndTouchesNothingShortOfACleanup) {
     for (const auto mode : {OZCoreMode::analyze, OZCoreMode::test}) {
-        StepFixture fixture;
+        EngineFixture fixture;
         addAptGet(fixture);
         addDpkg(fixture);
         fixture.run(cleanupstep::dependencies, mode);
@@ -41,7 +41,7 @@ TEST(DependenciesStep, ShowsThePlanAndTouchesNothingShortOfACleanup) {
 }
 
 TEST(DependenciesStep, RemovesCleansAndPurges) {
-    StepFixture fixture;
+    EngineFixture fixture;
     addAptGet(fixture);
     addDpkg(fixture);
     testing::internal::CaptureStdout();
@@ -59,7 +59,7 @@ TEST(DependenciesStep, RemovesCleansAndPurges) {
 }
 
 TEST(CleanupSteps, AllOfThemEndWithoutToolsAndInventory) {
-    StepFixture fixture;
+    EngineFixture fixture;
     fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1"});
     const auto before = fixture.tree();
     platform::Device bare(fixture.device.device().fileManager(), {.foundationVersion = 1445.32}, {});

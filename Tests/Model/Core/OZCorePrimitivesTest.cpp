@@ -77,20 +77,14 @@ INSTANTIATE_TEST_SUITE_P(
              false},
         // In an analysis alone, what is missing counts.
         Case{"quickDelLang cleans", OZCoreMode::clean,
-             [](OZCore& core) {
-                 core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"});
-             },
-             1, 0, true, false},
+             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 0,
+             true, false},
         Case{"quickDelLang analyzes", OZCoreMode::analyze,
-             [](OZCore& core) {
-                 core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"});
-             },
-             3, 4, true, true},
+             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 3, 4,
+             true, true},
         Case{"quickDelLang tests", OZCoreMode::test,
-             [](OZCore& core) {
-                 core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"});
-             },
-             1, 4, true, false}),
+             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 4,
+             true, false}),
     [](const auto& row) {
         std::string name = row.param.name;
         std::ranges::replace(name, ' ', '_');
