@@ -1,13 +1,13 @@
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/Sanitized.h"
 #include "Tests/Support/TemporaryFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -16,7 +16,8 @@ using tests::TemporaryFolder;
 
 namespace {
 
-constexpr const char* record = "success=true\nfreed=[0-9.,]+ [KMG]?i?B\ndeleted=[0-9]+\nshouldrespring=true\n";
+constexpr const char* record =
+    "success=true\nfreed=[0-9.,]+ [KMG]?i?B\ndeleted=[0-9]+\nshouldrespring=true\n";
 
 // The device's tree without the program's own log and the one preference file that every kind of run edits.
 std::vector<std::string> treeListing(const TemporaryFolder& folder) {
@@ -40,7 +41,8 @@ TEST(CleanupOfTheDemoDevice, DryRunChangesOnlyItsLogAndACleanupLeavesNothingForT
     ASSERT_EQ(runProgram("ozdevice", {"create", device, "--files", "300"}).status, 0);
     const auto before = treeListing(folder);
 
-    const auto analysis = runProgram("ozvarine", {"--device", device, "--dry-run", "-clean", "-printresults"});
+    const auto analysis =
+        runProgram("ozvarine", {"--device", device, "--dry-run", "-clean", "-printresults"});
     EXPECT_THAT(analysis.output, MatchesRegex(record));
     EXPECT_GT(deletedCount(analysis.output), 0);
     EXPECT_EQ(treeListing(folder), before);
@@ -59,7 +61,8 @@ TEST(CleanupOfTheDemoDevice, DryRunChangesOnlyItsLogAndACleanupLeavesNothingForT
     EXPECT_THAT(lines[4], HasSubstr("Date: "));
     EXPECT_EQ(lines[6], "Number of files: " + std::to_string(deletedCount(cleanup.output)));
 
-    EXPECT_EQ(deletedCount(runProgram("ozvarine", {"--device", device, "-clean", "-printresults"}).output), 0);
+    EXPECT_EQ(deletedCount(runProgram("ozvarine", {"--device", device, "-clean", "-printresults"}).output),
+              0);
 }
 
 TEST(Cleanup, HoldsItsMemoryOver200000Files) {
@@ -79,7 +82,8 @@ TEST(Cleanup, HoldsItsMemoryOver200000Files) {
         }
         std::ofstream(parent + "/temporary-file-number-" + std::to_string(index));
     }
-    const auto outcome = runProgram("ozvarine", {"--device", folder.path("device"), "-clean", "-printresults"});
+    const auto outcome =
+        runProgram("ozvarine", {"--device", folder.path("device"), "-clean", "-printresults"});
     EXPECT_EQ(deletedCount(outcome.output), count);
     EXPECT_LT(outcome.peakMemory, (uint64_t{64} << 20U) + count * 300);
 }

@@ -1,6 +1,6 @@
 // A run acts with many rights on what somebody else may have made: neither the caller's environment nor the
 // device's tree gets any code into the programs that it starts.
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

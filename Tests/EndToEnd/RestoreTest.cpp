@@ -9,7 +9,7 @@
 #include "Model/Packages/OZPackageInfo.h"
 #include "Model/Packages/OZPackageWorkspace.h"
 #include "Platform/Device.h"
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>

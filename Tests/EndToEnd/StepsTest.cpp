@@ -1,6 +1,7 @@
 #include "Platform/PropertyList.h"
-#include "Tests/EndToEnd/Program.h"
 #include "Tests/EndToEnd/StepRules.h"
+#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
@@ -31,11 +32,6 @@ constexpr std::string_view allSteps[] = {
     "ATTACHMENTS",  "SAFARI",   "APPLICATIONS", "OTAUPDATES", "BATTERYDATA",     "CYDIA",      "CYDIASOURCES",
     "DEPENDENCIES", "LOGFILES", "CACHEFILES",   "TEMPFILES",  "FILETYPECLEANUP", "CUSTOMFILES"};
 
-std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator(file), {}};
-}
-
 // Containers have random names; a rule names them by what they contain.
 std::map<std::string, std::string> containerNames(const std::string& root) {
     std::map<std::string, std::string> names;
@@ -45,7 +41,7 @@ std::map<std::string, std::string> containerNames(const std::string& root) {
           "private/var/mobile/Containers/Shared/AppGroup", "private/var/containers/Shared/SystemGroup"}) {
         for (const auto& container : fs::directory_iterator(root + "/" + folder)) {
             const auto metadata = platform::parsePropertyList(
-                readFile(container.path() / ".com.apple.mobile_container_manager.metadata.plist"));
+                tests::contentOf(container.path() / ".com.apple.mobile_container_manager.metadata.plist"));
             names[container.path().filename()] = *platform::valueAt<std::string>(
                 *metadata.value().as<platform::Dictionary>(), "MCMMetadataIdentifier");
         }
@@ -276,7 +272,7 @@ TEST(PackageStepAlone, DependenciesRemovesTheUnusedPackageWithTheDevicesOwnPacka
                                   "/var/lib/apt/extended_states"};
     std::vector<std::string> host;
     for (const auto* path : hostDatabase) {
-        host.push_back(readFile(path));
+        host.push_back(tests::contentOf(path));
     }
     ASSERT_FALSE(host.front().empty());
     DemoDevice device;
@@ -300,10 +296,10 @@ TEST(PackageStepAlone, DependenciesRemovesTheUnusedPackageWithTheDevicesOwnPacka
                     line.contains("private/var/cache/apt/"))
             << line;
     }
-    const std::string status = readFile(device.root() + "/private/var/lib/dpkg/status");
+    const std::string status = tests::contentOf(device.root() + "/private/var/lib/dpkg/status");
     EXPECT_THAT(status, testing::Not(HasSubstr("Package: org.hillside.leftover\n")));
     EXPECT_THAT(status, HasSubstr("Package: org.hillside.library\n"));
     for (size_t index = 0; index < host.size(); ++index) {
-        EXPECT_EQ(readFile(hostDatabase[index]), host[index]) << hostDatabase[index];
+        EXPECT_EQ(tests::contentOf(hostDatabase[index]), host[index]) << hostDatabase[index];
     }
 }

@@ -1,12 +1,11 @@
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -67,17 +66,20 @@ TEST(Launcher, RefusesAFolderThatTheUserMayNotRead) {
     makeTree(folder, "11.1");
     ::chmod(folder.path().c_str(), 0755);
     ::chmod(folder.path("tree").c_str(), 0700);
-    // The test program's own folder may be closed to the other user, so a copy of the program in an open place runs.
-    const std::string command = "cp -r '" + std::string(OZ_BINARY_DIRECTORY) + "/ozvarine' '" + folder.path("oz") +
-                                "' && setpriv --reuid=65534 --regid=65534 --clear-groups '" + folder.path("oz") +
-                                "' --device '" + folder.path("tree") + "' -clean 2>'" + folder.path("errors") + "'";
+    // The test program's own folder may be closed to the other user, so a copy of the program in an open
+    // place runs.
+    const std::string command =
+        "cp -r '" + std::string(OZ_BINARY_DIRECTORY) + "/ozvarine' '" + folder.path("oz") +
+        "' && setpriv --reuid=65534 --regid=65534 --clear-groups '" + folder.path("oz") + "' --device '" +
+        folder.path("tree") + "' -clean 2>'" + folder.path("errors") + "'";
     EXPECT_NE(std::system(command.c_str()), 0);
     EXPECT_THAT(folder.content("errors"), HasSubstr("may not be read by this user"));
     EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
 }
 
 TEST(Launcher, TellsHelpAndVersion) {
-    EXPECT_THAT(runProgram("ozvarine", {"--help"}).output, HasSubstr("usage: ozvarine [--device DIR] [--dry-run]"));
+    EXPECT_THAT(runProgram("ozvarine", {"--help"}).output,
+                HasSubstr("usage: ozvarine [--device DIR] [--dry-run]"));
     EXPECT_THAT(runProgram("ozvarine", {"--version"}).output, testing::MatchesRegex("ozvarine [0-9.]+\n"));
     EXPECT_EQ(runProgram("ozvarine", {"--help"}).status, 0);
 }
@@ -87,8 +89,9 @@ TEST(Switches, UnknownOnesGetTheUsageText) {
     makeTree(folder, "11.1");
     const Outcome outcome = onTree(folder, {"-nonsense", "-clean"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "ozvarine: illegal option -nonsense\nusage: ozvarine [-clean [-respring | -autorespring] "
-                              "| -cli | -respring | -restore-togglable-items]\n");
+    EXPECT_EQ(outcome.errors,
+              "ozvarine: illegal option -nonsense\nusage: ozvarine [-clean [-respring | -autorespring] "
+              "| -cli | -respring | -restore-togglable-items]\n");
     EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
 }
 
@@ -97,13 +100,15 @@ TEST(Switches, AnOlderPlatformIsRefusedBeforeAnythingRuns) {
     makeTree(folder, "7.1");
     const Outcome outcome = onTree(folder, {"-clean"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, "This executable is not meant to be run on the current iOS version, aborting...\n");
+    EXPECT_EQ(outcome.errors,
+              "This executable is not meant to be run on the current iOS version, aborting...\n");
     EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
 }
 
 TEST(Switches, CleanTakesOnlyTheWordBehindIt) {
-    for (const std::vector<std::string>& words :
-         {std::vector<std::string>{"-clean"}, {"-clean", "whatever"}, {"-clean", "whatever", "-printresults"}}) {
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"-clean"},
+                                                  {"-clean", "whatever"},
+                                                  {"-clean", "whatever", "-printresults"}}) {
         const TemporaryFolder folder;
         makeTree(folder, "11.1");
         const Outcome outcome = onTree(folder, words);
@@ -118,7 +123,8 @@ TEST(Switches, ThePlainTreeIsTakenFromTheEnvironmentToo) {
     makeTree(folder, "8.4");
     const Outcome outcome =
         runProgram("ozvarine", {"-clean", "-printresults"}, {"OZVARINE_DEVICE=" + folder.path("tree")});
-    EXPECT_THAT(outcome.output,
-                testing::MatchesRegex("success=true\nfreed=[0-9.,]+ [KMG]?i?B\ndeleted=1\nshouldrespring=true\n"));
+    EXPECT_THAT(
+        outcome.output,
+        testing::MatchesRegex("success=true\nfreed=[0-9.,]+ [KMG]?i?B\ndeleted=1\nshouldrespring=true\n"));
     EXPECT_FALSE(folder.exists("tree/var/tmp/zz"));
 }

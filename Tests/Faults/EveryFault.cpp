@@ -2,13 +2,12 @@
 
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
+#include "Tests/Support/HostFile.h"
 
 #include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <new>
 #include <set>
 #include <span>
@@ -76,8 +75,7 @@ std::string describe(const fs::directory_entry& entry) {
     if (!entry.is_regular_file()) {
         return "";
     }
-    std::ifstream file(entry.path(), std::ios::binary);
-    return {std::istreambuf_iterator(file), {}};
+    return tests::contentOf(entry.path());
 }
 
 } // namespace

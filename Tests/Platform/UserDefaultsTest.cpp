@@ -1,11 +1,12 @@
 #include "Platform/UserDefaults.h"
 
+#include "Tests/Support/HostFile.h"
+
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -30,11 +31,7 @@ class UserDefaultsTest : public testing::Test {
 
     UserDefaults defaults() { return {*FileManager::atRoot(root), center, devicePath}; }
 
-    std::string bytes() const {
-        std::ostringstream content;
-        content << std::ifstream(file).rdbuf();
-        return content.str();
-    }
+    std::string bytes() const { return tests::contentOf(file); }
     void store(const std::string& content) const {
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file) << content;

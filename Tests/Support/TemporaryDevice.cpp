@@ -1,5 +1,7 @@
 #include "Tests/Support/TemporaryDevice.h"
 
+#include "Tests/Support/HostFile.h"
+
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -14,11 +16,6 @@ namespace {
 void writeFile(const fs::path& path, std::string_view content) {
     fs::create_directories(path.parent_path());
     std::ofstream(path, std::ios::binary) << content;
-}
-
-std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator(file), {}};
 }
 
 } // namespace
@@ -79,7 +76,7 @@ std::vector<std::string> TemporaryDevice::journal() const {
 }
 
 std::string TemporaryDevice::contents(std::string_view devicePath) const {
-    return readFile(hostPath(devicePath));
+    return tests::contentOf(hostPath(devicePath));
 }
 
 platform::Device& TemporaryDevice::device() {

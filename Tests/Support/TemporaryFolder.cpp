@@ -1,5 +1,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 
+#include "Tests/Support/HostFile.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -47,17 +49,12 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(start, text.find_last_not_of(' ') + 1 - start);
 }
 
-std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string describe(const fs::path& path, const std::string& relative) {
     struct stat status{};
     require(::lstat(path.c_str(), &status) == 0, path);
     std::string text = fmt::format("{} {:o} {}:{}", relative, status.st_mode, status.st_uid, status.st_gid);
     if (S_ISREG(status.st_mode)) {
-        text += fmt::format(" {} {:x}", status.st_size, std::hash<std::string>()(readFile(path)));
+        text += fmt::format(" {} {:x}", status.st_size, std::hash<std::string>()(contentOf(path)));
     } else if (S_ISLNK(status.st_mode)) {
         text += " -> " + fs::read_symlink(path).string();
     }
@@ -119,7 +116,7 @@ bool TemporaryFolder::exists(std::string_view relative) const {
 }
 
 std::string TemporaryFolder::content(std::string_view relative) const {
-    return readFile(path(relative));
+    return contentOf(path(relative));
 }
 
 std::vector<std::string> TemporaryFolder::listing() const {

@@ -1,7 +1,9 @@
 #include "CommandLine.h"
 #include "Description.h"
 #include "Platform/PropertyList.h"
-#include "TemporaryDevice.h"
+#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Tools/DemoDevice.h"
 
 #include <algorithm>
 #include <csignal>
@@ -20,6 +22,8 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using ::tests::contentOf;
+using ::tests::shell;
 
 struct ExpectedGeneration {
     const char* version;
@@ -61,9 +65,9 @@ size_t count(const fs::path& folder) {
 }
 
 TEST_P(GenerationTest, HasItsFactsItsLayoutAndItsDatabases) {
-    const TemporaryDevice device({.productVersion = GetParam().version, .junkFileCount = 0});
+    const DemoDevice device({.productVersion = GetParam().version, .junkFileCount = 0});
 
-    const auto facts = platform::parsePropertyList(readFile(device.path() / "Device.plist"));
+    const auto facts = platform::parsePropertyList(contentOf(device.path() / "Device.plist"));
     ASSERT_TRUE(facts);
     const auto& dictionary = *facts->as<platform::Dictionary>();
     EXPECT_EQ(*platform::valueAt<std::string>(dictionary, "SystemVersion"), GetParam().productVersion);
@@ -86,17 +90,16 @@ TEST_P(GenerationTest, HasItsFactsItsLayoutAndItsDatabases) {
 }
 
 TEST(DeviceFolder, ASeedDecidesTheTree) {
-    const TemporaryDevice first({.junkFileCount = 50, .seed = 7});
-    const TemporaryDevice again({.junkFileCount = 50, .seed = 7});
-    const TemporaryDevice other({.junkFileCount = 50, .seed = 8});
-    const auto contents = contentsBelow(first.path());
-    EXPECT_TRUE(contents == contentsBelow(again.path()));
-    EXPECT_FALSE(contents == contentsBelow(other.path()));
+    const DemoDevice first({.junkFileCount = 50, .seed = 7});
+    const DemoDevice again({.junkFileCount = 50, .seed = 7});
+    const DemoDevice other({.junkFileCount = 50, .seed = 8});
+    EXPECT_TRUE(first.listing() == again.listing());
+    EXPECT_FALSE(first.listing() == other.listing());
 }
 
 TEST(DeviceFolder, JunkIsCountedExactly) {
     const auto files = [](size_t junk) {
-        const TemporaryDevice device({.junkFileCount = junk});
+        const DemoDevice device({.junkFileCount = junk});
         const auto description = describeDevice(device.path()).value();
         const auto found = std::ranges::find(description, "files", &Description::value_type::first);
         return std::stoul(found->second);
@@ -106,10 +109,11 @@ TEST(DeviceFolder, JunkIsCountedExactly) {
 
 TEST(DeviceFolder, RefusesWhateverIsThere) {
     const TemporaryFolder folder;
-    const fs::path full = folder.path() / "full";
+    const fs::path full = folder.path("full");
     fs::create_directory(full);
     std::ofstream(full / "precious") << "kept";
     const std::string file = full / "precious";
+    const auto before = folder.listing();
     const struct {
         std::vector<std::string> arguments;
         int status;
@@ -117,9 +121,9 @@ TEST(DeviceFolder, RefusesWhateverIsThere) {
     } cases[] = {
         {{"create", full}, 1, "is not empty"},
         {{"create", file}, 1, "is no directory"},
-        {{"create", folder.path() / "new", "--ios", "3"}, 1, "is no known iOS version"},
-        {{"create", folder.path() / "new", "--files", "many"}, 2, "--files takes a number"},
-        {{"create", folder.path() / "new", "--files"}, 2, "--files needs a value"},
+        {{"create", folder.path("new"), "--ios", "3"}, 1, "is no known iOS version"},
+        {{"create", folder.path("new"), "--files", "many"}, 2, "--files takes a number"},
+        {{"create", folder.path("new"), "--files"}, 2, "--files needs a value"},
         {{"create"}, 2, "needs a directory"},
         {{"info", full}, 1, "is no device folder"},
     };
@@ -128,8 +132,7 @@ TEST(DeviceFolder, RefusesWhateverIsThere) {
         EXPECT_EQ(runCommandLine(row.arguments), row.status) << row.message;
         EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr(row.message));
     }
-    EXPECT_EQ(contentsBelow(folder.path()),
-              (std::map<std::string, std::string>{{"full", "folder"}, {"full/precious", "kept"}}));
+    EXPECT_EQ(folder.listing(), before);
 }
 
 TEST(DeviceFolder, AFailureLeavesNothingBehind) {
@@ -139,7 +142,7 @@ TEST(DeviceFolder, AFailureLeavesNothingBehind) {
     const auto previous = std::signal(SIGXFSZ, SIG_IGN);
     const rlimit small{.rlim_cur = 300, .rlim_max = usual.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &small);
-    const auto inNewFolder = createDevice(folder.path() / "new", {});
+    const auto inNewFolder = createDevice(folder.path("new"), {});
     const auto inEmptyFolder = createDevice(folder.path(), {});
     ::setrlimit(RLIMIT_FSIZE, &usual);
     std::signal(SIGXFSZ, previous);
@@ -147,21 +150,21 @@ TEST(DeviceFolder, AFailureLeavesNothingBehind) {
     ASSERT_FALSE(inNewFolder);
     EXPECT_THAT(inNewFolder.error(), HasSubstr("cannot make the device: "));
     EXPECT_FALSE(inEmptyFolder);
-    EXPECT_THAT(contentsBelow(folder.path()), IsEmpty());
+    EXPECT_THAT(folder.listing(), IsEmpty());
 }
 
 TEST(DeviceFolder, NothingIsWrittenOutside) {
     const std::string hostState =
         "stat -c '%n %Y %s' /var/lib/dpkg /var/lib/dpkg/status /var/log /var/log/dpkg.log";
     const auto before = shell(hostState);
-    const TemporaryDevice device;
+    const DemoDevice device;
     EXPECT_EQ(shell(hostState).output, before.output);
     EXPECT_EQ(count(device.path().parent_path()), 1U);
     EXPECT_EQ(count(device.path()), 6U);
 }
 
 TEST(DeviceFolder, PackagesOwnTheirAddOnsAndOneIsNeededByNobody) {
-    const TemporaryDevice device({.junkFileCount = 0, .packageArchitecture = "all"});
+    const DemoDevice device({.junkFileCount = 0, .packageArchitecture = "all"});
     const std::string root = device.root();
     const auto owner = shell(fmt::format("dpkg --root='{0}' -S {1}/StatusDots.dylib {1}/LooseEnd.dylib", root,
                                          "/Library/MobileSubstrate/DynamicLibraries"));
@@ -186,10 +189,10 @@ TEST(DeviceFolder, AUserInANamespaceCanMakeOne) {
     if (!fs::exists(program)) {
         GTEST_SKIP() << "ozdevice is not built";
     }
-    const auto result = shell(fmt::format("unshare -r '{}' create '{}/device' --files 0", program.string(),
-                                          folder.path().string()));
+    const auto result =
+        shell(fmt::format("unshare -r '{}' create '{}/device' --files 0", program.string(), folder.path()));
     EXPECT_EQ(result.status, 0) << result.output;
-    const auto packages = shell(fmt::format("dpkg --root='{}/device/Root' -l", folder.path().string()));
+    const auto packages = shell(fmt::format("dpkg --root='{}/device/Root' -l", folder.path()));
     EXPECT_THAT(packages.output, HasSubstr("\nii  mobilesubstrate"));
 }
 

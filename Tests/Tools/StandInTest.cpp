@@ -1,7 +1,9 @@
 #include "DeviceBuild.h"
 #include "DeviceFiles.h"
 #include "StandInTools.h"
-#include "TemporaryDevice.h"
+#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Program.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <fstream>
@@ -17,6 +19,10 @@ namespace fs = std::filesystem;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
+using ::tests::contentOf;
+using ::tests::Outcome;
+using ::tests::shell;
+using ::tests::TemporaryFolder;
 
 /// No more of a device than the tools look at.
 class StandIn : public testing::Test {
@@ -35,13 +41,13 @@ class StandIn : public testing::Test {
         files->setProcesses(usualProcesses());
     }
 
-    CommandResult run(const std::string& commandLine) {
+    Outcome run(const std::string& commandLine) {
         return shell(fmt::format("OZVARINE_DEVICE='{0}' '{0}/Tools'/{1}", path().string(), commandLine));
     }
 
-    [[nodiscard]] const fs::path& path() const { return _folder.path(); }
+    [[nodiscard]] fs::path path() const { return _folder.path(); }
     [[nodiscard]] fs::path root() const { return path() / rootFolderName; }
-    [[nodiscard]] std::string journal() const { return readFile(path() / journalFileName); }
+    [[nodiscard]] std::string journal() const { return contentOf(path() / journalFileName); }
     [[nodiscard]] std::vector<std::string> processes() const {
         return DeviceFiles::open(path())->processes();
     }
@@ -122,16 +128,16 @@ TEST_F(StandIn, NeedsADeviceFolder) {
     const std::string tool = path() / "Tools/sbin/reboot";
     const TemporaryFolder empty;
     EXPECT_NE(shell(fmt::format("env -u OZVARINE_DEVICE '{}'", tool)).status, 0);
-    EXPECT_NE(shell(fmt::format("OZVARINE_DEVICE='{}' '{}'", empty.path().string(), tool)).status, 0);
+    EXPECT_NE(shell(fmt::format("OZVARINE_DEVICE='{}' '{}'", empty.path(), tool)).status, 0);
     EXPECT_TRUE(fs::is_empty(empty.path()));
 
     // Where a link stands in place of the device's own files, what it leads to is left alone.
-    const fs::path victim = empty.path() / "victim";
+    const fs::path victim = empty.path("victim");
     std::ofstream(victim) << "kept";
     fs::remove(path() / "Journal.log");
     fs::create_symlink(victim, path() / "Journal.log");
     run("sbin/reboot");
-    EXPECT_EQ(readFile(victim), "kept");
+    EXPECT_EQ(contentOf(victim), "kept");
 }
 
 } // namespace

@@ -2,12 +2,11 @@
 
 #include "Platform/PropertyList.h"
 #include "Tests/Controller/CommandLine/Terminal.h"
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -37,10 +36,8 @@ class MenuTest : public testing::Test {
 
     /// The choices as they are stored now.
     [[nodiscard]] platform::Dictionary choices() const {
-        std::ifstream file(path("/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist"),
-                           std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator(file), {}};
-        const auto list = platform::parsePropertyList(bytes);
+        const auto list = platform::parsePropertyList(
+            contentOf(path("/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist")));
         return list && list->as<platform::Dictionary>() ? *list->as<platform::Dictionary>()
                                                         : platform::Dictionary();
     }
@@ -51,8 +48,7 @@ class MenuTest : public testing::Test {
 
 /// The stored picture of a screen.
 inline std::string storedScreen(const std::string& name) {
-    std::ifstream file(std::string(OZ_SCREENS_DIRECTORY) + "/" + name + ".txt");
-    std::string text{std::istreambuf_iterator(file), {}};
+    const std::string text = contentOf(std::string(OZ_SCREENS_DIRECTORY) + "/" + name + ".txt");
     // Editors end a file with a line end; a screen has none behind its prompt.
     return text.empty() ? "no screen " + name : text.substr(0, text.size() - 1);
 }

@@ -3,8 +3,8 @@
 #include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
 #include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
-#include "Tests/EndToEnd/Program.h"
 #include "Tests/Model/Items/ItemTitles.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>

@@ -2,10 +2,10 @@
 // packages nor what lies in the tree come into play.
 
 #include "Model/Tasks/OZTask.h"
+#include "Tests/Support/HostFile.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <fstream>
-#include <iterator>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,8 +22,7 @@ using Lines = std::vector<std::string>;
 constexpr const char* architecture = "iphoneos-arm";
 
 std::string hostDatabase() {
-    std::ifstream file("/var/lib/dpkg/status");
-    return {std::istreambuf_iterator(file), {}};
+    return tests::contentOf("/var/lib/dpkg/status");
 }
 
 class PackageTools : public testing::Test {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,5 +19,7 @@ struct Outcome {
 /// place of the caller's device.
 Outcome runProgram(const std::string& name, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment = {});
+/// Runs a command line in the host's shell; the output holds both streams.
+Outcome shell(const std::string& commandLine);
 
 } // namespace tests

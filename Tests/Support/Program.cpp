@@ -1,4 +1,4 @@
-#include "Tests/EndToEnd/Program.h"
+#include "Tests/Support/Program.h"
 
 #include <array>
 #include <cstdlib>
@@ -23,11 +23,8 @@ std::string readAll(int descriptor) {
     return text;
 }
 
-} // namespace
-
-Outcome runProgram(const std::string& name, const std::vector<std::string>& arguments,
-                   const std::vector<std::string>& environment) {
-    const std::string path = std::string(OZ_BINARY_DIRECTORY) + "/" + name;
+Outcome run(const std::string& path, const std::vector<std::string>& arguments,
+            const std::vector<std::string>& environment) {
     std::array<int, 2> out{};
     std::array<int, 2> err{};
     if (::pipe2(out.data(), O_CLOEXEC) != 0 || ::pipe2(err.data(), O_CLOEXEC) != 0) {
@@ -42,7 +39,7 @@ Outcome runProgram(const std::string& name, const std::vector<std::string>& argu
         for (const auto& variable : environment) {
             ::putenv(const_cast<char*>(variable.c_str()));
         }
-        std::vector<char*> vector = {const_cast<char*>(name.c_str())};
+        std::vector<char*> vector = {const_cast<char*>(path.c_str())};
         for (const auto& argument : arguments) {
             vector.push_back(const_cast<char*>(argument.c_str()));
         }
@@ -62,6 +59,17 @@ Outcome runProgram(const std::string& name, const std::vector<std::string>& argu
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     outcome.peakMemory = static_cast<uint64_t>(usage.ru_maxrss) * 1024;
     return outcome;
+}
+
+} // namespace
+
+Outcome runProgram(const std::string& name, const std::vector<std::string>& arguments,
+                   const std::vector<std::string>& environment) {
+    return run(std::string(OZ_BINARY_DIRECTORY) + "/" + name, arguments, environment);
+}
+
+Outcome shell(const std::string& commandLine) {
+    return run("/bin/sh", {"-c", "exec 2>&1; " + commandLine}, {});
 }
 
 } // namespace tests
