@@ -11,6 +11,7 @@
 #include "Model/Services/OZStdIO.h"
 #include "Platform/Device.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
@@ -54,6 +55,8 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
 
 int runProgram(const std::vector<std::string>& arguments) {
     forgetLoaderVariables();
+    // A caller that ignores the end of its children hands that down, and no tool could be waited for.
+    std::signal(SIGCHLD, SIG_DFL);
     const auto options = LauncherOptions::parse(arguments, std::getenv("OZVARINE_DEVICE"));
     if (!options) {
         return fail(options.error());

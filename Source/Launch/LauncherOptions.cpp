@@ -1,6 +1,18 @@
 #include "Launch/LauncherOptions.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
+
+namespace {
+
+constexpr std::string_view synopsis = "ozvarine [--device DIR] [--dry-run] SWITCH...";
+
+bool isLauncherOption(const std::string& argument) {
+    return argument == "--device" || argument == "--dry-run";
+}
+
+} // namespace
 
 std::expected<LauncherOptions, std::string> LauncherOptions::parse(const std::vector<std::string>& arguments,
                                                                    const char* environmentDevice) {
@@ -26,16 +38,18 @@ std::expected<LauncherOptions, std::string> LauncherOptions::parse(const std::ve
             break;
         }
     }
-    options.vector.emplace_back(arguments.empty() ? "ozvarine" : arguments.front());
-    if (index < arguments.size()) {
-        options.vector.insert(options.vector.end(), arguments.begin() + static_cast<ptrdiff_t>(index),
-                              arguments.end());
+    const auto rest = arguments.begin() + static_cast<ptrdiff_t>(std::min(index, arguments.size()));
+    // Behind the switch nobody would look at them: a dry run would be a cleanup.
+    if (const auto late = std::find_if(rest, arguments.end(), isLauncherOption); late != arguments.end()) {
+        return std::unexpected(fmt::format("{} belongs in front of the switch: {}", *late, synopsis));
     }
+    options.vector.emplace_back(arguments.empty() ? "ozvarine" : arguments.front());
+    options.vector.insert(options.vector.end(), rest, arguments.end());
     return options;
 }
 
 std::string LauncherOptions::help() {
-    return "usage: ozvarine [--device DIR] [--dry-run] SWITCH...\n"
+    return fmt::format("usage: {}\n", synopsis) +
            "\n"
            "Cleans the file tree of a jailbroken iOS device.\n"
            "\n"

@@ -29,6 +29,11 @@ inline Result<void> checked(int outcome) {
     return {};
 }
 
+/// Whether an error says that nothing is there. Any other only says that nobody can tell.
+inline bool meansAbsence(const std::error_code& error) {
+    return error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+}
+
 /// A programmer's error with a name and a reason. Nobody catches it outside of tests: it ends the process
 /// with its text on standard error.
 class Exception : public std::runtime_error {

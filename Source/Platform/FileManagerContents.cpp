@@ -4,6 +4,7 @@
 
 #include <string>
 #include <tuple>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -123,6 +124,28 @@ Result<void> FileManager::writeContents(std::string_view path, std::string_view 
     return replaceContents(path, bytes, ownership);
 }
 
+namespace {
+
+/// Who may not give files away, or not to that user, keeps what is written all the same: a choice that is not
+/// stored would cost more.
+Result<void> giveTo(const FileOwnership& ownership, int file) {
+    if (::fchown(file, ownership.owner, ownership.group) == 0) {
+        return {};
+    }
+    if (errno != EPERM && errno != EINVAL) {
+        return lastError();
+    }
+    for (const auto& [owner, group] :
+         {std::pair(ownership.owner, gid_t(-1)), std::pair(uid_t(-1), ownership.group)}) {
+        if (::fchown(file, owner, group) < 0 && errno != EPERM && errno != EINVAL) {
+            return lastError();
+        }
+    }
+    return {};
+}
+
+} // namespace
+
 Result<void> FileManager::replaceContents(std::string_view path, std::string_view bytes,
                                           const std::optional<FileOwnership>& given) {
     auto item = itemAtPath(path);
@@ -135,6 +158,9 @@ Result<void> FileManager::replaceContents(std::string_view path, std::string_vie
     if (old && old->type != FileType::regular) {
         return failure(EEXIST);
     }
+    if (!old && !meansAbsence(old.error())) {
+        return std::unexpected(old.error());
+    }
     std::string temporary;
     auto file = createTemporaryFile(parent, name, temporary);
     if (!file) {
@@ -145,8 +171,10 @@ Result<void> FileManager::replaceContents(std::string_view path, std::string_vie
         ownership = {.owner = old->owner, .group = old->group, .permissions = old->permissions};
     }
     const auto written = [&]() -> Result<void> {
-        if (ownership && ::fchown(file->get(), ownership->owner, ownership->group) < 0) {
-            return lastError();
+        if (ownership) {
+            if (auto given = giveTo(*ownership, file->get()); !given) {
+                return given;
+            }
         }
         if (::fchmod(file->get(), ownership.value_or(FileOwnership{}).permissions) < 0) {
             return lastError();

@@ -43,6 +43,9 @@ Result<void> renameWithoutReplacing(int fromParent, const char* from, int toPare
     if (::fstatat(toParent, to, &status, AT_SYMLINK_NOFOLLOW) == 0) {
         return failure(EEXIST);
     }
+    if (errno != ENOENT) {
+        return lastError();
+    }
     if (::renameat(fromParent, from, toParent, to) < 0) {
         return lastError();
     }
@@ -92,7 +95,7 @@ Result<void> Item::remove() const {
 }
 
 Result<void> Item::rename(std::string_view newName) const {
-    return moveTo(Item(_parent, newName));
+    return renameInFolder(*_parent, _name, std::string(newName));
 }
 
 Result<void> Item::renameReplacing(std::string_view newName) const {

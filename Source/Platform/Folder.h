@@ -48,9 +48,11 @@ class Item {
     /// Removes the item, a folder with all that is in it. Goes on past what cannot be removed and gives the
     /// first error.
     [[nodiscard]] Result<void> remove() const;
-    /// Gives the item another name in its folder. An existing item of that name is an error (EEXIST).
+    /// Gives the item another name in its folder, in one step. An existing item of that name is an error
+    /// (EEXIST), and so is a folder that only a copy can move (EXDEV).
     [[nodiscard]] Result<void> rename(std::string_view newName) const;
-    /// The same, and an existing item of that name is removed first, with all that is in it.
+    /// The same, by a copy where need be, and an existing item of that name is removed first, with all that
+    /// is in it.
     [[nodiscard]] Result<void> renameReplacing(std::string_view newName) const;
     /// Moves the item, across file systems by copy and removal; owner, mode, times and extended attributes
     /// stay. An existing target is an error (EEXIST). A failed move leaves the item where it was; only where

@@ -313,6 +313,15 @@ std::optional<bool> Value::boolValue() const {
     return convertNumber<bool>(_storage, [](auto number) { return number != 0; });
 }
 
+std::optional<bool> Value::truthValue() const {
+    const auto* text = as<std::string>();
+    if (text == nullptr) {
+        return boolValue();
+    }
+    const size_t first = text->find_first_not_of(" \t\n\r+-0");
+    return first != std::string::npos && std::string_view("YyTt123456789").contains((*text)[first]);
+}
+
 bool Value::operator==(const Value& other) const {
     return _storage == other._storage;
 }

@@ -87,6 +87,10 @@ class Value {
     [[nodiscard]] std::optional<double> doubleValue() const;
     /// A number is true when it is not 0. None for anything but a number.
     [[nodiscard]] std::optional<bool> boolValue() const;
+    /// What a value says as a choice that somebody may have written by hand: a text is true when it begins
+    /// with "Y", "T" or a digit but 0, in either case and behind space, signs and zeros. None for what is
+    /// neither number nor text.
+    [[nodiscard]] std::optional<bool> truthValue() const;
 
     [[nodiscard]] const Storage& storage() const { return _storage; }
     bool operator==(const Value&) const;

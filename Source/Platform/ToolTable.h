@@ -39,7 +39,6 @@ class Tool {
     enum class Kind { standIn, entered, packageQuery, packageManager, packageDownloader };
 
     Kind _kind = Kind::standIn;
-    std::string _name;
     /// The host's path of the program.
     std::string _program;
     /// The directory of this system's own helpers.

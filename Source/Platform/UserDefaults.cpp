@@ -7,15 +7,6 @@
 #include <fmt/format.h>
 
 namespace platform {
-namespace {
-
-bool isTrueText(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\r+-0"), text.size()));
-    return !text.empty() && std::string_view("YyTt123456789").contains(text.front());
-}
-
-} // namespace
-
 UserDefaults::UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, std::string path)
     : _fileManager(std::move(fileManager))
     , _notificationCenter(notificationCenter)
@@ -59,11 +50,7 @@ std::optional<Dictionary> UserDefaults::dictionaryForKey(std::string_view key) c
 
 bool UserDefaults::boolForKey(std::string_view key) const {
     const auto value = objectForKey(key);
-    if (!value) {
-        return false;
-    }
-    const auto* text = value->as<std::string>();
-    return text != nullptr ? isTrueText(*text) : value->boolValue().value_or(false);
+    return value && value->truthValue().value_or(false);
 }
 
 void UserDefaults::setObject(std::string_view key, Value value) {
@@ -87,17 +74,29 @@ void UserDefaults::setChange(std::string_view key, std::optional<Value> value) {
 
 const Dictionary& UserDefaults::stored() const {
     if (!_stored) {
-        // The registered values serve in place of a file that cannot be read; saving deals with it.
-        _stored = readFile().value_or(Dictionary{});
+        auto file = readFile();
+        if (!file) {
+            // Saving deals with the file. A user whose choices are out of force has to know.
+            _readError = file.error();
+            fmt::print(stderr, "The settings in {} cannot be read ({}); the defaults serve.\n", _path,
+                       file.error().message());
+        }
+        _stored = file ? std::move(*file) : Dictionary{};
     }
     return *_stored;
+}
+
+std::optional<std::error_code> UserDefaults::readError() const {
+    const std::lock_guard lock(_mutex);
+    std::ignore = stored();
+    return _readError;
 }
 
 Result<Dictionary> UserDefaults::readFile() const {
     const auto bytes = _fileManager.contentsAtPath(_path, maximumPropertyListSize);
     if (!bytes) {
-        return bytes.error() == std::errc::no_such_file_or_directory ? Result<Dictionary>(Dictionary{})
-                                                                     : std::unexpected(bytes.error());
+        return meansAbsence(bytes.error()) ? Result<Dictionary>(Dictionary{})
+                                           : std::unexpected(bytes.error());
     }
     auto list = parsePropertyList(*bytes);
     if (!list) {
@@ -110,7 +109,11 @@ Result<Dictionary> UserDefaults::readFile() const {
 Result<void> UserDefaults::synchronize() {
     _notificationCenter.post(userDefaultsWillSynchronizeNotification);
     const std::lock_guard lock(_mutex);
-    return save();
+    auto saved = save();
+    if (!saved) {
+        fmt::print(stderr, "The settings cannot be saved to {} ({}).\n", _path, saved.error().message());
+    }
+    return saved;
 }
 
 Result<void> UserDefaults::save() {
@@ -118,10 +121,12 @@ Result<void> UserDefaults::save() {
     if (!file && _changes.empty()) {
         return {};
     }
-    if (!file) {
+    // Where nothing could be read, the changes are made to the defaults: they must not replace what is there.
+    if (!file || (_readError && !file->empty() && !_changes.empty())) {
         if (auto moved = setAside(); !moved) {
             return moved;
         }
+        file = failure(EILSEQ);
     }
     // What was read before the file was damaged is better than nothing.
     Dictionary values = file ? *file : stored();
@@ -138,6 +143,7 @@ Result<void> UserDefaults::save() {
         }
     }
     _stored = std::move(values);
+    _readError.reset();
     _changes.clear();
     return {};
 }
@@ -149,7 +155,7 @@ Result<void> UserDefaults::setAside() {
             number == 1 ? _path + ".damaged" : fmt::format("{}.damaged-{}", _path, number);
         const auto moved = _fileManager.moveItemAtPath(_path, name);
         if (moved) {
-            fmt::print(stderr, "The settings in {} cannot be read; they were kept as {}.\n", _path, name);
+            fmt::print(stderr, "The settings in {} could not be read; they were kept as {}.\n", _path, name);
         }
         if (moved || moved.error() != std::errc::file_exists) {
             return moved;

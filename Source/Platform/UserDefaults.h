@@ -17,7 +17,8 @@ inline constexpr std::string_view userDefaultsWillSynchronizeNotification =
     "OZUserDefaultsWillSynchronizeNotification";
 
 /// A program's stored choices: values by key in one property list of the device. They are read at first use
-/// and kept in memory; nothing is written before `synchronize`. A stored value hides a registered one of the
+/// and kept in memory, with a line on standard error if they cannot be; nothing is written before
+/// `synchronize`. A stored value hides a registered one of the
 /// same key, whatever its type. Safe to use from several threads.
 class UserDefaults {
   public:
@@ -40,14 +41,19 @@ class UserDefaults {
     /// rest.
     [[nodiscard]] bool boolForKey(std::string_view key) const;
 
+    /// Why the choices could not be read at their first use, which this may be; none if they could, or if
+    /// none are stored. `std::errc::illegal_byte_sequence` tells of a file that is no list of choices.
+    [[nodiscard]] std::optional<std::error_code> readError() const;
+
     void setObject(std::string_view key, Value value);
     void setBool(std::string_view key, bool value) { setObject(key, value); }
     void removeObjectForKey(std::string_view key);
 
     /// Posts the notification, then saves what has changed into the file as it is by then, so that what other
     /// processes stored under other keys stays. The file is replaced in one step, and left alone if nothing
-    /// changes. One that cannot be read is kept under another name, with a line on standard error that tells
-    /// so. After a failure the changes wait for the next call.
+    /// changes. One that cannot be read, or could not be when its choices were, is kept under another name,
+    /// with a line on standard error that tells so. A failure is told there, too; the changes wait for the
+    /// next call.
     Result<void> synchronize();
 
     [[nodiscard]] NotificationCenter& notificationCenter() const { return _notificationCenter; }
@@ -69,6 +75,7 @@ class UserDefaults {
     std::string _path;
     Dictionary _registered;
     mutable std::optional<Dictionary> _stored;
+    mutable std::optional<std::error_code> _readError;
     // Since the last save; none stands for a removal.
     std::map<std::string, std::optional<Value>, std::less<>> _changes;
 };

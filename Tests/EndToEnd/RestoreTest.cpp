@@ -138,6 +138,15 @@ TEST_F(Restore, ADisabledAddonTakesItsDependantsAndStaysItsPackagesOwn) {
     EXPECT_FALSE(demo.has(disabledDock));
 }
 
+TEST_F(Restore, ToolsAreWaitedForWhoeverIgnoresTheirEnd) {
+    const DemoDevice demo("11.1.2");
+    const auto restored =
+        tests::shell("env --ignore-signal=CHLD '" OZ_BINARY_DIRECTORY "/ozvarine' --device '" + demo.path() +
+                     "' -restore-togglable-items");
+    EXPECT_EQ(restored.status, 0) << restored.output;
+    EXPECT_THAT(demo.journal(), Contains(testing::HasSubstr("load -w")));
+}
+
 TEST_F(Restore, BringsEverythingBackByFiles) {
     const DemoDevice demo("9.3");
     demo.restore(); // The demo device comes with a few things disabled.

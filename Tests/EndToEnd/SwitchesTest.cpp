@@ -2,6 +2,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 #include <gmock/gmock.h>
@@ -33,6 +34,7 @@ Outcome onTree(const TemporaryFolder& folder, std::vector<std::string> arguments
 
 TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
     const TemporaryFolder folder;
+    makeTree(folder, "11.1");
     folder.make("file: x\nempty/\nbroken/Root/\nbroken/Device.plist: not a list");
     const struct {
         std::vector<std::string> arguments;
@@ -46,6 +48,9 @@ TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
         {{"--device", folder.path("file"), "-clean"}, "is not a folder"},
         {{"--device", folder.path("empty"), "-clean"}, "does not tell its iOS version"},
         {{"--device", folder.path("broken"), "-clean"}, "repair it or remove it"},
+        {{"--device", folder.path("tree"), "-clean", "--dry-run"},
+         "--dry-run belongs in front of the switch"},
+        {{"-clean", "-printresults", "--device", folder.path("tree")}, "--device belongs in front"},
     };
     const auto before = folder.listing();
     for (const auto& [arguments, says] : cases) {
@@ -82,6 +87,26 @@ TEST(Launcher, TellsHelpAndVersion) {
                 HasSubstr("usage: ozvarine [--device DIR] [--dry-run]"));
     EXPECT_THAT(runProgram("ozvarine", {"--version"}).output, testing::MatchesRegex("ozvarine [0-9.]+\n"));
     EXPECT_EQ(runProgram("ozvarine", {"--help"}).status, 0);
+}
+
+TEST(Switches, NothingIsCleanedByChoicesThatCannotBeRead) {
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    const std::string settings = "tree/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
+    folder.make(settings + "/");
+    const Outcome outcome = onTree(folder, {"-clean", "-printresults"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_THAT(outcome.errors, HasSubstr("nothing was cleaned"));
+    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+
+    // What can be read and is no list of choices says nothing: the defaults serve.
+    std::filesystem::remove(folder.path(settings));
+    folder.make(settings + ": no list");
+    const Outcome withDefaults = onTree(folder, {"-clean"});
+    EXPECT_EQ(withDefaults.status, 0);
+    EXPECT_THAT(withDefaults.errors, HasSubstr("the defaults serve"));
+    EXPECT_FALSE(folder.exists("tree/var/tmp/zz"));
 }
 
 TEST(Switches, UnknownOnesGetTheUsageText) {

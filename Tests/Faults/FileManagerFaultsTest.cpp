@@ -5,7 +5,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 using testing::IsEmpty;
 using tests::everyFault;
@@ -54,6 +56,11 @@ class FileManagerFaults : public testing::Test {
         }
         EXPECT_EQ(after.at("/to/kept"), "/to/kept");
     }
+    [[nodiscard]] struct stat statusOf(std::string_view path) const {
+        struct stat status{};
+        EXPECT_EQ(::lstat(device->hostPath(path).c_str(), &status), 0);
+        return status;
+    }
     [[nodiscard]] Trial moving() {
         return {.prepare = [this] { makeDevice(); },
                 .run = [this] { done = fileManager->moveItemAtPath("/from/tree", "/to/tree"); },
@@ -98,14 +105,48 @@ TEST_F(FileManagerFaults, RemovalThatClaimsSuccessHasRemovedAll) {
     tests::everyAllocation("removal", removing);
 }
 
+TEST_F(FileManagerFaults, MoveReplacesNothingWhereTheSystemCannotPromiseIt) {
+    const tests::StandingFault noPromise("renameat2 to another folder", EINVAL);
+    everyFault("move onto an item",
+               {.prepare = [&] { makeDevice(); },
+                .run = [&] { done = fileManager->moveItemAtPath("/from/tree/a", "/to/kept"); },
+                .judge =
+                    [&] {
+                        EXPECT_FALSE(done->has_value());
+                        EXPECT_EQ(treeOf(*device), before);
+                    },
+                .release = [&] { release(); },
+                .judgeWithoutFault = nullptr});
+}
+
+TEST_F(FileManagerFaults, FileOfAnotherUserIsWrittenByWhoMayNotGiveFilesAway) {
+    const tests::StandingFault notGivenAway("fchown", EINVAL);
+    makeDevice();
+    ASSERT_EQ(::chmod(device->hostPath("/to/kept").c_str(), 0640), 0);
+    tests::countCalls([&] { done = fileManager->writeContents("/to/kept", "new"); });
+    EXPECT_TRUE(done->has_value());
+    EXPECT_EQ(device->contents("/to/kept"), "new");
+    EXPECT_EQ(statusOf("/to/kept").st_mode & 07777U, 0640U);
+}
+
 TEST_F(FileManagerFaults, WrittenFileIsTheOldOneOrTheNew) {
-    everyFault("write", {.prepare = [&] { makeDevice(); },
+    everyFault("write", {.prepare =
+                             [&] {
+                                 makeDevice();
+                                 const auto path = device->hostPath("/to/kept");
+                                 ASSERT_EQ(::chown(path.c_str(), 501, 20), 0);
+                                 ASSERT_EQ(::chmod(path.c_str(), 0600), 0);
+                             },
                          .run = [&] { done = fileManager->writeContents("/to/kept", "new"); },
                          .judge =
                              [&] {
                                  auto after = treeOf(*device);
                                  const std::string content = std::exchange(after["/to/kept"], "/to/kept");
                                  EXPECT_EQ(content, done->has_value() ? "new" : "/to/kept");
+                                 const auto status = statusOf("/to/kept");
+                                 EXPECT_EQ(status.st_uid, 501U);
+                                 EXPECT_EQ(status.st_gid, 20U);
+                                 EXPECT_EQ(status.st_mode & 07777U, 0600U);
                                  // A file that could not even be unlinked may stay behind; it hides nothing.
                                  EXPECT_THAT(missingFrom(after, before), IsEmpty());
                              },
@@ -130,6 +171,9 @@ TEST_F(FileManagerFaults, StoredChoicesSurvive) {
         defaults = std::make_unique<platform::UserDefaults>(*fileManager, center, path);
     };
     const auto run = [&] {
+        // As an owner of choices does: it loads them, and writes them all back.
+        const auto other = defaults->stringForKey("other").value_or("default");
+        defaults->setObject("other", other);
         defaults->setObject("mine", "new");
         done = defaults->synchronize();
     };

@@ -9,6 +9,7 @@
 #include <random>
 #include <thread>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -127,7 +128,12 @@ TEST_F(UserDefaultsTest, ADamagedFileIsKeptAsideWhenSomethingIsSaved) {
         store(damaged);
         auto values = defaults();
         values.registerDefaults({{"a", 1}});
+        testing::internal::CaptureStderr();
         EXPECT_EQ(values.objectForKey("a"), Value(1));
+        EXPECT_EQ(values.objectForKey("a"), Value(1));
+        EXPECT_THAT(
+            testing::internal::GetCapturedStderr(),
+            testing::MatchesRegex("The settings in [^\n]* cannot be read [^\n]*; the defaults serve.\n"));
         ASSERT_TRUE(values.synchronize());
         EXPECT_EQ(bytes(), damaged); // a run that changes nothing leaves it alone
         values.setObject("b", 2);
@@ -142,7 +148,10 @@ TEST_F(UserDefaultsTest, AFailedSaveIsReportedAndTriedAgain) {
     std::ofstream(root / "var") << "in the way";
     auto values = defaults();
     values.setObject("a", 1);
+    testing::internal::CaptureStderr();
     EXPECT_FALSE(values.synchronize());
+    EXPECT_THAT(testing::internal::GetCapturedStderr(),
+                testing::HasSubstr("cannot be saved to " + std::string(devicePath)));
     EXPECT_EQ(values.objectForKey("a"), Value(1));
     std::filesystem::remove(root / "var");
     EXPECT_TRUE(values.synchronize());

@@ -23,7 +23,7 @@ std::string readAll(int descriptor) {
     return text;
 }
 
-Outcome run(const std::string& path, const std::vector<std::string>& arguments,
+Outcome run(const std::string& path, const std::string& name, const std::vector<std::string>& arguments,
             const std::vector<std::string>& environment) {
     std::array<int, 2> out{};
     std::array<int, 2> err{};
@@ -39,7 +39,7 @@ Outcome run(const std::string& path, const std::vector<std::string>& arguments,
         for (const auto& variable : environment) {
             ::putenv(const_cast<char*>(variable.c_str()));
         }
-        std::vector<char*> vector = {const_cast<char*>(path.c_str())};
+        std::vector<char*> vector = {const_cast<char*>(name.c_str())};
         for (const auto& argument : arguments) {
             vector.push_back(const_cast<char*>(argument.c_str()));
         }
@@ -65,11 +65,11 @@ Outcome run(const std::string& path, const std::vector<std::string>& arguments,
 
 Outcome runProgram(const std::string& name, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment) {
-    return run(std::string(OZ_BINARY_DIRECTORY) + "/" + name, arguments, environment);
+    return run(std::string(OZ_BINARY_DIRECTORY) + "/" + name, name, arguments, environment);
 }
 
 Outcome shell(const std::string& commandLine) {
-    return run("/bin/sh", {"-c", "exec 2>&1; " + commandLine}, {});
+    return run("/bin/sh", "sh", {"-c", "exec 2>&1; " + commandLine}, {});
 }
 
 } // namespace tests

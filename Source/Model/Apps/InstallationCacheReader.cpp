@@ -12,6 +12,8 @@ constexpr std::string_view cacheFile = "/var/mobile/Library/Caches/com.apple.mob
 constexpr uint64_t cacheFileLimit = uint64_t{64} << 20U;
 constexpr std::string_view userAppsFolder = "/private/var/mobile/Applications";
 constexpr std::string_view systemAppsFolder = "/Applications";
+// Deliberately unknown, so that nothing of it is ever touched.
+constexpr std::string_view unknownApp = "biteSMS.app";
 constexpr std::string_view privateFolder = "/private";
 
 using KnownFolders = std::set<std::string, std::less<>>;
@@ -53,6 +55,7 @@ KnownFolders knownFolders(const InstalledApps& apps) {
 }
 
 void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
+    InstalledApps::InfoDictionaries found;
     const auto containers = fileManager.contentsOfDirectoryAtPath(userAppsFolder);
     for (const auto& name : containers.value_or(std::vector<std::string>{})) {
         const auto container = platform::joinPath(userAppsFolder, name);
@@ -70,27 +73,29 @@ void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, 
             const auto infoPlist = readInfoPlist(fileManager, path);
             if (auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt) {
                 info->insert_or_assign(std::string(infokey::container), container);
-                apps.userAppInfo.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
-                                                  std::move(*info));
+                found.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
+                                       std::move(*info));
             }
         }
     }
+    apps.userAppInfo.merge(found);
 }
 
 void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
+    InstalledApps::InfoDictionaries found;
     for (const auto& item :
          fileManager.contentsOfDirectoryAtPath(systemAppsFolder).value_or(std::vector<std::string>{})) {
-        // Deliberately unknown, so that nothing of it is ever touched.
-        if (!item.ends_with(".app") || item.ends_with("biteSMS.app")) {
+        if (!item.ends_with(".app") || item.ends_with(unknownApp)) {
             continue;
         }
         const auto path = platform::joinPath(systemAppsFolder, item);
         const auto infoPlist = known.contains(path) ? std::nullopt : readInfoPlist(fileManager, path);
         if (auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt) {
-            apps.systemAppInfo.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
-                                                std::move(*info));
+            found.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
+                                   std::move(*info));
         }
     }
+    apps.systemAppInfo.merge(found);
 }
 
 } // namespace
@@ -101,6 +106,10 @@ InstalledApps readInstallationCache(platform::Device& device) {
         readDictionary(fileManager, cacheFile, cacheFileLimit).value_or(platform::Dictionary{});
     InstalledApps apps{.systemAppInfo = dictionariesAt(cache, "System"),
                        .userAppInfo = dictionariesAt(cache, "User")};
+    std::erase_if(apps.systemAppInfo, [](const auto& app) {
+        const auto* path = platform::valueAt<std::string>(app.second, infokey::path);
+        return path != nullptr && path->ends_with(unknownApp);
+    });
     const auto known = knownFolders(apps);
     addUserApps(fileManager, known, apps);
     addSystemApps(fileManager, known, apps);

@@ -6,6 +6,8 @@
 #include "Model/Apps/InstalledApps.h"
 #include "Platform/FileManager.h"
 
+#include <algorithm>
+
 namespace {
 
 std::optional<std::string> textAt(const platform::Dictionary& info, std::string_view key) {
@@ -15,7 +17,11 @@ std::optional<std::string> textAt(const platform::Dictionary& info, std::string_
 
 std::optional<std::string> pathAt(const platform::Dictionary& info, std::string_view key) {
     auto path = textAt(info, key);
-    return path && path->starts_with('/') ? path : std::nullopt;
+    if (!path || !path->starts_with('/')) {
+        return std::nullopt;
+    }
+    path->resize(std::max<size_t>(path->find_last_not_of('/') + 1, 1));
+    return path;
 }
 
 /// Identifiers come from files that applications bring along, and become names below containers: one that is

@@ -19,8 +19,13 @@ makeApps(OZAppType type, const InstalledApps::InfoDictionaries& infos, platform:
     std::map<std::string, std::shared_ptr<const OZApp>, std::less<>> apps;
     for (const auto& [identifier, info] : infos) {
         auto app = OZApp::make(type, info);
-        if (app &&
-            fileManager.fileExistsAtPath(platform::joinPath(app->bundlePath(), app->executableFileName()))) {
+        if (!app) {
+            continue;
+        }
+        // An application that nobody can look at stays known: what the user has excluded is known by it.
+        const auto executable = fileManager.attributesOfTargetAtPath(
+            platform::joinPath(app->bundlePath(), app->executableFileName()));
+        if (executable || !platform::meansAbsence(executable.error())) {
             apps.emplace(identifier, std::move(app));
         }
     }

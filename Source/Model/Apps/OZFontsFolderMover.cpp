@@ -120,7 +120,11 @@ class OZFontsFolderMover::Move {
 
     void mergeDataFolder() {
         const auto names = _fileManager.contentsOfDirectoryAtPath(dataPath);
-        for (const auto& name : names.value_or(std::vector<std::string>())) {
+        if (!names) {
+            // What nobody could list has not moved, and must not go with the folder.
+            return;
+        }
+        for (const auto& name : *names) {
             std::ignore = _fileManager.moveItemAtPath(platform::joinPath(dataPath, name),
                                                       platform::joinPath(systemPath, name));
         }

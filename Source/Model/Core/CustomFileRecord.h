@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/PropertyList.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,6 +14,8 @@ enum class OZCustomFolderSetting : uint64_t {
     filesAndSubfolders = 1,
     /// Only files inside of it.
     onlyFiles = 2,
+    /// Nothing: what is stored says none of these.
+    unknown = UINT64_MAX,
 };
 
 /// A file or folder of the user's own that a cleanup removes.
@@ -19,9 +23,10 @@ struct CustomFileRecord {
     static constexpr const char* directoryType = "NSFileTypeDirectory";
     static constexpr const char* regularType = "NSFileTypeRegular";
 
-    std::string filePath;
-    /// Anything but the directory type counts as a file.
-    std::string fileType;
+    /// None in a record that lacks it, which is not stored.
+    std::optional<std::string> filePath{};
+    /// Anything but the directory type counts as a file. None in a record that lacks it, which is not stored.
+    std::optional<std::string> fileType{};
     // For folders only; the rest counts for a setting other than `whole`.
     OZCustomFolderSetting customFolderSetting = OZCustomFolderSetting::whole;
     bool recursive = false;
@@ -29,6 +34,8 @@ struct CustomFileRecord {
     std::optional<std::string> startPattern{};
     std::optional<std::string> middlePattern{};
     std::optional<std::string> endPattern{};
+    /// What else is stored with the record: it stays with it.
+    platform::Dictionary other{};
 
     bool operator==(const CustomFileRecord&) const = default;
 };

@@ -18,17 +18,49 @@ constexpr PatternField patternFields[] = {
     {"endPattern", &CustomFileRecord::endPattern},
 };
 
-std::optional<std::string> textAt(const platform::Dictionary& dictionary, std::string_view key) {
-    const auto* text = platform::valueAt<std::string>(dictionary, key);
-    return text == nullptr ? std::nullopt : std::optional(*text);
+/// Takes a text out of a dictionary; what is no text stays there.
+std::optional<std::string> takeText(platform::Dictionary& dictionary, std::string_view key) {
+    const auto found = dictionary.find(key);
+    auto* text = found == dictionary.end() ? nullptr : found->second.as<std::string>();
+    if (text == nullptr) {
+        return std::nullopt;
+    }
+    std::string taken = std::move(*text);
+    dictionary.erase(found);
+    return taken;
+}
+
+/// Takes what can be read of a folder's settings. What cannot must not widen what goes.
+void takeFolderSettings(CustomFileRecord& record) {
+    platform::Dictionary& stored = record.other;
+    if (const auto recursive = stored.find(recursiveKey); recursive != stored.end()) {
+        record.recursive = recursive->second.truthValue().value_or(false);
+        stored.erase(recursive);
+    }
+    bool isUnclear = false;
+    for (const auto& field : patternFields) {
+        record.*field.pattern = takeText(stored, field.key);
+        isUnclear |= stored.contains(field.key);
+    }
+    const auto setting = stored.find(customFolderSettingKey);
+    if (setting == stored.end()) {
+        return;
+    }
+    const auto number = setting->second.unsignedValue();
+    if (!number || (isUnclear && *number != 0)) {
+        record.customFolderSetting = OZCustomFolderSetting::unknown;
+        return;
+    }
+    record.customFolderSetting = static_cast<OZCustomFolderSetting>(*number);
+    stored.erase(setting);
 }
 
 } // namespace
 
 platform::Value valueFromCustomFileRecord(const CustomFileRecord& record) {
-    platform::Dictionary dictionary;
-    dictionary.emplace(filePathKey, record.filePath);
-    dictionary.emplace(fileTypeKey, record.fileType);
+    platform::Dictionary dictionary = record.other;
+    dictionary.emplace(filePathKey, record.filePath.value_or(""));
+    dictionary.emplace(fileTypeKey, record.fileType.value_or(""));
     if (record.customFolderSetting != OZCustomFolderSetting::whole) {
         dictionary.emplace(customFolderSettingKey, static_cast<uint64_t>(record.customFolderSetting));
     }
@@ -48,21 +80,16 @@ std::optional<CustomFileRecord> customFileRecordFromValue(const platform::Value&
     if (dictionary == nullptr) {
         return std::nullopt;
     }
-    CustomFileRecord record{.filePath = textAt(*dictionary, filePathKey).value_or(""),
-                            .fileType = textAt(*dictionary, fileTypeKey).value_or("")};
-    if (const auto setting = dictionary->find(customFolderSettingKey); setting != dictionary->end()) {
-        record.customFolderSetting =
-            static_cast<OZCustomFolderSetting>(setting->second.unsignedValue().value_or(0));
+    CustomFileRecord record{.other = *dictionary};
+    record.filePath = takeText(record.other, filePathKey);
+    record.fileType = takeText(record.other, fileTypeKey);
+    if (record.other.contains(fileTypeKey)) {
+        record.fileType = "";
     }
-    if (const auto recursive = dictionary->find(recursiveKey); recursive != dictionary->end()) {
-        record.recursive = recursive->second.boolValue().value_or(false);
-    }
-    for (const auto& field : patternFields) {
-        record.*field.pattern = textAt(*dictionary, field.key);
-    }
+    takeFolderSettings(record);
     return record;
 }
 
 bool isCompleteRecord(const CustomFileRecord& record) {
-    return !record.filePath.empty() && !record.fileType.empty();
+    return record.filePath && record.fileType;
 }

@@ -285,8 +285,9 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void countEntriesBelow(const platform::Item& folder, std::string_view path, SizeSum& sizes);
     /// Counts the items that an analysis wants: all that exist, where no condition is given.
     void countLooks(ItemLooks& looks, const std::function<bool(const ItemLook& look)>& isWanted = {});
+    /// `sizes` are those that are still being summed, if any.
     [[nodiscard]] platform::Result<void> moveToBackup(const platform::Item& item, std::string_view path,
-                                                      platform::FileType type);
+                                                      platform::FileType type, SizeSum* sizes = nullptr);
     void delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
                          const std::function<bool(std::string_view name)>& isWanted);
     void count(std::string_view path);

@@ -1,4 +1,5 @@
 #include "Model/Core/OZCoreRun.h"
+#include "Platform/Device.h"
 
 using platform::FileWriting;
 
@@ -6,15 +7,15 @@ using platform::FileWriting;
 
 void OZCore::backup(BackupAction action) {
     const bool restores = action == BackupAction::restore;
-    const uint64_t freeAtStart =
-        restores ? beginRun(OZCoreMode::clean, runtitle::restoredFiles, FileWriting::gathered)
-                 : beginRun(OZCoreMode::clean, runtitle::deletedFiles, FileWriting::direct);
+    std::ignore = restores ? beginRun(OZCoreMode::clean, runtitle::restoredFiles, FileWriting::gathered)
+                           : beginRun(OZCoreMode::clean, runtitle::deletedFiles, FileWriting::direct);
     log("\n");
     const auto backups = find({"/", "-name", std::string("*").append(backupExtension)});
     if (restores) {
         restore(backups);
         endRun(std::nullopt);
     } else {
+        const uint64_t freeAtStart = _device.volumes().totalFreeSpace();
         quickDel(backups);
         endRun(freeAtStart);
     }

@@ -43,22 +43,24 @@ std::string globFor(const CustomFileRecord& record) {
 } // namespace
 
 void OZCore::cleanCustomFile(const CustomFileRecord& record) {
-    if (!isNotEmptyOrWhitespace(record.filePath)) {
+    if (!record.filePath || !isNotEmptyOrWhitespace(*record.filePath)) {
         return;
     }
     if (record.fileType != CustomFileRecord::directoryType) {
-        del(Paths{record.filePath});
+        del(Paths{*record.filePath});
         return;
     }
     switch (record.customFolderSetting) {
     case OZCustomFolderSetting::whole:
-        delr(Paths{record.filePath});
+        delr(Paths{*record.filePath});
         break;
     case OZCustomFolderSetting::filesAndSubfolders:
         cleanInsideCustomFolder(record, OnlyFiles::no);
         break;
     case OZCustomFolderSetting::onlyFiles:
         cleanInsideCustomFolder(record, OnlyFiles::yes);
+        break;
+    case OZCustomFolderSetting::unknown:
         break;
     }
 }
@@ -67,15 +69,15 @@ void OZCore::cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles o
     const bool hasPattern =
         isPattern(record.startPattern) || isPattern(record.middlePattern) || isPattern(record.endPattern);
     if (!hasPattern && record.recursive && onlyFiles == OnlyFiles::yes) {
-        delFilesInFolderRecursive(record.filePath);
+        delFilesInFolderRecursive(*record.filePath);
     } else if (!hasPattern) {
-        delFolderContents(record.filePath, onlyFiles);
+        delFolderContents(*record.filePath, onlyFiles);
     } else if (!record.recursive) {
-        delWithPattern(record.filePath, record.startPattern, record.middlePattern, record.endPattern,
+        delWithPattern(*record.filePath, record.startPattern, record.middlePattern, record.endPattern,
                        onlyFiles);
     } else {
-        std::vector<std::string> arguments = {record.filePath, "-mindepth",     "1",
-                                              "-name",         globFor(record), "-prune"};
+        std::vector<std::string> arguments = {*record.filePath, "-mindepth",     "1",
+                                              "-name",          globFor(record), "-prune"};
         if (onlyFiles == OnlyFiles::yes) {
             arguments.insert(arguments.end(), {"-type", "f"});
         }

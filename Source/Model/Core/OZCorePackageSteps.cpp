@@ -9,12 +9,13 @@ namespace {
 
 constexpr std::string_view whitespace = " \t";
 
+// None of what is no text: a name that is cut out of it could be another package's.
 std::string outputOf(platform::Device& device, std::string_view tool, std::vector<std::string> arguments) {
     const auto task = OZTask::make(device, tool, std::move(arguments));
     task->setStdOutAction(OZTaskStreamAction::capture);
     task->setStdErrAction(OZTaskStreamAction::capture);
     task->launchSynchronously();
-    return std::string(task->outputBytes());
+    return task->output().value_or("");
 }
 
 // The second word of a line of the package list: the name, with its architecture where that matters.

@@ -150,7 +150,7 @@ void OZCore::delrItem(const Item& item, std::string_view path, SizeSum& sizes,
         addSize(attributes->size);
     }
     if (_mode != OZCoreMode::clean) {
-        std::ignore = moveToBackup(item, path, attributes->type);
+        std::ignore = moveToBackup(item, path, attributes->type, &sizes);
     } else if (removals != nullptr && attributes->type == FileType::directory) {
         removals->add([item] { std::ignore = item.remove(); });
     } else {
@@ -211,11 +211,20 @@ void OZCore::quickDelLangItem(const platform::Result<Item>& item, std::string_vi
 }
 
 // Nothing to do, and no error, outside of the test mode and for what is a backup already.
-platform::Result<void> OZCore::moveToBackup(const Item& item, std::string_view path, FileType type) {
+platform::Result<void> OZCore::moveToBackup(const Item& item, std::string_view path, FileType type,
+                                            SizeSum* sizes) {
     if (_mode != OZCoreMode::test || endsInBackupExtension(path)) {
         return {};
     }
-    auto moved = item.renameReplacing(std::string(item.name()).append(backupExtension));
+    const std::string backupName = std::string(item.name()).append(backupExtension);
+    auto moved = item.rename(backupName);
+    if (!moved) {
+        // What gives way may be among what is still to be summed.
+        if (sizes != nullptr) {
+            std::ignore = sizes->total();
+        }
+        moved = item.renameReplacing(backupName);
+    }
     if (type != FileType::regular) {
         forgetLastFolder();
     }

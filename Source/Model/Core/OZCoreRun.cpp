@@ -53,8 +53,9 @@ uint64_t OZCore::beginRun(OZCoreMode mode, std::string_view title, FileWriting l
         _cleanupLogger->deleteLogFile();
         _cleanupLogger->openLogFileForWriting(logWriting);
     }
+    const uint64_t freeAtStart = _mode == OZCoreMode::clean ? _device.volumes().totalFreeSpace() : 0;
     log(bannerFor(title));
-    return _mode == OZCoreMode::clean ? _device.volumes().totalFreeSpace() : 0;
+    return freeAtStart;
 }
 
 void OZCore::endRun(std::optional<uint64_t> freeAtStart) {

@@ -110,8 +110,10 @@ int openFile(sqlite3_vfs* fileSystem, const char* path, sqlite3_file* place, int
 }
 
 int accessFile(sqlite3_vfs* fileSystem, const char* path, int /*flags*/, int* isThere) {
-    *isThere = fileManagerOf(fileSystem).fileExistsAtPath(path) ? 1 : 0;
-    return SQLITE_OK;
+    const auto attributes = fileManagerOf(fileSystem).attributesOfTargetAtPath(path);
+    *isThere = attributes ? 1 : 0;
+    // A journal that nobody can look at may hold what the database lacks.
+    return attributes || platform::meansAbsence(attributes.error()) ? SQLITE_OK : SQLITE_IOERR_ACCESS;
 }
 
 int copyFullPath(sqlite3_vfs* /*fileSystem*/, const char* path, int room, char* fullPath) {

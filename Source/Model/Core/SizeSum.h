@@ -9,11 +9,12 @@
 #include <vector>
 
 /// Sums the sizes of entries, on several threads, while the walks that find them go on; what is gone by then
-/// has none. The items keep their folders open, so few folders are handed over at once.
+/// has none, so whoever removes something takes the total first. The items keep their folders open, so few
+/// folders are handed over at once.
 class SizeSum {
   public:
     void add(platform::Item item);
-    /// Bytes, of all that was added.
+    /// Bytes, of all that was added so far.
     uint64_t total();
 
   private:

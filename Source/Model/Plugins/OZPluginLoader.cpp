@@ -48,7 +48,7 @@ OZPlugin pluginOfRow(const platform::Device& device, const PluginRow& row) {
 
 std::optional<bool> choiceAt(const platform::Dictionary& choices, const std::string& identifier) {
     const auto found = choices.find(identifier);
-    return found == choices.end() ? std::nullopt : found->second.boolValue();
+    return found == choices.end() ? std::nullopt : found->second.truthValue();
 }
 
 } // namespace
@@ -95,8 +95,7 @@ std::vector<OZPlugin*> OZPluginLoader::allPlugins() {
     for (auto& [identifier, plugin] : _plugins) {
         all.push_back(&plugin);
     }
-    std::ranges::sort(all, {},
-                             [](const OZPlugin* plugin) { return caseFoldedString(plugin->title()); });
+    std::ranges::sort(all, {}, [](const OZPlugin* plugin) { return caseFoldedString(plugin->title()); });
     return all;
 }
 

@@ -31,7 +31,9 @@ class InstallationCacheReaderTest : public testing::TestWithParam<double> {
 TEST_P(InstallationCacheReaderTest, theCacheWinsOverWhatTheFoldersShow) {
     const auto cached = folder + "CACHED";
     tree.addBundle(cached + "/Notes.app", "org.example.notes", {{"CFBundleDisplayName", "In the folder"}});
+    tree.addBundle(folder + "UNLISTED/Notes.app", "org.example.notes");
     tree.addBundle("/Applications/Cydia.app", "com.saurik.Cydia", {{"CFBundleDisplayName", "In the folder"}});
+    tree.addBundle("/Applications/biteSMS.app", "com.biteSMS");
     tree.addPlist(
         cache,
         {{"User",
@@ -48,15 +50,20 @@ TEST_P(InstallationCacheReaderTest, theCacheWinsOverWhatTheFoldersShow) {
                                                         {"Container", "/var/mobile/Applications/GONE"},
                                                         {"Path", "/var/mobile/Applications/GONE/Gone.app"}}},
               {"org.example.broken", "no dictionary"}}},
-         {"System", platform::Dictionary{{"com.saurik.Cydia",
-                                          platform::Dictionary{{"CFBundleIdentifier", "com.saurik.Cydia"},
-                                                               {"CFBundleExecutable", "Main"},
-                                                               {"CFBundleDisplayName", "In the cache"},
-                                                               {"Path", "/Applications/Cydia.app"}}}}}},
+         {"System",
+          platform::Dictionary{
+              {"com.biteSMS", platform::Dictionary{{"CFBundleIdentifier", "com.biteSMS"},
+                                                   {"CFBundleExecutable", "Main"},
+                                                   {"Path", "/Applications/biteSMS.app"}}},
+              {"com.saurik.Cydia", platform::Dictionary{{"CFBundleIdentifier", "com.saurik.Cydia"},
+                                                        {"CFBundleExecutable", "Main"},
+                                                        {"CFBundleDisplayName", "In the cache"},
+                                                        {"Path", "/Applications/Cydia.app"}}}}}},
         platform::PropertyListFormat::binary);
 
     const OZAppList list(device.device());
     EXPECT_THAT(identifiers(list, OZAppTypeMask::user), ElementsAre("org.example.notes"));
+    EXPECT_THAT(identifiers(list, OZAppTypeMask::system), ElementsAre("com.saurik.Cydia"));
     EXPECT_EQ(list.appWithIdentifier("org.example.notes")->displayName(), "In the cache");
     EXPECT_EQ(list.appWithIdentifier("org.example.notes")->dataContainer(),
               "/var/mobile/Applications/CACHED");

@@ -55,7 +55,7 @@ TEST_F(OZCoreChoicesTest, editsCustomFilesInTheUsersOrder) {
     const auto paths = [&] {
         std::string joined;
         for (const auto& record : core->customFiles()) {
-            joined += record.filePath;
+            joined += *record.filePath;
         }
         return joined;
     };
@@ -73,7 +73,6 @@ TEST_F(OZCoreChoicesTest, repairsWhatWasStoredBadly) {
                                          platform::Dictionary{{"filePath", 3}, {"fileType", fileType}},
                                          platform::Dictionary{{"filePath", "/kept"},
                                                               {"fileType", folderType},
-                                                              {"customFolderSetting", "2"},
                                                               {"recursive", 1},
                                                               {"startPattern", ""},
                                                               {"endPattern", 5}}});
@@ -82,9 +81,11 @@ TEST_F(OZCoreChoicesTest, repairsWhatWasStoredBadly) {
                                                   {std::string(cleanupstep::safari), "no number"},
                                                   {"UNKNOWN", true}});
     core->loadDefaults();
-    EXPECT_THAT(core->customFiles(),
-                ElementsAre(CustomFileRecord{
-                    .filePath = "/kept", .fileType = folderType, .recursive = true, .startPattern = ""}));
+    EXPECT_THAT(core->customFiles(), ElementsAre(CustomFileRecord{.filePath = "/kept",
+                                                                  .fileType = folderType,
+                                                                  .recursive = true,
+                                                                  .startPattern = "",
+                                                                  .other = {{"endPattern", 5}}}));
     EXPECT_THAT(core->fileTypes(), ElementsAre("bak"));
     EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::safari), platform::Value(true));
     EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::cydiaSources), platform::Value(1));
@@ -97,6 +98,25 @@ TEST_F(OZCoreChoicesTest, repairsWhatWasStoredBadly) {
     EXPECT_THAT(core->customFiles(), IsEmpty());
     EXPECT_EQ(core->fileTypes(), OZCore::defaultFileTypes());
     EXPECT_EQ(core->cleanupSettings(), OZCore::defaultCleanupSettings(device.device()));
+}
+
+TEST_F(OZCoreChoicesTest, recordsThatCannotBeReadWholeTakeNothingMoreAndStay) {
+    addFiles({"/f/log", "/f/other", "/single", "/untyped"});
+    const platform::Array stored{
+        platform::Dictionary{
+            {"filePath", "/f"}, {"fileType", folderType}, {"customFolderSetting", "2"}, {"note", "mine"}},
+        platform::Dictionary{{"filePath", "/f"},
+                             {"fileType", folderType},
+                             {"customFolderSetting", uint64_t{1}},
+                             {"startPattern", 5}},
+        platform::Dictionary{{"filePath", "/single"}, {"fileType", ""}},
+        platform::Dictionary{{"filePath", "/untyped"}, {"fileType", 4}}};
+    store("customFiles", stored);
+    core->loadDefaults();
+    clean({cleanupstep::customFiles});
+    EXPECT_THAT(tree(), ElementsAre("/f/log", "/f/other"));
+    core->writeDefaults();
+    EXPECT_EQ(defaults().arrayForKey("customFiles"), stored);
 }
 
 TEST_F(OZCoreChoicesTest, settingsWithEveryStepOffDoNotSurvive) {

@@ -58,6 +58,16 @@ TEST(DependenciesStep, RemovesCleansAndPurges) {
     EXPECT_TRUE(printed.ends_with(fixture.body())) << printed;
 }
 
+TEST(DependenciesStep, PurgesNothingByAListThatCannotBeReadAsText) {
+    EngineFixture fixture;
+    fixture.device.addTool("/usr/bin/apt-get", "printf '\\377'");
+    fixture.device.addTool("/usr/bin/dpkg", std::string(note) + "printf 'rc  foo 1.0 \\377\\n'");
+    fixture.run(cleanupstep::dependencies);
+    EXPECT_THAT(fixture.device.journal(),
+                ElementsAre("dpkg[-l]", "dpkg[--clear-avail]", "dpkg[--forget-old-unavail]"));
+    EXPECT_EQ(fixture.body(), "\nPurging uninstalled packages ...\n\n");
+}
+
 TEST(CleanupSteps, AllOfThemEndWithoutToolsAndInventory) {
     EngineFixture fixture;
     fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1"});

@@ -91,6 +91,22 @@ INSTANTIATE_TEST_SUITE_P(
         return name;
     });
 
+TEST(OZCorePrimitives, ATestRunSumsWhatAFormerBackupHeldBeforeItGivesWay) {
+    uint64_t analyzed = 0;
+    for (const auto mode : {OZCoreMode::analyze, OZCoreMode::test}) {
+        EngineFixture engine;
+        engine.addFiles({"/d/a/1", "/d/a/2", "/d/a.OzvarineBackup/1", "/d/a.OzvarineBackup/sub/2"});
+        engine.enter(mode);
+        engine.core->delr(OZCore::Paths{"/d/a.OzvarineBackup", "/d/a"});
+        if (mode == OZCoreMode::analyze) {
+            analyzed = engine.core->freedSpace();
+        }
+        EXPECT_EQ(engine.core->freedSpace(), analyzed);
+        EXPECT_GE(analyzed, 20U);
+        EXPECT_EQ(engine.core->fileCount(), 7);
+    }
+}
+
 TEST(OZCorePrimitives, TestModeReplacesAnOldBackupAndLeavesBackupsWhereTheyAre) {
     EngineFixture engine;
     engine.device.addFile("/f", "new");

@@ -148,8 +148,9 @@ TEST_F(Removal, IPadAndFourInchImagesGoByName) {
 }
 
 TEST_F(Removal, ArtworkGoesInBundlesAndBesideThem) {
+    addApp("org.example.slash", OZAppType::user, "/b/3/Slash.app/", "/c/3");
     const Tree artwork = {"/b/1/iTunesArtwork", "/b/1/User.app/sub/iTunesArtwork",
-                          "/Applications/System.app/iTunesArtwork"};
+                          "/Applications/System.app/iTunesArtwork", "/b/3/iTunesArtwork"};
     addFiles({artwork.begin(), artwork.end()});
     addFiles({"/b/2/iTunesArtwork", "/b/1/iTunesArtwork@2x", "/b/1/User.app/iTunesArtwork@2x",
               "/Applications/iTunesArtwork/kept", "/b/iTunesArtwork"});

@@ -85,10 +85,10 @@ TEST(PluginLoader, KeepsTheUsersChoices) {
         EXPECT_THAT(loader.pluginIdentifiersToLoadIntoSpringBoard(), IsEmpty());
         EXPECT_EQ(plugins.stored(), std::nullopt);
     }
-    plugins.store({{activator, true}, {theming, false}, {flipswitch, "odd"}, {"gone", true}});
+    plugins.store({{activator, "YES"}, {theming, false}, {flipswitch, platform::Array{}}, {"gone", true}});
     auto loader = plugins.load();
     EXPECT_EQ(plugins.stored(),
-              (platform::Dictionary{{activator, true}, {theming, false}, {flipswitch, "odd"}}));
+              (platform::Dictionary{{activator, "YES"}, {theming, false}, {flipswitch, platform::Array{}}}));
     EXPECT_TRUE(loader.shouldPluginBeLoaded(activator));
     EXPECT_FALSE(loader.pluginWithIdentifier(theming)->enabled());
     EXPECT_FALSE(loader.pluginWithIdentifier(flipswitch)->enabled());

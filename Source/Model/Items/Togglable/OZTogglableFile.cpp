@@ -21,6 +21,10 @@ bool ensureFolder(platform::FileManager& fileManager, std::string_view path) {
     if (attributes && attributes->type == platform::FileType::directory) {
         return true;
     }
+    // That nobody can tell what stands there is no reason to remove it.
+    if (!attributes && !platform::meansAbsence(attributes.error())) {
+        return false;
+    }
     std::ignore = fileManager.removeItemAtPath(path);
     return fileManager.createDirectoryAtPath(path, platform::IntermediateFolders::create).has_value();
 }
