@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Model/Core/ProgramIdentity.h"
+
 #include <array>
 #include <string>
 #include <string_view>
@@ -10,7 +12,7 @@ class OZApplication {
   public:
     OZApplication() = delete;
 
-    static constexpr std::string_view bundlePath = "/Applications/Ozvarine.app";
+    static constexpr std::string_view bundlePath = programBundlePath;
     static constexpr std::string_view cliLauncherPath = "/usr/bin/ozvarine";
     static constexpr std::string_view libPath = "/Library/MobileSubstrate/DynamicLibraries/OzvarineLib.dylib";
     static constexpr std::string_view dataDirPath = "/var/mobile/Library/Ozvarine";

@@ -5,6 +5,7 @@
 #include "Model/Apps/AppIconFiles.h"
 #include "Model/Apps/InstalledApps.h"
 #include "Platform/FileManager.h"
+#include "Platform/PathExtension.h"
 
 #include <algorithm>
 
@@ -45,12 +46,6 @@ OZApp::Containers containersAt(const platform::Dictionary& info, std::string_vie
     return containers;
 }
 
-std::string bundleNameWithoutExtension(std::string_view bundlePath) {
-    const auto name = platform::lastPathComponent(bundlePath);
-    const auto dot = name.rfind('.');
-    return std::string(dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot));
-}
-
 std::string displayNameFor(const platform::Dictionary& info, std::string_view bundlePath) {
     for (const auto key : {infokey::displayName, infokey::name}) {
         if (const auto* name = platform::valueAt<std::string>(info, key);
@@ -58,7 +53,7 @@ std::string displayNameFor(const platform::Dictionary& info, std::string_view bu
             return *name;
         }
     }
-    return bundleNameWithoutExtension(bundlePath);
+    return std::string(platform::nameWithoutExtension(bundlePath));
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "Model/Core/OZCoreRun.h"
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Tasks/OZTaskManager.h"
+#include "Platform/PathExtension.h"
 
 #include <set>
 
@@ -65,12 +66,6 @@ bool namesAnItem(std::string_view identifier) {
            identifier != "..";
 }
 
-// A name that is nothing but an extension keeps it.
-std::string_view withoutExtension(std::string_view name) {
-    const size_t dot = name.rfind('.');
-    return dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot);
-}
-
 } // namespace
 
 void OZCore::cleanCydia(const Run& run) {
@@ -119,7 +114,7 @@ void OZCore::cleanAuxoSnapshots() {
         names.insert(app->identifier());
     }
     for (const auto& clip : contentsOfDirectoryAtPath(webClips).value_or(Paths{})) {
-        names.insert(std::string(webApplication).append("-").append(withoutExtension(clip)));
+        names.insert(std::string(webApplication).append("-").append(platform::withoutPathExtension(clip)));
     }
     auto snapshots = folderAtPath(".");
     auto entries = snapshots ? (*snapshots)->entries() : platform::failure(ENOENT);

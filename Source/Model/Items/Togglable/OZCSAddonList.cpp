@@ -1,8 +1,8 @@
 #include "Model/Items/Togglable/OZCSAddonList.h"
 
-#include "Model/Items/Togglable/FileNames.h"
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Platform/Device.h"
+#include "Platform/PathExtension.h"
 
 #include <algorithm>
 
@@ -28,11 +28,11 @@ std::vector<std::shared_ptr<OZCSAddon>> OZCSAddonList::addons() {
 void OZCSAddonList::initializeItems() {
     const auto names = _device.fileManager().contentsOfDirectoryAtPath(*OZCSAddon::enabledFolder());
     for (const std::string& name : names.value_or(std::vector<std::string>())) {
-        const std::string_view extension = pathExtension(name);
+        const std::string_view extension = platform::pathExtension(name);
         if (extension != OZCSAddon::enabledExtension() && extension != OZCSAddon::disabledExtension()) {
             continue;
         }
-        const std::string_view identifier = withoutPathExtension(name);
+        const std::string_view identifier = platform::withoutPathExtension(name);
         if (auto addon = OZTogglableFile::make<OZCSAddon>(_device, identifier, identifier)) {
             protectedItems().insert_or_assign(std::string(identifier), std::move(addon));
         }

@@ -2,8 +2,8 @@
 
 #include "Categories/NSURLPath.h"
 #include "Model/Apps/InstalledApps.h"
-#include "Model/Items/Togglable/FileNames.h"
 #include "Platform/Device.h"
+#include "Platform/PathExtension.h"
 
 #include <limits>
 
@@ -42,10 +42,10 @@ bool isReadableFile(platform::FileManager& fileManager, const std::string& path)
 /// The image for any scale, else the file of just this name.
 std::optional<std::string> imageInFolder(platform::FileManager& fileManager, std::string_view folder,
                                          std::string_view name) {
-    const std::string_view extension = pathExtension(name);
+    const std::string_view extension = platform::pathExtension(name);
     for (const std::string_view suffix : scaleSuffixes) {
-        const std::string path = fmt::format("{}/{}{}{}{}", folder, withoutPathExtension(name), suffix,
-                                             extension.empty() ? "" : ".", extension);
+        const std::string path = fmt::format("{}/{}{}{}{}", folder, platform::withoutPathExtension(name),
+                                             suffix, extension.empty() ? "" : ".", extension);
         if (isReadableFile(fileManager, path)) {
             return path;
         }

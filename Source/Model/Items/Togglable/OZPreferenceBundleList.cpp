@@ -1,9 +1,9 @@
 #include "Model/Items/Togglable/OZPreferenceBundleList.h"
 
-#include "Model/Items/Togglable/FileNames.h"
 #include "Model/Items/Togglable/OZPreferenceBundle.h"
 #include "Model/Items/Togglable/OZPreferenceBundleGroup.h"
 #include "Platform/Device.h"
+#include "Platform/PathExtension.h"
 
 #include <set>
 
@@ -15,10 +15,10 @@ std::set<std::string> findIdentifiers(platform::FileManager fileManager) {
     std::set<std::string> identifiers;
     const auto enumerator = fileManager.enumeratorAtPath(*OZPreferenceBundle::enabledFolder());
     while (const auto path = enumerator ? enumerator->nextObject() : std::nullopt) {
-        const std::string_view extension = pathExtension(*path);
+        const std::string_view extension = platform::pathExtension(*path);
         if (extension == OZPreferenceBundle::enabledExtension() ||
             extension == OZPreferenceBundle::disabledExtension()) {
-            identifiers.emplace(withoutPathExtension(*path));
+            identifiers.emplace(platform::withoutPathExtension(*path));
         }
     }
     return identifiers;

@@ -1,7 +1,7 @@
 #include "Model/Items/Deletable/Dictionaries/OZDictionary.h"
 
-#include "Model/Items/Deletable/FileName.h"
 #include "Platform/Device.h"
+#include "Platform/PathExtension.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ std::shared_ptr<OZDictionary> OZDictionary::make(platform::Device& device, std::
     if (!device.fileManager().fileExistsAtPath(platform::joinPath(dictionary->path(), markOfADictionary))) {
         return nullptr;
     }
-    dictionary->setTitle(nameWithoutExtension(dictionary->path()));
+    dictionary->setTitle(std::string(platform::nameWithoutExtension(dictionary->path())));
     return dictionary;
 }
 

@@ -1,6 +1,6 @@
 #include "Model/Items/Deletable/Preferences/OZPreferenceFile.h"
 
-#include "Model/Items/Deletable/FileName.h"
+#include "Platform/PathExtension.h"
 
 #include <algorithm>
 
@@ -8,7 +8,7 @@ namespace {
 
 /// "bar_baz" for "com.foo.bar.baz", "bar" for "foo.bar".
 std::string provisionalTitle(std::string_view path) {
-    std::string name = nameWithoutExtension(path);
+    std::string name(platform::nameWithoutExtension(path));
     const auto dots = std::ranges::count(name, '.');
     for (auto prefix = std::min<std::ptrdiff_t>(dots, 2); prefix > 0; --prefix) {
         name.erase(0, name.find('.') + 1);

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "Platform/Folder.h"
+
 #include <string_view>
+
+namespace platform {
 
 /// What stands behind the last dot of a path's last name. Empty without a dot, and for a dot at the name's
 /// beginning or end.
@@ -15,3 +19,10 @@ constexpr std::string_view withoutPathExtension(std::string_view path) {
     const size_t length = pathExtension(path).size();
     return length == 0 ? path : path.substr(0, path.size() - length - 1);
 }
+
+/// The last name of a path without its extension.
+inline std::string_view nameWithoutExtension(std::string_view path) {
+    return withoutPathExtension(lastPathComponent(path));
+}
+
+} // namespace platform
