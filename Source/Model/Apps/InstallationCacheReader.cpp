@@ -54,24 +54,40 @@ KnownFolders knownFolders(const InstalledApps& apps) {
     return known;
 }
 
+std::vector<std::string> namesIn(platform::FileManager& fileManager, std::string_view folder,
+                                 InstalledApps& apps) {
+    auto names = fileManager.contentsOfDirectoryAtPath(folder);
+    if (!names) {
+        apps.noteError(names.error());
+    }
+    return std::move(names).value_or(std::vector<std::string>{});
+}
+
+std::optional<platform::Dictionary> infoOfBundle(platform::FileManager& fileManager, std::string_view path,
+                                                 InstalledApps& apps) {
+    const auto infoPlist = readInfoPlist(fileManager, path);
+    if (!infoPlist) {
+        apps.noteError(infoPlist.error());
+        return std::nullopt;
+    }
+    return infoDictionaryOfBundle(*infoPlist, path);
+}
+
 void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
     InstalledApps::InfoDictionaries found;
-    const auto containers = fileManager.contentsOfDirectoryAtPath(userAppsFolder);
-    for (const auto& name : containers.value_or(std::vector<std::string>{})) {
+    for (const auto& name : namesIn(fileManager, userAppsFolder, apps)) {
         const auto container = platform::joinPath(userAppsFolder, name);
         // The cache names the folder with and without the link's own folder.
         if (known.contains(container) ||
             known.contains(std::string_view(container).substr(privateFolder.size()))) {
             continue;
         }
-        for (const auto& item :
-             fileManager.contentsOfDirectoryAtPath(container).value_or(std::vector<std::string>{})) {
+        for (const auto& item : namesIn(fileManager, container, apps)) {
             if (!item.ends_with(".app")) {
                 continue;
             }
             const auto path = platform::joinPath(container, item);
-            const auto infoPlist = readInfoPlist(fileManager, path);
-            if (auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt) {
+            if (auto info = infoOfBundle(fileManager, path, apps)) {
                 info->insert_or_assign(std::string(infokey::container), container);
                 found.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
                                        std::move(*info));
@@ -83,14 +99,12 @@ void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, 
 
 void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
     InstalledApps::InfoDictionaries found;
-    for (const auto& item :
-         fileManager.contentsOfDirectoryAtPath(systemAppsFolder).value_or(std::vector<std::string>{})) {
+    for (const auto& item : namesIn(fileManager, systemAppsFolder, apps)) {
         if (!item.ends_with(".app") || item.ends_with(unknownApp)) {
             continue;
         }
         const auto path = platform::joinPath(systemAppsFolder, item);
-        const auto infoPlist = known.contains(path) ? std::nullopt : readInfoPlist(fileManager, path);
-        if (auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt) {
+        if (auto info = known.contains(path) ? std::nullopt : infoOfBundle(fileManager, path, apps)) {
             found.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
                                    std::move(*info));
         }
@@ -102,10 +116,13 @@ void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known
 
 InstalledApps readInstallationCache(platform::Device& device) {
     auto fileManager = device.fileManager();
-    const auto cache =
-        readDictionary(fileManager, cacheFile, cacheFileLimit).value_or(platform::Dictionary{});
-    InstalledApps apps{.systemAppInfo = dictionariesAt(cache, "System"),
-                       .userAppInfo = dictionariesAt(cache, "User")};
+    InstalledApps apps;
+    if (const auto cache = readDictionary(fileManager, cacheFile, cacheFileLimit)) {
+        apps.systemAppInfo = dictionariesAt(*cache, "System");
+        apps.userAppInfo = dictionariesAt(*cache, "User");
+    } else {
+        apps.noteError(cache.error());
+    }
     std::erase_if(apps.systemAppInfo, [](const auto& app) {
         const auto* path = platform::valueAt<std::string>(app.second, infokey::path);
         return path != nullptr && path->ends_with(unknownApp);

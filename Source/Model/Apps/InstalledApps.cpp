@@ -2,12 +2,29 @@
 
 #include "Platform/FileManager.h"
 
+#include <algorithm>
+
 namespace {
 
 // Far more than any bundle has, and little enough to be read for each of a thousand.
 constexpr uint64_t infoPlistLimit = uint64_t{1} << 20U;
 
 } // namespace
+
+void InstalledApps::noteError(const std::error_code& error) {
+    constexpr std::errc natural[] = {
+        std::errc::no_such_file_or_directory,
+        std::errc::not_a_directory,
+        std::errc::is_a_directory,
+        std::errc::too_many_symbolic_link_levels,
+        std::errc::operation_not_permitted,
+        std::errc::invalid_argument,
+        std::errc::file_too_large,
+        std::errc::illegal_byte_sequence,
+        std::errc::filename_too_long,
+    };
+    isComplete &= std::ranges::any_of(natural, [&](const std::errc code) { return error == code; });
+}
 
 InstalledApps listedApps(const platform::Array& applications) {
     InstalledApps apps;
@@ -29,18 +46,21 @@ InstalledApps listedApps(const platform::Array& applications) {
     return apps;
 }
 
-std::optional<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
-                                                  std::string_view bundlePath) {
+platform::Result<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
+                                                     std::string_view bundlePath) {
     return readDictionary(fileManager, platform::joinPath(bundlePath, "Info.plist"), infoPlistLimit);
 }
 
-std::optional<platform::Dictionary> readDictionary(platform::FileManager& fileManager, std::string_view path,
-                                                   uint64_t limit) {
+platform::Result<platform::Dictionary> readDictionary(platform::FileManager& fileManager,
+                                                      std::string_view path, uint64_t limit) {
     const auto content = fileManager.contentsAtPath(path, limit);
-    auto parsed =
-        content ? platform::parsePropertyList(*content) : platform::failure(content.error().value());
+    if (!content) {
+        return std::unexpected(content.error());
+    }
+    auto parsed = platform::parsePropertyList(*content);
     auto* dictionary = parsed ? parsed->as<platform::Dictionary>() : nullptr;
-    return dictionary == nullptr ? std::nullopt : std::optional(std::move(*dictionary));
+    return dictionary != nullptr ? platform::Result<platform::Dictionary>(std::move(*dictionary))
+                                 : platform::failure(EILSEQ);
 }
 
 std::optional<platform::Dictionary> infoDictionaryOfBundle(const platform::Dictionary& infoPlist,

@@ -34,17 +34,24 @@ struct InstalledApps {
 
     InfoDictionaries systemAppInfo;
     InfoDictionaries userAppInfo;
+    /// False where something could not be looked at for now: there may be more applications, or theirs may be
+    /// more. What is there and is no application's, or nothing that can be read at all, does not count.
+    bool isComplete = true;
+
+    /// Takes an error of looking at something into account.
+    void noteError(const std::error_code& error);
 };
 
 /// The applications of a device's own list; entries that lack a type or a needed key are passed over.
 [[nodiscard]] InstalledApps listedApps(const platform::Array& applications);
 
-/// A bundle's Info.plist; none if there is none that can be read.
-[[nodiscard]] std::optional<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
-                                                                std::string_view bundlePath);
-/// A property list of at most `limit` bytes with a dictionary at its top.
-[[nodiscard]] std::optional<platform::Dictionary> readDictionary(platform::FileManager& fileManager,
-                                                                 std::string_view path, uint64_t limit);
+/// A bundle's Info.plist.
+[[nodiscard]] platform::Result<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
+                                                                   std::string_view bundlePath);
+/// A property list of at most `limit` bytes with a dictionary at its top; anything else is an error
+/// (`std::errc::illegal_byte_sequence`).
+[[nodiscard]] platform::Result<platform::Dictionary> readDictionary(platform::FileManager& fileManager,
+                                                                    std::string_view path, uint64_t limit);
 /// The info dictionary of a bundle with this Info.plist; none without a textual identifier. Only what a
 /// bundle may tell of itself is taken over: where its containers are is never its own to say.
 [[nodiscard]] std::optional<platform::Dictionary>

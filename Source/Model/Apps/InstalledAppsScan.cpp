@@ -39,10 +39,20 @@ class InstalledAppsScan {
     platform::Dictionary pluginContainersOf(std::string_view bundle);
     void addNamedGroups(const platform::Dictionary& infoPlist, std::string_view identifier,
                         platform::Dictionary& info);
-    void addGroupsByName(InstalledApps& apps);
+    void addGroupsByName();
+
+    /// The result's value, or an empty one; notes the error.
+    template <class T>
+    T valueOf(platform::Result<T> result) {
+        if (!result) {
+            _apps.noteError(result.error());
+        }
+        return std::move(result).value_or(T{});
+    }
 
     platform::FileManager _fileManager;
     const AppContainerLayout& _layout;
+    InstalledApps _apps;
     Containers _dataContainers;
     Containers _groupContainers;
     Containers _pluginContainers;
@@ -51,12 +61,10 @@ class InstalledAppsScan {
 };
 
 std::vector<std::string> InstalledAppsScan::foldersIn(std::string_view path) {
-    const auto folder = path.empty() ? platform::failure(ENOENT) : _fileManager.folderAtPath(path);
-    auto names =
-        folder ? (*folder)->entries().value_or(std::vector<std::string>{}) : std::vector<std::string>{};
+    const auto folder = path.empty() ? nullptr : valueOf(_fileManager.folderAtPath(path));
+    auto names = folder ? valueOf(folder->entries()) : std::vector<std::string>{};
     std::erase_if(names, [&](const std::string& name) {
-        const auto attributes = platform::Item(*folder, name).attributes();
-        return !attributes || attributes->type != platform::FileType::directory;
+        return valueOf(platform::Item(folder, name).attributes()).type != platform::FileType::directory;
     });
     std::ranges::sort(names);
     for (auto& name : names) {
@@ -66,7 +74,7 @@ std::vector<std::string> InstalledAppsScan::foldersIn(std::string_view path) {
 }
 
 std::vector<std::string> InstalledAppsScan::bundlesIn(std::string_view folder, std::string_view suffix) {
-    auto names = _fileManager.contentsOfDirectoryAtPath(folder).value_or(std::vector<std::string>{});
+    auto names = valueOf(_fileManager.contentsOfDirectoryAtPath(folder));
     std::erase_if(names, [&](const std::string& name) { return !name.ends_with(suffix); });
     std::ranges::sort(names);
     for (auto& name : names) {
@@ -79,9 +87,8 @@ Containers InstalledAppsScan::containersIn(std::string_view folder) {
     Containers containers;
     for (auto& container : foldersIn(folder)) {
         const auto metadata =
-            readDictionary(_fileManager, platform::joinPath(container, metadataFile), metadataLimit);
-        if (const auto* identifier =
-                metadata ? platform::valueAt<std::string>(*metadata, metadataIdentifier) : nullptr) {
+            valueOf(readDictionary(_fileManager, platform::joinPath(container, metadataFile), metadataLimit));
+        if (const auto* identifier = platform::valueAt<std::string>(metadata, metadataIdentifier)) {
             containers.emplace(*identifier, std::move(container));
         }
     }
@@ -90,8 +97,8 @@ Containers InstalledAppsScan::containersIn(std::string_view folder) {
 
 void InstalledAppsScan::addApp(const std::string& bundle, const std::string* bundleContainer,
                                InfoDictionaries& apps) {
-    const auto infoPlist = readInfoPlist(_fileManager, bundle);
-    auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, bundle) : std::nullopt;
+    const auto infoPlist = valueOf(readInfoPlist(_fileManager, bundle));
+    auto info = infoDictionaryOfBundle(infoPlist, bundle);
     if (!info) {
         return;
     }
@@ -105,16 +112,15 @@ void InstalledAppsScan::addApp(const std::string& bundle, const std::string* bun
     if (auto plugins = pluginContainersOf(bundle); !plugins.empty()) {
         info->emplace(infokey::pluginDataContainers, std::move(plugins));
     }
-    addNamedGroups(*infoPlist, identifier, *info);
+    addNamedGroups(infoPlist, identifier, *info);
     apps.emplace(identifier, std::move(*info));
 }
 
 platform::Dictionary InstalledAppsScan::pluginContainersOf(std::string_view bundle) {
     platform::Dictionary containers;
     for (const auto& plugin : bundlesIn(platform::joinPath(bundle, "PlugIns"), ".appex")) {
-        const auto infoPlist = readInfoPlist(_fileManager, plugin);
-        const auto* identifier =
-            infoPlist ? platform::valueAt<std::string>(*infoPlist, infokey::identifier) : nullptr;
+        const auto infoPlist = valueOf(readInfoPlist(_fileManager, plugin));
+        const auto* identifier = platform::valueAt<std::string>(infoPlist, infokey::identifier);
         const auto found = identifier ? _pluginContainers.find(*identifier) : _pluginContainers.end();
         if (found != _pluginContainers.end()) {
             containers.insert_or_assign(found->first, found->second);
@@ -145,19 +151,19 @@ void InstalledAppsScan::addNamedGroups(const platform::Dictionary& infoPlist, st
 
 /// The entitlements that tie groups to applications cannot be read from a tree. By custom a group is called
 /// after its application, so it goes to the one whose identifier is the longest beginning of its name.
-void InstalledAppsScan::addGroupsByName(InstalledApps& apps) {
+void InstalledAppsScan::addGroupsByName() {
     for (const auto& [group, container] : _groupContainers) {
         if (!group.starts_with(groupPrefix)) {
             continue;
         }
         auto owner = std::string_view(group).substr(groupPrefix.size());
-        while (!owner.empty() && !apps.userAppInfo.contains(owner) && !apps.systemAppInfo.contains(owner)) {
+        while (!owner.empty() && !_apps.userAppInfo.contains(owner) && !_apps.systemAppInfo.contains(owner)) {
             owner = owner.substr(0, std::max<size_t>(owner.rfind('.') + 1, 1) - 1);
         }
         if (_appsWithNamedGroups.contains(owner)) {
             continue;
         }
-        for (auto* infos : {&apps.userAppInfo, &apps.systemAppInfo}) {
+        for (auto* infos : {&_apps.userAppInfo, &_apps.systemAppInfo}) {
             if (const auto info = infos->find(owner); info != infos->end()) {
                 auto& groups = info->second[std::string(infokey::groupDataContainers)];
                 groups.as<platform::Dictionary>()->emplace(group, container);
@@ -170,17 +176,16 @@ InstalledApps InstalledAppsScan::run() {
     _dataContainers = containersIn(_layout.userAppData);
     _groupContainers = containersIn(_layout.userGroupData);
     _pluginContainers = containersIn(_layout.pluginData);
-    InstalledApps apps;
     for (const auto& container : foldersIn(_layout.userAppBundles)) {
         for (const auto& bundle : bundlesIn(container, ".app")) {
-            addApp(bundle, &container, apps.userAppInfo);
+            addApp(bundle, &container, _apps.userAppInfo);
         }
     }
     for (const auto& bundle : bundlesIn(_layout.systemAppBundles, ".app")) {
-        addApp(bundle, nullptr, apps.systemAppInfo);
+        addApp(bundle, nullptr, _apps.systemAppInfo);
     }
-    addGroupsByName(apps);
-    return apps;
+    addGroupsByName();
+    return std::move(_apps);
 }
 
 } // namespace

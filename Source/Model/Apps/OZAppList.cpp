@@ -6,7 +6,10 @@
 #include "Platform/Device.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <ranges>
+
+#include <fmt/format.h>
 
 namespace {
 
@@ -61,6 +64,11 @@ InstalledApps OZAppList::loadSystemAppInfo(platform::Device& device) {
 
 void OZAppList::loadApps() {
     const auto installed = loadSystemAppInfo(_device);
+    _isComplete = installed.isComplete;
+    if (!_isComplete) {
+        fmt::print(stderr,
+                   "Not all of the device's applications can be read; what depends on them is left alone.\n");
+    }
     auto fileManager = _device.fileManager();
     _userApps = makeApps(OZAppType::user, installed.userAppInfo, fileManager);
     _systemApps = makeApps(OZAppType::system, installed.systemAppInfo, fileManager);

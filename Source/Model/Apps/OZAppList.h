@@ -72,9 +72,13 @@ class OZAppList : public OZUserDefaultsSync {
     static bool appLoadSupportedAPI(const platform::Device& device);
     /// What is installed on a device, from the source that its generation has.
     static InstalledApps loadSystemAppInfo(platform::Device& device);
-    /// Loads the applications anew. An entry without an executable that is there is passed over. Not to be
-    /// called while another thread reads the list.
+    /// Loads the applications anew; tells on standard error where some cannot be looked at. An entry without
+    /// an executable that is there is passed over. Not to be called while another thread reads the list.
     void loadApps();
+
+    /// Whether all could be looked at. Where it could not, nobody knows whose the rest of the device is, and
+    /// the stored exclusions are left as they are.
+    [[nodiscard]] bool isComplete() const { return _isComplete; }
 
     /// Sorted by display name without regard to case. The icon filter looks into bundles that have not been
     /// checked yet.
@@ -125,4 +129,5 @@ class OZAppList : public OZUserDefaultsSync {
     Exclusions _excludedApps;
     AppsByIdentifier _userApps;
     AppsByIdentifier _systemApps;
+    bool _isComplete = true;
 };

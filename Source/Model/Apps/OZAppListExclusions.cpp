@@ -73,6 +73,9 @@ void OZAppList::loadDefaults() {
 }
 
 void OZAppList::writeDefaults() {
+    if (!_isComplete) {
+        return;
+    }
     auto& defaults = _device.standardUserDefaults();
     if (_excludedApps.empty()) {
         defaults.removeObjectForKey(excludedAppsKey);

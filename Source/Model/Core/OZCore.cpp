@@ -1,13 +1,16 @@
 #include "Model/Core/OZCore.h"
 
+#include "Model/Apps/OZAppList.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
 
 OZCore::OZCore(platform::Device& device, OZAppList* appList, OZLocalizationManager* localizationManager)
-    : platform::FileManager(device.fileManager()), _device(device), _appList(appList),
-      _localizationManager(localizationManager) {
+    : platform::FileManager(device.fileManager())
+    , _device(device)
+    , _appList(appList)
+    , _localizationManager(localizationManager) {
     resetCleanupSettings();
     resetFileTypes();
 }
@@ -67,7 +70,9 @@ void OZCore::setNumberForCleanupSetting(const platform::Value& number, std::stri
     _cleanupSettings.insert_or_assign(std::string(key), number);
 }
 
-void OZCore::resetCleanupSettings() { _cleanupSettings = defaultCleanupSettings(_device); }
+void OZCore::resetCleanupSettings() {
+    _cleanupSettings = defaultCleanupSettings(_device);
+}
 
 void OZCore::setCleanupSettingsResettingInvalid(const platform::Dictionary& settings) {
     auto repaired = defaultCleanupSettings(_device);
@@ -78,4 +83,8 @@ void OZCore::setCleanupSettingsResettingInvalid(const platform::Dictionary& sett
         }
     }
     _cleanupSettings = std::move(repaired);
+}
+
+bool OZCore::knowsApplications() const {
+    return _appList != nullptr && _appList->isComplete();
 }

@@ -293,6 +293,9 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void count(std::string_view path);
     void addSize(uint64_t bytes);
 
+    /// Whether it is known which applications there are, and so which ones are to be spared.
+    [[nodiscard]] bool knowsApplications() const;
+
     platform::Device& _device;
 
     OZCoreMode _mode = OZCoreMode::clean;

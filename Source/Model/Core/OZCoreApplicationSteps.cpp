@@ -58,7 +58,7 @@ std::vector<std::string> containersOf(const OZApp& app) {
 } // namespace
 
 void OZCore::cleanApplications(const Run& run) {
-    if (_appList == nullptr) {
+    if (!knowsApplications()) {
         return;
     }
     const auto apps = _appList->appList(

@@ -102,7 +102,7 @@ void OZCore::cleanSystemApplications(const Run& run) {
 // Snapshots of applications that are gone. Without an inventory nobody knows which ones are.
 void OZCore::cleanAuxoSnapshots() {
     bool isDirectory = false;
-    if (_appList == nullptr || !fileExistsAtPath(auxoSnapshots, &isDirectory) || !isDirectory) {
+    if (!knowsApplications() || !fileExistsAtPath(auxoSnapshots, &isDirectory) || !isDirectory) {
         return;
     }
     log("\nAuxo snapshots\n--------------\n\n");
@@ -113,7 +113,11 @@ void OZCore::cleanAuxoSnapshots() {
     for (const auto& app : _appList->appList({.typeMask = OZAppTypeMask::all})) {
         names.insert(app->identifier());
     }
-    for (const auto& clip : contentsOfDirectoryAtPath(webClips).value_or(Paths{})) {
+    const auto clips = contentsOfDirectoryAtPath(webClips);
+    if (!clips && !platform::meansAbsence(clips.error())) {
+        return;
+    }
+    for (const auto& clip : clips.value_or(Paths{})) {
         names.insert(std::string(webApplication).append("-").append(platform::withoutPathExtension(clip)));
     }
     auto snapshots = folderAtPath(".");

@@ -44,7 +44,7 @@ void OZCore::cleanFileTypes(const Run& run) {
         return;
     }
     // Without an inventory nobody knows which applications are to be spared.
-    if (_appList == nullptr) {
+    if (!knowsApplications()) {
         return;
     }
     std::vector<std::string> arguments = {"/", "-regextype", "posix-extended"};

@@ -1,6 +1,6 @@
 // Which languages may go, and what goes with them.
-#include "Categories/NSStringFolding.h"
 #include "Categories/NSStringAdditions.h"
+#include "Categories/NSStringFolding.h"
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/LanguageTable.h"
 #include "Model/Core/OZCore.h"
@@ -85,7 +85,7 @@ std::vector<std::string> OZCore::removableLanguages() {
 void OZCore::removeLanguages() {
     auto components = languageRegexComponentsShort(false);
     // Without an inventory nobody knows which applications are to be spared.
-    if (components.empty() || _appList == nullptr) {
+    if (components.empty() || !knowsApplications()) {
         return;
     }
     std::vector<std::string> arguments = {"/", "-regextype", "posix-extended"};
