@@ -83,9 +83,12 @@ StandingFault::~StandingFault() {
 
 } // namespace tests
 
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return tests::errorFor(tests::allocation) != 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
+}
+
 [[gnu::noinline]] void* operator new(size_t size) {
-    void* const memory =
-        tests::errorFor(tests::allocation) != 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* const memory = operator new(size, std::nothrow);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }

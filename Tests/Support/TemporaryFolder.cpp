@@ -128,11 +128,11 @@ std::vector<std::string> TemporaryFolder::listing() const {
     return items;
 }
 
-std::string memoryFolder() {
+std::string memoryFolder(uint64_t bytes) {
     const char* shared = "/dev/shm";
     struct statvfs status{};
     const bool suits = ::access(shared, W_OK | X_OK) == 0 && ::statvfs(shared, &status) == 0 &&
-                       (status.f_flag & ST_NOEXEC) == 0 && status.f_bavail * status.f_frsize > (1U << 30U);
+                       (status.f_flag & ST_NOEXEC) == 0 && status.f_bavail * status.f_frsize > bytes;
     return suits ? shared : "/tmp";
 }
 

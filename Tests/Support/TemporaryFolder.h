@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,10 +37,9 @@ class TemporaryFolder {
     std::string _path;
 };
 
-/// A folder in memory, for trees of many small files, where there is one with room that lets programs run;
-/// else
-/// "/tmp".
-std::string memoryFolder();
+/// A folder in memory, for trees of many small files, where there is one with room for so many bytes that
+/// lets programs run; else "/tmp".
+std::string memoryFolder(uint64_t bytes = uint64_t{1} << 30U);
 
 /// Makes `depth` folders named "d", each in the one before, however long their path gets.
 void makeDeepFolders(int folder, size_t depth);
