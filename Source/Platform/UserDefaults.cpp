@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 namespace platform {
+
 UserDefaults::UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, std::string path)
     : _fileManager(std::move(fileManager))
     , _notificationCenter(notificationCenter)

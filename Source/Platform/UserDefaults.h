@@ -18,8 +18,8 @@ inline constexpr std::string_view userDefaultsWillSynchronizeNotification =
 
 /// A program's stored choices: values by key in one property list of the device. They are read at first use
 /// and kept in memory, with a line on standard error if they cannot be; nothing is written before
-/// `synchronize`. A stored value hides a registered one of the
-/// same key, whatever its type. Safe to use from several threads.
+/// `synchronize`. A stored value hides a registered one of the same key, whatever its type. Safe to use from
+/// several threads.
 class UserDefaults {
   public:
     /// The path names the property list, which need not exist, nor its folder. The centre outlives this

@@ -79,7 +79,7 @@ void OZPreferenceFileList::addFileAtPath(const std::string& path, std::string_vi
 
 void OZPreferenceFileList::configurePreferenceFile(OZPreferenceFile& file) const {
     const auto known = knownPreferenceFile(platform::lastPathComponent(file.path()));
-    const std::string identifier = std::string(known ? *known : platform::nameWithoutExtension(file.path()));
+    const std::string identifier(known ? *known : platform::nameWithoutExtension(file.path()));
     const auto app = _appList.appWithIdentifier(identifier);
     if (app && !app->displayName().empty()) {
         file.setTitle(app->displayName());
