@@ -5,6 +5,7 @@
 #include "Launch/LauncherOptions.h"
 #include "Launch/LoaderVariables.h"
 #include "Launch/OZApplication.h"
+#include "Launch/Preconditions.h"
 #include "Launch/UserNamespace.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Plugins/OZPluginLoader.h"
@@ -20,9 +21,9 @@
 
 namespace {
 
-int fail(const std::string& message) {
+int fail(const std::string& message, int status = 1) {
     fmt::print(stderr, "ozvarine: {}\n", message);
-    return 1;
+    return status;
 }
 
 bool gainRoot() {
@@ -42,8 +43,11 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
     if (!gainRoot()) {
         return 1;
     }
+    if (const auto refusal = refusalBeforeRun(device, options)) {
+        return fail(refusal->message, refusal->status);
+    }
     OZModelBuilder modelBuilder(device);
-    OZArgvParser parser(modelBuilder, options.dryRun);
+    OZArgvParser parser(modelBuilder, {.analyze = options.dryRun, .strict = options.strict});
     if (const auto status = parser.parseArgumentVector(options.vector)) {
         return *status;
     }
@@ -70,13 +74,14 @@ int runProgram(const std::vector<std::string>& arguments) {
         return fail("no device given; name one with --device DIR or OZVARINE_DEVICE");
     }
     enterUserNamespaceUnlessRoot();
-    const auto device = platform::Device::open(*options->device);
+    const auto device = platform::Device::open(*options->device, options->given);
     if (!device) {
         return fail(device.error());
     }
     if ((*device)->facts().foundationVersion == 0) {
         return fail(fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
-                                "System/Library/CoreServices/SystemVersion.plist; is it a device's tree?",
+                                "System/Library/CoreServices/SystemVersion.plist; is it a device's tree? If it "
+                                "is, name the version with --ios VERSION",
                                 *options->device));
     }
     return runOnDevice(**device, *options);

@@ -97,14 +97,15 @@ Device::Device(FileManager fileManager, DeviceFacts facts, ToolTable tools)
     , _facts(std::move(facts))
     , _tools(std::move(tools))
     , _volumes(_fileManager, _facts.volumes)
-    , _standardUserDefaults(_fileManager, _notificationCenter, userDefaultsFile)
+    , _standardUserDefaults(_fileManager, _notificationCenter, _warnings, userDefaultsFile)
     , _sleep(sleepForReal)
     , _highPriorityQueue(Queue::concurrent("high", queueThreads))
     , _backgroundQueue(Queue::concurrent("background", queueThreads)) {}
 
 Device::~Device() = default;
 
-std::expected<std::unique_ptr<Device>, std::string> Device::open(const std::string& directory) {
+std::expected<std::unique_ptr<Device>, std::string> Device::open(const std::string& directory,
+                                                                    const GivenFacts& given) {
     // A folder that cannot be entered looks like one without a tree inside; say what is wrong with the
     // folder.
     if (auto opened = FileManager::atRoot(directory); !opened) {
@@ -124,7 +125,7 @@ std::expected<std::unique_ptr<Device>, std::string> Device::open(const std::stri
     if (!dictionary) {
         return std::unexpected(dictionary.error());
     }
-    auto facts = DeviceFacts::read(*dictionary, *root);
+    auto facts = DeviceFacts::read(*dictionary, *root, given);
     const auto toolsDirectory =
         isFolderWithFacts ? std::optional(realPath(directory) + "/Tools") : std::optional<std::string>{};
     return std::make_unique<Device>(std::move(*root), std::move(facts),

@@ -7,6 +7,7 @@
 #include "Platform/ToolTable.h"
 #include "Platform/UserDefaults.h"
 #include "Platform/Volumes.h"
+#include "Platform/Warnings.h"
 
 #include <expected>
 #include <functional>
@@ -21,7 +22,8 @@ class Device {
   public:
     /// Opens a plain tree or a device folder. The error is one line for the user that says what is wrong with
     /// the directory; nothing has been touched then.
-    static std::expected<std::unique_ptr<Device>, std::string> open(const std::string& directory);
+    static std::expected<std::unique_ptr<Device>, std::string> open(const std::string& directory,
+                                                                    const GivenFacts& given = {});
 
     /// A device over an opened root with given facts and no tools but `tools`; for those that know better
     /// than the tree.
@@ -42,6 +44,7 @@ class Device {
     [[nodiscard]] Queue& highPriorityQueue() { return _highPriorityQueue; }
     [[nodiscard]] Queue& backgroundQueue() { return _backgroundQueue; }
     [[nodiscard]] NotificationCenter& notificationCenter() { return _notificationCenter; }
+    [[nodiscard]] Warnings& warnings() { return _warnings; }
     /// The program's stored choices; they are read from the tree at first use.
     [[nodiscard]] UserDefaults& standardUserDefaults() { return _standardUserDefaults; }
 
@@ -55,6 +58,7 @@ class Device {
     ToolTable _tools;
     Volumes _volumes;
     NotificationCenter _notificationCenter;
+    Warnings _warnings;
     UserDefaults _standardUserDefaults;
     MainQueue _mainQueue;
     std::function<void(double)> _sleep;

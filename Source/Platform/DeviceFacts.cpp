@@ -44,7 +44,8 @@ std::map<std::string, VolumeFacts, std::less<>> volumesAt(const Dictionary& dict
 
 } // namespace
 
-DeviceFacts DeviceFacts::read(const Dictionary& dictionary, FileManager& fileManager) {
+DeviceFacts DeviceFacts::read(const Dictionary& dictionary, FileManager& fileManager,
+                              const GivenFacts& given) {
     DeviceFacts facts{.foundationVersion = numberAt(dictionary, "FoundationVersion"),
                       .coreFoundationVersion = numberAt(dictionary, "CoreFoundationVersion"),
                       .hardwareModel = textAt(dictionary, "HardwareModel").value_or(""),
@@ -59,6 +60,12 @@ DeviceFacts DeviceFacts::read(const Dictionary& dictionary, FileManager& fileMan
     }
     if (facts.systemVersion.empty()) {
         facts.systemVersion = productVersionOfTree(fileManager);
+    }
+    if (facts.systemVersion.empty()) {
+        facts.systemVersion = given.systemVersion;
+    }
+    if (facts.hardwareModel.empty()) {
+        facts.hardwareModel = given.hardwareModel;
     }
     if (const auto version = systemVersionForProductVersion(facts.systemVersion)) {
         if (facts.foundationVersion == 0) {

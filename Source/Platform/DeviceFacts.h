@@ -29,6 +29,13 @@ struct VolumeFacts {
     uint64_t free = 0;
 };
 
+/// What a person tells about a device where its tree or its folder does not. Empty where nothing is told.
+struct GivenFacts {
+    std::string hardwareModel;
+    /// A product version such as "9.3.5".
+    std::string systemVersion;
+};
+
 /// What is known about a device beside its tree.
 struct DeviceFacts {
     /// `NSFoundationVersionNumber` and `kCFCoreFoundationVersionNumber`; 0 if nothing tells.
@@ -48,8 +55,9 @@ struct DeviceFacts {
     std::optional<Array> applications;
 
     /// Facts from the dictionary of a device folder, completed from the tree. Values of a wrong type are
-    /// passed over as if they were missing.
-    static DeviceFacts read(const Dictionary& dictionary, FileManager& fileManager);
+    /// passed over as if they were missing. What is given by hand fills what is then still unknown.
+    static DeviceFacts read(const Dictionary& dictionary, FileManager& fileManager,
+                            const GivenFacts& given = {});
 };
 
 } // namespace platform

@@ -172,8 +172,8 @@ Result<void> FileManager::replaceContents(std::string_view path, std::string_vie
     }
     const auto written = [&]() -> Result<void> {
         if (ownership) {
-            if (auto given = giveTo(*ownership, file->get()); !given) {
-                return given;
+            if (auto owned = giveTo(*ownership, file->get()); !owned) {
+                return owned;
             }
         }
         if (::fchmod(file->get(), ownership.value_or(FileOwnership{}).permissions) < 0) {

@@ -2,15 +2,15 @@
 
 #include "Platform/PropertyListCheck.h"
 
-#include <cstdio>
-
 #include <fmt/format.h>
 
 namespace platform {
 
-UserDefaults::UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, std::string path)
+UserDefaults::UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter,
+                           const Warnings& warnings, std::string path)
     : _fileManager(std::move(fileManager))
     , _notificationCenter(notificationCenter)
+    , _warnings(warnings)
     , _path(std::move(path)) {}
 
 void UserDefaults::registerDefaults(const Dictionary& defaults) {
@@ -79,8 +79,8 @@ const Dictionary& UserDefaults::stored() const {
         if (!file) {
             // Saving deals with the file. A user whose choices are out of force has to know.
             _readError = file.error();
-            fmt::print(stderr, "The settings in {} cannot be read ({}); the defaults serve.\n", _path,
-                       file.error().message());
+            _warnings.tell(fmt::format("The settings in {} cannot be read ({}); the defaults serve.", _path,
+                                       file.error().message()));
         }
         _stored = file ? std::move(*file) : Dictionary{};
     }
@@ -112,7 +112,8 @@ Result<void> UserDefaults::synchronize() {
     const std::lock_guard lock(_mutex);
     auto saved = save();
     if (!saved) {
-        fmt::print(stderr, "The settings cannot be saved to {} ({}).\n", _path, saved.error().message());
+        _warnings.tell(
+            fmt::format("The settings cannot be saved to {} ({}).", _path, saved.error().message()));
     }
     return saved;
 }
@@ -156,7 +157,8 @@ Result<void> UserDefaults::setAside() {
             number == 1 ? _path + ".damaged" : fmt::format("{}.damaged-{}", _path, number);
         const auto moved = _fileManager.moveItemAtPath(_path, name);
         if (moved) {
-            fmt::print(stderr, "The settings in {} could not be read; they were kept as {}.\n", _path, name);
+            _warnings.tell(
+                fmt::format("The settings in {} could not be read; they were kept as {}.", _path, name));
         }
         if (moved || moved.error() != std::errc::file_exists) {
             return moved;

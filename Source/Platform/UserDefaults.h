@@ -3,6 +3,7 @@
 #include "Platform/FileManager.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/PropertyList.h"
+#include "Platform/Warnings.h"
 
 #include <map>
 #include <mutex>
@@ -17,14 +18,15 @@ inline constexpr std::string_view userDefaultsWillSynchronizeNotification =
     "OZUserDefaultsWillSynchronizeNotification";
 
 /// A program's stored choices: values by key in one property list of the device. They are read at first use
-/// and kept in memory, with a line on standard error if they cannot be; nothing is written before
+/// and kept in memory, with a warning if they cannot be; nothing is written before
 /// `synchronize`. A stored value hides a registered one of the same key, whatever its type. Safe to use from
 /// several threads.
 class UserDefaults {
   public:
-    /// The path names the property list, which need not exist, nor its folder. The centre outlives this
-    /// object.
-    UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, std::string path);
+    /// The path names the property list, which need not exist, nor its folder. The centre and the
+    /// warnings outlive this object.
+    UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter, const Warnings& warnings,
+                 std::string path);
     UserDefaults(const UserDefaults&) = delete;
     UserDefaults& operator=(const UserDefaults&) = delete;
 
@@ -52,8 +54,7 @@ class UserDefaults {
     /// Posts the notification, then saves what has changed into the file as it is by then, so that what other
     /// processes stored under other keys stays. The file is replaced in one step, and left alone if nothing
     /// changes. One that cannot be read, or could not be when its choices were, is kept under another name,
-    /// with a line on standard error that tells so. A failure is told there, too; the changes wait for the
-    /// next call.
+    /// with a warning that tells so. A failure is a warning, too; the changes wait for the next call.
     Result<void> synchronize();
 
     [[nodiscard]] NotificationCenter& notificationCenter() const { return _notificationCenter; }
@@ -72,6 +73,7 @@ class UserDefaults {
     mutable std::mutex _mutex;
     mutable FileManager _fileManager;
     NotificationCenter& _notificationCenter;
+    const Warnings& _warnings;
     std::string _path;
     Dictionary _registered;
     mutable std::optional<Dictionary> _stored;

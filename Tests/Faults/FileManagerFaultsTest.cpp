@@ -157,6 +157,7 @@ TEST_F(FileManagerFaults, WrittenFileIsTheOldOneOrTheNew) {
 TEST_F(FileManagerFaults, StoredChoicesSurvive) {
     const std::string path = "/var/mobile/Library/Preferences/p.plist";
     platform::NotificationCenter center;
+    const platform::Warnings warnings;
     std::unique_ptr<platform::UserDefaults> defaults;
     const platform::Dictionary old{{"other", "kept"}, {"mine", "old"}};
     const auto dictionaryAt = [&](const std::string& file) {
@@ -168,7 +169,7 @@ TEST_F(FileManagerFaults, StoredChoicesSurvive) {
         makeDevice();
         device->addFile(path, platform::serializePropertyList(old, platform::PropertyListFormat::binary));
         fileManager.emplace(device->device().fileManager());
-        defaults = std::make_unique<platform::UserDefaults>(*fileManager, center, path);
+        defaults = std::make_unique<platform::UserDefaults>(*fileManager, center, warnings, path);
     };
     const auto run = [&] {
         // As an owner of choices does: it loads them, and writes them all back.

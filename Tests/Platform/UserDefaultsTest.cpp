@@ -30,7 +30,7 @@ class UserDefaultsTest : public testing::Test {
     }
     void TearDown() override { std::filesystem::remove_all(root); }
 
-    UserDefaults defaults() { return {*FileManager::atRoot(root), center, devicePath}; }
+    UserDefaults defaults() { return {*FileManager::atRoot(root), center, warnings, devicePath}; }
 
     std::string bytes() const { return tests::contentOf(file); }
     void store(const std::string& content) const {
@@ -51,6 +51,7 @@ class UserDefaultsTest : public testing::Test {
     }
 
     NotificationCenter center;
+    platform::Warnings warnings;
     std::filesystem::path root;
     std::filesystem::path file;
 };

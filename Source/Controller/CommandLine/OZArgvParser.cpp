@@ -88,7 +88,7 @@ bool OZArgvParser::showMenu() {
         OZStdIO::fprintf(stderr, notInteractiveText);
         return false;
     }
-    if (_analyze == Analyze::yes) {
+    if (_options.analyze == Analyze::yes) {
         OZStdIO::fprintf(stderr, dryRunText);
         return false;
     }
@@ -113,7 +113,7 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
         return false;
     }
     OZCore& core = _modelBuilder.core();
-    core.clean(nullptr, _analyze);
+    core.clean(nullptr, _options.analyze);
     switch (action) {
     case OZCleanAction::plain:
         break;
@@ -144,7 +144,7 @@ bool OZArgvParser::shouldRespring() const {
 }
 
 void OZArgvParser::respring() {
-    if (_analyze == Analyze::no) {
+    if (_options.analyze == Analyze::no) {
         _modelBuilder.deviceActions().rebuildUICacheAndRespring();
     }
 }
@@ -157,7 +157,7 @@ void OZArgvParser::printSettings() {
 }
 
 void OZArgvParser::restoreTogglableItems() {
-    if (_analyze == Analyze::no) {
+    if (_options.analyze == Analyze::no) {
         _modelBuilder.systemRestore()->restore();
     }
 }

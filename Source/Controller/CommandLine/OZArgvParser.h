@@ -21,10 +21,16 @@ enum class OZCleanAction : unsigned {
 /// Turns the process into a one-shot tool when it is given a switch.
 class OZArgvParser {
   public:
-    /// With `Analyze::yes` a cleanup is an analysis, and nothing is restarted or restored.
-    OZArgvParser(OZModelBuilder& modelBuilder, Analyze analyze)
+    struct Options {
+        /// With `Analyze::yes` a cleanup is an analysis, and nothing is restarted or restored.
+        Analyze analyze = Analyze::no;
+        /// A cleanup fails when items stayed that should have gone.
+        bool strict = false;
+    };
+
+    OZArgvParser(OZModelBuilder& modelBuilder, Options options)
         : _modelBuilder(modelBuilder)
-        , _analyze(analyze) {}
+        , _options(options) {}
 
     /// Does what the vector's first switch asks for and gives the process's exit status; none without a
     /// switch.
@@ -48,5 +54,5 @@ class OZArgvParser {
     void restoreTogglableItems();
 
     OZModelBuilder& _modelBuilder;
-    Analyze _analyze;
+    Options _options;
 };

@@ -66,8 +66,8 @@ void OZAppList::loadApps() {
     const auto installed = loadSystemAppInfo(_device);
     _isComplete = installed.isComplete;
     if (!_isComplete) {
-        fmt::print(stderr,
-                   "Not all of the device's applications can be read; what depends on them is left alone.\n");
+        _device.warnings().tell(
+            "Not all of the device's applications can be read; what depends on them is left alone.");
     }
     auto fileManager = _device.fileManager();
     _userApps = makeApps(OZAppType::user, installed.userAppInfo, fileManager);

@@ -42,7 +42,8 @@ class Localization {
   public:
     explicit Localization(TemporaryDevice& device, std::filesystem::path resources = Bundle().directory())
         : _bundle(std::move(resources))
-        , _defaults(device.device().fileManager(), device.device().notificationCenter(), "/defaults.plist")
+        , _defaults(device.device().fileManager(), device.device().notificationCenter(), device.device().warnings(),
+                    "/defaults.plist")
         , manager(device.device(), _defaults, _bundle)
         , _observation(device.device().notificationCenter(), OZLocalizationNotification, &manager,
                        [this](const auto&) { ++notifications; }) {}

@@ -38,7 +38,8 @@ TEST(OZUserDefaultsSync, ARegisteredObjectLoadsAtOnceAndWritesAtEverySave) {
     std::string root = testing::TempDir() + "syncXXXXXX";
     ASSERT_NE(mkdtemp(root.data()), nullptr);
     NotificationCenter center;
-    const auto open = [&] { return UserDefaults(*FileManager::atRoot(root), center, "/a/b.plist"); };
+    const platform::Warnings warnings;
+    const auto open = [&] { return UserDefaults(*FileManager::atRoot(root), center, warnings, "/a/b.plist"); };
     {
         auto defaults = open();
         Counter counter(defaults, 7);

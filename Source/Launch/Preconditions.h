@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Launch/LauncherOptions.h"
+
+#include <optional>
+#include <string>
+
+namespace platform {
+class Device;
+}
+
+/// Why a switch does not begin.
+struct Refusal {
+    /// One line without its end: what is wrong, and what to do.
+    std::string message;
+    /// The process's exit status.
+    int status = 1;
+};
+
+/// What has to hold before a switch touches a device. The first thing that does not hold is told; nothing has
+/// been touched then.
+std::optional<Refusal> refusalBeforeRun(platform::Device& device, const LauncherOptions& options);
