@@ -1,11 +1,13 @@
 #include "Launch/Entry.h"
 
 #include "Controller/CommandLine/OZArgvParser.h"
+#include "Launch/Installation.h"
 #include "Launch/JailbreakLibrary.h"
 #include "Launch/LauncherOptions.h"
 #include "Launch/LoaderVariables.h"
 #include "Launch/OZApplication.h"
 #include "Launch/Preconditions.h"
+#include "Launch/StandardStreams.h"
 #include "Launch/UserNamespace.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Plugins/OZPluginLoader.h"
@@ -36,7 +38,8 @@ bool gainRoot() {
 
 int runOnDevice(platform::Device& device, const LauncherOptions& options) {
     const double version = device.facts().foundationVersion;
-    if (!OZApplication::ensureCorrectExecutable(version)) {
+    if (!OZApplication::ensureCorrectExecutable(
+            OZApplication::executableCalledBy(options.vector.front(), version), version)) {
         return 1;
     }
     fixSetuidOnNewerPlatforms(version, callDeviceLibrary);
@@ -52,15 +55,11 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
         return *status;
     }
     modelBuilder.pluginLoader().loadThirdPartyDylibs(loadDeviceLibrary);
-    return fail("the graphical front end is not installed; ozvarine --help lists the switches");
+    return fail("no switch given, and the graphical front end is not installed; ozvarine --help lists options "
+                "and switches");
 }
 
-} // namespace
-
-int runProgram(const std::vector<std::string>& arguments) {
-    forgetLoaderVariables();
-    // A caller that ignores the end of its children hands that down, and no tool could be waited for.
-    std::signal(SIGCHLD, SIG_DFL);
+int run(const std::vector<std::string>& arguments) {
     const auto options = LauncherOptions::parse(arguments, std::getenv("OZVARINE_DEVICE"));
     if (!options) {
         return fail(options.error());
@@ -71,7 +70,11 @@ int runProgram(const std::vector<std::string>& arguments) {
         return 0;
     }
     if (!options->device) {
-        return fail("no device given; name one with --device DIR or OZVARINE_DEVICE");
+        return fail("no device given; name one with --device DIR or OZVARINE_DEVICE (ozvarine --help lists "
+                    "options and switches)");
+    }
+    if (const auto missing = missingPartOfInstallation()) {
+        return fail(*missing);
     }
     enterUserNamespaceUnlessRoot();
     const auto device = platform::Device::open(*options->device, options->given);
@@ -85,4 +88,18 @@ int runProgram(const std::vector<std::string>& arguments) {
                                 *options->device));
     }
     return runOnDevice(**device, *options);
+}
+
+} // namespace
+
+int runProgram(const std::vector<std::string>& arguments) {
+    secureStandardStreams();
+    forgetLoaderVariables();
+    // A caller that ignores the end of its children hands that down, and no tool could be waited for.
+    std::signal(SIGCHLD, SIG_DFL);
+    const int status = run(arguments);
+    if (!flushStandardOutput()) {
+        return fail("not all of the output could be written; what the switch does was done all the same");
+    }
+    return status;
 }

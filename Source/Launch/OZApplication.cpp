@@ -2,6 +2,8 @@
 
 #include "Platform/Folder.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace {
@@ -11,22 +13,21 @@ struct Executable {
     std::string_view name;
 };
 
-// The newest generation first: the first that fits serves.
-constexpr Executable executables[] = {
-    {1140.11, OZApplication::allExecutableNames[3]},
-    {1047.2, OZApplication::allExecutableNames[2]},
-    {992.0, OZApplication::allExecutableNames[1]},
+// The newest generation first: the first that fits serves, and the last fits always.
+constexpr std::array executables = {
+    Executable{1140.11, OZApplication::allExecutableNames[3]},
+    Executable{1047.2, OZApplication::allExecutableNames[2]},
+    Executable{992.0, OZApplication::allExecutableNames[1]},
+    Executable{0, OZApplication::allExecutableNames[0]},
 };
 
 } // namespace
 
 std::string_view OZApplication::executableName(double foundationVersion) {
-    for (const auto& executable : executables) {
-        if (foundationVersion >= executable.sinceFoundationVersion) {
-            return executable.name;
-        }
-    }
-    return allExecutableNames[0];
+    const auto* const fitting = std::ranges::find_if(executables, [&](const Executable& executable) {
+        return foundationVersion >= executable.sinceFoundationVersion;
+    });
+    return fitting == executables.end() ? executables.back().name : fitting->name;
 }
 
 std::string OZApplication::executablePath(double foundationVersion) {
@@ -37,8 +38,15 @@ std::string OZApplication::launcherPath() {
     return platform::joinPath(bundlePath, launcherName);
 }
 
-bool OZApplication::ensureCorrectExecutable(double foundationVersion) {
-    if (foundationVersion >= executables[0].sinceFoundationVersion) {
+std::string_view OZApplication::executableCalledBy(std::string_view path, double foundationVersion) {
+    const auto called =
+        std::ranges::find(executables, path.substr(path.rfind('/') + 1), &Executable::name);
+    return called == executables.end() ? executableName(foundationVersion) : called->name;
+}
+
+bool OZApplication::ensureCorrectExecutable(std::string_view name, double foundationVersion) {
+    const auto* const executable = std::ranges::find(executables, name, &Executable::name);
+    if (executable != executables.end() && foundationVersion >= executable->sinceFoundationVersion) {
         return true;
     }
     std::fputs("This executable is not meant to be run on the current iOS version, aborting...\n", stderr);

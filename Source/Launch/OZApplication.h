@@ -24,7 +24,10 @@ class OZApplication {
     static std::string_view executableName(double foundationVersion);
     static std::string executablePath(double foundationVersion);
     static std::string launcherPath();
-    /// Whether this very executable, the newest, is the one for the version; says so on standard error if
-    /// not.
-    [[nodiscard]] static bool ensureCorrectExecutable(double foundationVersion);
+    /// Which executable a process is that was called by `path`: the one of that name, or, for the launcher,
+    /// the one that serves the version.
+    static std::string_view executableCalledBy(std::string_view path, double foundationVersion);
+    /// Whether an executable may run on the version, which is not older than its own generation; says so on
+    /// standard error if not.
+    [[nodiscard]] static bool ensureCorrectExecutable(std::string_view name, double foundationVersion);
 };

@@ -30,6 +30,13 @@ Outcome onTree(const TemporaryFolder& folder, std::vector<std::string> arguments
     return runProgram("ozvarine", arguments);
 }
 
+// The command line that puts the program with all that belongs to it into "build".
+std::string copyOfProgram(const TemporaryFolder& folder) {
+    const std::string build = folder.path("build");
+    return "mkdir -p " + build + "/bin && cp -r " OZ_BINARY_DIRECTORY "/../libexec " OZ_BINARY_DIRECTORY
+           "/../share " + build + " && cp " OZ_BINARY_DIRECTORY "/ozvarine " + build + "/bin";
+}
+
 } // namespace
 
 TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
@@ -51,6 +58,17 @@ TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
         {{"--device", folder.path("tree"), "-clean", "--dry-run"},
          "--dry-run belongs in front of the switch"},
         {{"-clean", "-printresults", "--device", folder.path("tree")}, "--device belongs in front"},
+        {{}, "ozvarine --help lists"},
+        {{"--device=" + folder.path("tree")}, "no switch given"},
+        {{"--device=", "-clean"}, "--device needs a directory"},
+        {{"--dry-runs", "-clean"}, "unknown option --dry-runs"},
+        {{"--dry-run=yes", "-clean"}, "--dry-run takes no value"},
+        {{"--device", folder.path("tree"), "-clean", "--dry-runs"}, "--dry-runs behind -clean means nothing"},
+        {{"--device", folder.path("tree"), "-clean", "-dry-run"}, "-dry-run behind -clean"},
+        {{"--device", folder.path("tree"), "-clean", "-n"}, "-n behind -clean"},
+        {{"--device", folder.path("tree"), "-clean", "-help"}, "-help behind -clean"},
+        {{"--device", folder.path("tree"), "-clean", "-respring", "-h"}, "-h belongs in front"},
+        {{"--device", folder.path("tree"), "-clean", "--help"}, "--help belongs in front"},
     };
     const auto before = folder.listing();
     for (const auto& [arguments, says] : cases) {
@@ -73,10 +91,10 @@ TEST(Launcher, RefusesAFolderThatTheUserMayNotRead) {
     ::chmod(folder.path("tree").c_str(), 0700);
     // The test program's own folder may be closed to the other user, so a copy of the program in an open
     // place runs.
-    const std::string command =
-        "cp -r '" + std::string(OZ_BINARY_DIRECTORY) + "/ozvarine' '" + folder.path("oz") +
-        "' && setpriv --reuid=65534 --regid=65534 --clear-groups '" + folder.path("oz") + "' --device '" +
-        folder.path("tree") + "' -clean 2>'" + folder.path("errors") + "'";
+    const std::string command = copyOfProgram(folder) +
+                                " && setpriv --reuid=65534 --regid=65534 --clear-groups " +
+                                folder.path("build/bin/ozvarine") + " --device " + folder.path("tree") +
+                                " -clean 2>" + folder.path("errors");
     EXPECT_NE(std::system(command.c_str()), 0);
     EXPECT_THAT(folder.content("errors"), HasSubstr("may not be read by this user"));
     EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
@@ -87,6 +105,26 @@ TEST(Launcher, TellsHelpAndVersion) {
                 HasSubstr("usage: ozvarine [OPTION...] SWITCH..."));
     EXPECT_THAT(runProgram("ozvarine", {"--version"}).output, testing::MatchesRegex("ozvarine [0-9.]+\n"));
     EXPECT_EQ(runProgram("ozvarine", {"--help"}).status, 0);
+    EXPECT_EQ(runProgram("ozvarine", {"-h"}).output, runProgram("ozvarine", {"--help"}).output);
+}
+
+// A helper that is missing would leave whole steps out of a cleanup.
+TEST(Launcher, NamesWhatIsMissingBesideItselfBeforeAnythingIsDone) {
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    const std::string build = folder.path("build");
+    tests::shell(copyOfProgram(folder));
+    const std::string clean = build + "/bin/ozvarine --device " + folder.path("tree") + " -clean; echo $?";
+    for (const std::string part : {"libexec/ozenter", "libexec/libozenter.so", "libexec/apt.conf",
+                                   "share/ozvarine/English.strings", "share/ozvarine/lang"}) {
+        const std::string file = build + "/" + part;
+        std::filesystem::rename(file, file + ".away");
+        EXPECT_THAT(tests::shell(clean).output,
+                    testing::MatchesRegex("ozvarine: " + file + " is missing [^\n]*\n1\n"));
+        std::filesystem::rename(file + ".away", file);
+    }
+    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+    EXPECT_EQ(tests::shell(clean).output, "0\n");
 }
 
 TEST(Switches, NothingIsCleanedByChoicesThatCannotBeRead) {
@@ -116,18 +154,59 @@ TEST(Switches, UnknownOnesGetTheUsageText) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errors,
               "ozvarine: illegal option -nonsense\nusage: ozvarine [-clean [-respring | -autorespring] "
-              "| -cli | -respring | -restore-togglable-items]\n");
+              "| -cli | -respring | -restore-togglable-items]\nozvarine --help lists options and switches\n");
     EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
 }
 
-TEST(Switches, AnOlderPlatformIsRefusedBeforeAnythingRuns) {
+TEST(Switches, EachExecutableServesItsGenerationAndNewerOnesTheLauncherAll) {
+    const std::vector<std::string> names = {"iOS4_Ozvarine", "iOS6_Ozvarine", "iOS7_Ozvarine", "iOS8_Ozvarine"};
+    const struct {
+        const char* version;
+        size_t served;
+    } cases[] = {{"4.0", 1}, {"5.1", 1}, {"6.0", 2}, {"6.1.3", 2}, {"7.0", 3}, {"7.1", 3}, {"8.0", 4}, {"11.1", 4}};
+    for (const auto& [version, served] : cases) {
+        const TemporaryFolder folder;
+        makeTree(folder, version);
+        for (size_t index = names.size(); index-- > 0;) {
+            const Outcome outcome =
+                runProgram("../libexec/" + names[index], {"--device", folder.path("tree"), "-clean"});
+            EXPECT_EQ(outcome.status, index < served ? 0 : 1) << version << names[index];
+            EXPECT_EQ(outcome.errors, index < served
+                                          ? ""
+                                          : "This executable is not meant to be run on the current iOS version, "
+                                            "aborting...\n");
+            EXPECT_EQ(folder.exists("tree/var/tmp/zz"), index >= served) << version << names[index];
+            folder.make("tree/var/tmp/zz: junk");
+        }
+        EXPECT_EQ(onTree(folder, {"-clean"}).status, 0) << version;
+        EXPECT_FALSE(folder.exists("tree/var/tmp/zz")) << version;
+    }
+}
+
+TEST(Switches, OutputThatCannotBeWrittenIsAFailureOfEachSwitch) {
     const TemporaryFolder folder;
-    makeTree(folder, "7.1");
-    const Outcome outcome = onTree(folder, {"-clean"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors,
-              "This executable is not meant to be run on the current iOS version, aborting...\n");
-    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+    makeTree(folder, "11.1");
+    const std::string program = OZ_BINARY_DIRECTORY "/ozvarine --device " + folder.path("tree");
+    for (const std::string words : {" -printsettings", " -clean -printresults", " --help", " --version"}) {
+        // The last one is a pipe whose reader has gone.
+        for (const std::string stream : {" >/dev/full", " >&-", " >&3"}) {
+            const std::string line = "bash -c 'exec 3> >(:); sleep 0.1; " + program + words + stream + "; echo $?'";
+            EXPECT_THAT(tests::shell(line).output, testing::EndsWith("could be written; what the switch does was "
+                                                                     "done all the same\n1\n"))
+                << line;
+        }
+    }
+    EXPECT_THAT(tests::shell(program + " -clean >&- 2>&-; echo $?").output, "0\n");
+}
+
+TEST(Switches, TellWhereThereWasNothingToAsk) {
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    for (const std::string word : {"-respring", "-restore-togglable-items"}) {
+        const Outcome outcome = onTree(folder, {word});
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.errors, HasSubstr("there was nothing to ask")) << word;
+    }
 }
 
 TEST(Switches, CleanTakesOnlyTheWordBehindIt) {

@@ -3,11 +3,13 @@
 #include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
+#include "Model/Items/Togglable/Daemons/OZDaemon.h"
 #include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZStdIO.h"
 #include "Model/Tasks/OZDeviceActions.h"
+#include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
@@ -25,6 +27,8 @@ constexpr const char* usageFormat =
     "{0}: illegal option {1}\n"
     "usage: {0} [-clean [-respring | -autorespring] | -cli | -respring | -restore-togglable-items]\n";
 
+constexpr std::string_view helpText = "ozvarine --help lists options and switches\n";
+
 constexpr std::string_view notInteractiveText =
     "The Ozvarine command line interface can only be invoked through an interactive terminal.\n";
 // Nobody who asks for a dry run may end up in a cleanup.
@@ -34,6 +38,10 @@ constexpr std::string_view dryRunText =
 // Without them a test run would be a cleanup, and what the user has excluded would go.
 constexpr std::string_view unknownChoicesText =
     "ozvarine: nothing was cleaned: make the settings readable, or remove them to clean with the defaults\n";
+
+// Older platforms read a line into a buffer of 256 bytes, the last of which ends the text.
+constexpr double unlimitedLinesSince = 881.0;
+constexpr size_t oldestLineCapacity = 255;
 
 constexpr std::array<std::pair<std::string_view, OZCleanAction>, 3> cleanActions{{
     {"-respring", OZCleanAction::respring},
@@ -76,6 +84,7 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
         return 0;
     }
     OZStdIO::fprintf(stderr, fmt::format(fmt::runtime(usageFormat), vector[0], option));
+    OZStdIO::fprintf(stderr, helpText);
     return 1;
 }
 
@@ -94,6 +103,9 @@ bool OZArgvParser::showMenu() {
     }
     if (!areChoicesKnown()) {
         return false;
+    }
+    if (_modelBuilder.device().facts().foundationVersion < unlimitedLinesSince) {
+        OZStdIO::setLineCapacity(oldestLineCapacity);
     }
     OZCLIController(_modelBuilder).startCLI();
     return true;
@@ -144,8 +156,13 @@ bool OZArgvParser::shouldRespring() const {
 }
 
 void OZArgvParser::respring() {
-    if (_options.analyze == Analyze::no) {
-        _modelBuilder.deviceActions().rebuildUICacheAndRespring();
+    if (_options.analyze == Analyze::yes) {
+        return;
+    }
+    _modelBuilder.deviceActions().rebuildUICacheAndRespring();
+    if (!_modelBuilder.deviceActions().canRestart()) {
+        _modelBuilder.device().warnings().tell(
+            "Nothing was restarted: there was nothing to ask, since this device has neither su nor killall.");
     }
 }
 
@@ -157,7 +174,13 @@ void OZArgvParser::printSettings() {
 }
 
 void OZArgvParser::restoreTogglableItems() {
-    if (_options.analyze == Analyze::no) {
-        _modelBuilder.systemRestore()->restore();
+    if (_options.analyze == Analyze::yes) {
+        return;
+    }
+    _modelBuilder.systemRestore()->restore();
+    auto& device = _modelBuilder.device();
+    if (OZDaemon::usesLaunchCtl(device) && !OZTask::launchPathForExecutable(device, "launchctl")) {
+        device.warnings().tell("Launch daemons that launchctl has disabled were left alone: there was nothing to "
+                               "ask, since this device has no launchctl.");
     }
 }

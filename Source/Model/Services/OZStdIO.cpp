@@ -5,9 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cstdlib>
 #include <limits>
-#include <memory>
 #include <tuple>
 
 #include <poll.h>
@@ -29,16 +27,27 @@ bool mayReadAgain(int error) {
     return true;
 }
 
+std::optional<size_t> lineCapacity;
+
 std::optional<std::string> readLine() {
-    char* buffer = nullptr;
-    size_t capacity = 0;
-    ssize_t length = 0;
-    do {
+    std::string line;
+    while (!lineCapacity || line.size() < *lineCapacity) {
         errno = 0;
-        length = ::getline(&buffer, &capacity, stdin);
-    } while (length < 0 && mayReadAgain(errno));
-    const std::unique_ptr<char, void (*)(void*)> owner(buffer, std::free);
-    return length < 0 ? std::nullopt : std::optional(std::string(buffer, static_cast<size_t>(length)));
+        const int character = std::fgetc(stdin);
+        if (character == EOF && mayReadAgain(errno)) {
+            continue;
+        }
+        if (character != EOF) {
+            line.push_back(static_cast<char>(character));
+        }
+        if (character == '\n' || (character == EOF && !line.empty())) {
+            break;
+        }
+        if (character == EOF) {
+            return std::nullopt;
+        }
+    }
+    return line;
 }
 
 bool isASCII(std::string_view text) {
@@ -79,6 +88,10 @@ void OZStdIO::printf(std::string_view text) {
 
 void OZStdIO::fprintf(std::FILE* stream, std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stream);
+}
+
+void OZStdIO::setLineCapacity(std::optional<size_t> bytes) {
+    lineCapacity = bytes;
 }
 
 std::optional<std::string> OZStdIO::getLine() {

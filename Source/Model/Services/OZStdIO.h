@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
@@ -22,6 +23,10 @@ class OZStdIO {
     /// Writes the text to standard output at once.
     static void printf(std::string_view text);
     static void fprintf(std::FILE* stream, std::string_view text);
+
+    /// How many bytes of a line are read at once, as the oldest platforms do: what follows is the next line.
+    /// Without it a line may have any length.
+    static void setLineCapacity(std::optional<size_t> bytes);
 
     // Reading waits for as many lines as it takes. At the end of input, for example when the terminal has
     // gone, there is nothing to wait for: the answer is none, then and ever after.

@@ -37,6 +37,10 @@ OZDeviceActions::OZDeviceActions(platform::Device& device, std::function<bool(st
     , _isInstalled(std::move(isInstalled))
     , _prepareToClose(std::move(prepareToClose)) {}
 
+bool OZDeviceActions::canRestart() const {
+    return OZTask::launchPathForExecutable(_device, "su") || OZTask::launchPathForExecutable(_device, "killall");
+}
+
 void OZDeviceActions::performAction(OZDeviceAction action) {
     switch (action) {
     case OZDeviceAction::none:

@@ -18,6 +18,9 @@ class OZDeviceActions {
     OZDeviceActions(platform::Device& device, std::function<bool(std::string_view identifier)> isInstalled,
                     std::function<void()> prepareToClose);
 
+    /// Whether the device has any of the tools that restart the interface.
+    [[nodiscard]] bool canRestart() const;
+
     /// Does the action; a value outside the enumeration does nothing.
     void performAction(OZDeviceAction action);
 
