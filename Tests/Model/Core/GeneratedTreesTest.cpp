@@ -26,7 +26,7 @@ namespace {
 
 using PathSet = std::set<std::string>;
 
-constexpr double generations[] = {1047.25, 1140.11, 1242.12, 1349.13, 1445.32};
+constexpr double generations[] = {751.32, 881.0, 993.0, 1047.25, 1140.11, 1242.12, 1349.13, 1445.32};
 
 ListedApp installed(const std::string& identifier, const std::string& container) {
     return {.identifier = identifier,
