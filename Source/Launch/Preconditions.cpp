@@ -4,12 +4,56 @@
 
 #include <array>
 
+#include <fmt/format.h>
+#include <sys/stat.h>
+
 namespace {
+
+constexpr std::string_view dataFolder = "/var/mobile";
+constexpr std::string_view privateDataFolder = "/private/var/mobile";
+
+bool isSameFolder(platform::FileManager& fileManager, std::string_view one, std::string_view other) {
+    const auto first = fileManager.folderAtPath(one);
+    const auto second = fileManager.folderAtPath(other);
+    struct stat a {};
+    struct stat b {};
+    return first && second && ::fstat((*first)->descriptor(), &a) == 0 &&
+           ::fstat((*second)->descriptor(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+// Without them the stored choices and the excluded applications are unknown, and all that is known to be
+// anybody's data.
+std::optional<Refusal> missingData(platform::Device& device, const LauncherOptions& options) {
+    const auto purpose = options.purpose();
+    if (purpose == LauncherOptions::Purpose::tell || purpose == LauncherOptions::Purpose::show) {
+        return std::nullopt;
+    }
+    auto fileManager = device.fileManager();
+    const std::string tree = options.device.value_or("the device");
+    if (fileManager.folderAtPath(privateDataFolder)) {
+        return isSameFolder(fileManager, dataFolder, privateDataFolder)
+                   ? std::nullopt
+                   : std::optional(Refusal{fmt::format(
+                         "in {} var is not private/var, where the device has its data; move var away, or put "
+                         "a link to private/var in its place",
+                         tree)});
+    }
+    const auto folder = fileManager.folderAtPath(dataFolder);
+    if (folder) {
+        return std::nullopt;
+    }
+    return Refusal{
+        platform::meansAbsence(folder.error())
+            ? fmt::format("{} has neither var/mobile nor private/var/mobile: the data partition is "
+                          "missing; mount or extract it into the tree",
+                          tree)
+            : fmt::format("var/mobile in {} cannot be opened: {}", tree, folder.error().message())};
+}
 
 using Check = std::optional<Refusal> (*)(platform::Device& device, const LauncherOptions& options);
 
 // In the order in which they are looked at.
-constexpr std::array<Check, 0> checks = {};
+constexpr std::array checks = {Check{missingData}};
 
 } // namespace
 

@@ -3,11 +3,13 @@
 #include "Platform/PathWalk.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <climits>
 
 #include <fcntl.h>
 #include <linux/openat2.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 namespace platform {
@@ -15,6 +17,19 @@ namespace platform {
 namespace {
 
 constexpr int folderFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+
+struct TopLink {
+    std::string_view name;
+    std::string_view target;
+};
+
+// The first whose folder is there counts.
+constexpr std::array topLinks = {
+    TopLink{"var", "private/var"},
+    TopLink{"etc", "private/etc"},
+    TopLink{"tmp", "private/tmp"},
+    TopLink{"tmp", "private/var/tmp"},
+};
 
 // Set once the kernel has said that it lacks the call or that a filter forbids it.
 std::atomic<bool> kernelCannot = false;
@@ -147,9 +162,9 @@ Result<Descriptor> DeviceRoot::openFolder(std::string_view path) const {
     }
     const auto place = current();
     if (auto folder = openInOneCall(*place, path)) {
-        // A link on the way, or a way out of the current directory: look closer.
-        if (*folder ||
-            (folder->error().value() != ELOOP && folder->error().value() != EXDEV && !kernelCannot)) {
+        // A link on the way, a missing one, or a way out of the current directory: look closer.
+        const int error = *folder ? 0 : folder->error().value();
+        if (error != ELOOP && error != EXDEV && !(error == ENOENT && lacksLinks()) && !kernelCannot) {
             return std::move(*folder);
         }
     }
@@ -206,6 +221,26 @@ Result<DeviceRoot::Target> DeviceRoot::follow(std::string_view path) const {
         return Target{std::move(**folder), normalized(place->names, path), {}};
     }
     return PathWalk(*this, place->folder.descriptor(), place->names).follow(path);
+}
+
+std::optional<std::string_view> DeviceRoot::targetOfMissingLink(std::string_view topName) const {
+    for (const TopLink& link : topLinks) {
+        struct stat status {};
+        if (link.name != topName ||
+            ::fstatat(rootDescriptor(), std::string(topName).c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 ||
+            errno != ENOENT) {
+            continue;
+        }
+        if (openBelow(rootDescriptor(), link.target)) {
+            return link.target;
+        }
+    }
+    return std::nullopt;
+}
+
+bool DeviceRoot::lacksLinks() const {
+    return std::ranges::any_of(
+        topLinks, [&](const TopLink& link) { return targetOfMissingLink(link.name).has_value(); });
 }
 
 } // namespace platform

@@ -52,6 +52,11 @@ class DeviceRoot {
     Result<Descriptor> openBelow(int base, std::string_view relativePath) const;
     /// Follows a path to its end, links included.
     Result<Target> follow(std::string_view path) const;
+    /// A device has links at its top to the folders that hold its data, and copies of a device may lack them.
+    /// Where nothing stands at such a name, and the folder is there, this is what the link would say; none
+    /// for any other name.
+    [[nodiscard]] std::optional<std::string_view> targetOfMissingLink(std::string_view topName) const;
+    [[nodiscard]] bool lacksLinks() const;
 
   private:
     DeviceRoot(Descriptor root, Descriptor current, PathResolution resolution);

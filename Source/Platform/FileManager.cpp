@@ -96,6 +96,22 @@ Result<Item> FileManager::itemAtPath(std::string_view path) {
     return Item(std::move(*parent), name);
 }
 
+Result<Item> FileManager::newItemAtPath(std::string_view path) {
+    auto item = itemAtPath(path);
+    if (!item || !_root->targetOfMissingLink(item->name())) {
+        return item;
+    }
+    struct stat top {};
+    struct stat parent {};
+    if (::fstat(_root->rootDescriptor(), &top) < 0 || ::fstat(item->parent()->descriptor(), &parent) < 0) {
+        return lastError();
+    }
+    if (top.st_dev == parent.st_dev && top.st_ino == parent.st_ino) {
+        return failure(EEXIST);
+    }
+    return item;
+}
+
 Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
                                     std::string_view relativePath) {
     const size_t slash = relativePath.rfind('/');
@@ -251,6 +267,19 @@ std::string FileManager::stringByResolvingSymlinksInPath(std::string_view path) 
     return destination->starts_with('/') ? *destination : joinPath(split(path).folder, *destination);
 }
 
+std::string FileManager::pathForTools(std::string_view path) {
+    if (!_root->lacksLinks()) {
+        return std::string(path);
+    }
+    // A tool does not follow a link that it is given, unless a "/" stands behind it.
+    if (path.ends_with('/')) {
+        return joinPath(stringByResolvingSymlinksInPath(path), "");
+    }
+    const auto [folder, name] = split(path);
+    return name == "." || folder == "." ? std::string(path)
+                                        : joinPath(stringByResolvingSymlinksInPath(folder), name);
+}
+
 Result<void> FileManager::removeItemAtPath(std::string_view path) {
     auto item = itemAtPath(path);
     if (!item) {
@@ -266,7 +295,7 @@ Result<void> FileManager::moveItemAtPath(std::string_view from, std::string_view
     if (!source) {
         return std::unexpected(source.error());
     }
-    auto target = itemAtPath(to);
+    auto target = newItemAtPath(to);
     if (!target) {
         return std::unexpected(target.error());
     }
@@ -280,7 +309,7 @@ Result<void> FileManager::copyItemAtPath(std::string_view from, std::string_view
     if (!source) {
         return std::unexpected(source.error());
     }
-    auto target = itemAtPath(to);
+    auto target = newItemAtPath(to);
     if (!target) {
         return std::unexpected(target.error());
     }
@@ -289,32 +318,27 @@ Result<void> FileManager::copyItemAtPath(std::string_view from, std::string_view
 
 Result<void> FileManager::createDirectoryAtPath(std::string_view path, IntermediateFolders intermediate,
                                                 mode_t mode) {
-    auto item = itemAtPath(path);
+    auto item = newItemAtPath(path);
     const std::string_view parent = pathBeforeLastComponent(path);
     if (!item && item.error().value() == ENOENT && intermediate == IntermediateFolders::create &&
         !parent.empty()) {
         if (auto created = createDirectoryAtPath(parent, intermediate, mode); !created) {
             return created;
         }
-        item = itemAtPath(path);
+        item = newItemAtPath(path);
     }
-    if (!item) {
-        return std::unexpected(item.error());
+    const auto made = item ? checked(::mkdirat(item->parent()->descriptor(), item->name().c_str(), mode))
+                           : Result<void>(std::unexpected(item.error()));
+    bool isDirectory = false;
+    if (!made && made.error().value() == EEXIST && intermediate == IntermediateFolders::create &&
+        fileExistsAtPath(path, &isDirectory) && isDirectory) {
+        return {};
     }
-    if (::mkdirat(item->parent()->descriptor(), item->name().c_str(), mode) < 0) {
-        const int error = errno;
-        bool isDirectory = false;
-        if (error == EEXIST && intermediate == IntermediateFolders::create &&
-            fileExistsAtPath(path, &isDirectory) && isDirectory) {
-            return {};
-        }
-        return failure(error);
-    }
-    return {};
+    return made;
 }
 
 Result<void> FileManager::createSymbolicLinkAtPath(std::string_view path, std::string_view destination) {
-    auto item = itemAtPath(path);
+    auto item = newItemAtPath(path);
     if (!item) {
         return std::unexpected(item.error());
     }

@@ -37,6 +37,9 @@ struct FileOwnership {
 /// to a folder of the same user: with it, nobody can lead a run with more rights than their own to other
 /// people's files.
 ///
+/// Where the tree lacks the links "var", "etc" and "tmp" at its top, as archives of a device may, paths mean
+/// what they would mean with them.
+///
 /// Handles are cheap to copy. All copies share the root and the current directory; one handle serves one
 /// thread.
 class FileManager {
@@ -82,6 +85,9 @@ class FileManager {
     [[nodiscard]] Result<std::string> destinationOfSymbolicLinkAtPath(std::string_view path);
     /// The device path without links. What cannot be resolved stays as it stands.
     [[nodiscard]] std::string stringByResolvingSymlinksInPath(std::string_view path);
+    /// The path at which a program that has the root as its "/" reaches the same item: the path itself, or,
+    /// where the tree lacks a link at its top, one with no link before its last name.
+    [[nodiscard]] std::string pathForTools(std::string_view path);
 
     // Reading and writing.
     static constexpr uint64_t defaultContentLimit = uint64_t{256} << 20U;
@@ -117,6 +123,10 @@ class FileManager {
   private:
     explicit FileManager(std::shared_ptr<DeviceRoot> root);
 
+    /// The item at which something is to be made. Where a link is missing (see
+    /// `DeviceRoot::targetOfMissingLink`), nothing may take its place (EEXIST): the data behind it would be
+    /// out of sight.
+    Result<Item> newItemAtPath(std::string_view path);
     Result<void> replaceContents(std::string_view path, std::string_view bytes,
                                  const std::optional<FileOwnership>& ownership);
 

@@ -78,7 +78,8 @@ void PathWalk::goToRoot() {
 Result<void> PathWalk::step(const std::string& name) {
     Descriptor next(::openat(here(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!next) {
-        return lastError();
+        const std::error_code error = lastError().error();
+        return error.value() == ENOENT && _names.empty() ? followMissingLink(name) : std::unexpected(error);
     }
     struct stat status{};
     if (::fstat(next.get(), &status) < 0) {
@@ -94,6 +95,18 @@ Result<void> PathWalk::step(const std::string& name) {
         _leaf = name;
         _leafOwner = status.st_uid;
     }
+    return {};
+}
+
+Result<void> PathWalk::followMissingLink(const std::string& name) {
+    const auto target = _root.targetOfMissingLink(name);
+    if (!target) {
+        return failure(ENOENT);
+    }
+    if (++_linksFollowed > mostLinks) {
+        return failure(ELOOP);
+    }
+    push(*target);
     return {};
 }
 

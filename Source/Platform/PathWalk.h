@@ -28,6 +28,7 @@ class PathWalk {
     Result<void> step(const std::string& name);
     Result<void> goUp();
     Result<void> followLink(int link, uid_t owner);
+    Result<void> followMissingLink(const std::string& name);
     [[nodiscard]] bool linkEndsHere() const {
         return !_untrusted.empty() && _remaining.size() <= _untrusted.back().remaining;
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,6 +27,19 @@ std::vector<std::string> treeListing(const TemporaryFolder& folder) {
         return !line.starts_with("device/Root/") || line.find("/Library/Ozvarine") != std::string::npos ||
                line.find("/Library/Preferences/net.box.BoxNet.plist") != std::string::npos;
     });
+    return lines;
+}
+
+// The lines of a log in no order but those of its time and of the file system's free space.
+std::vector<std::string> sortedLines(const std::string& log) {
+    std::vector<std::string> lines;
+    std::istringstream stream(log);
+    for (std::string line; std::getline(stream, line);) {
+        if (!line.starts_with("Date: ") && !line.starts_with("Total size: ")) {
+            lines.push_back(line);
+        }
+    }
+    std::ranges::sort(lines);
     return lines;
 }
 
@@ -63,6 +77,39 @@ TEST(CleanupOfTheDemoDevice, DryRunChangesOnlyItsLogAndACleanupLeavesNothingForT
 
     EXPECT_EQ(deletedCount(runProgram("ozvarine", {"--device", device, "-clean", "-printresults"}).output),
               0);
+}
+
+TEST(Cleanup, OfADeviceWithoutItsTopLinksIsThatOfTheSameDeviceWithThem) {
+    const TemporaryFolder linked;
+    const TemporaryFolder bare;
+    ASSERT_EQ(runProgram("ozdevice", {"create", linked.path("device"), "--files", "100"}).status, 0);
+    ASSERT_EQ(tests::shell("cp -a '" + linked.path("device") + "' '" + bare.path("device") + "'").status, 0);
+    for (const char* link : {"var", "etc", "tmp"}) {
+        ASSERT_TRUE(std::filesystem::remove(bare.path("device/Root/") + link));
+    }
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"--dry-run", "-clean"}, {"-clean"}}) {
+        std::vector<std::string> logs;
+        for (const TemporaryFolder* folder : {&linked, &bare}) {
+            std::vector<std::string> arguments = {"--device", folder->path("device")};
+            arguments.insert(arguments.end(), words.begin(), words.end());
+            EXPECT_EQ(runProgram("ozvarine", arguments).errors, "");
+            logs.push_back(folder->content("device/Root/private/var/mobile/Library/Ozvarine/junk.txt"));
+        }
+        EXPECT_GT(logs[0].size(), 50000);
+        EXPECT_EQ(sortedLines(logs[0]), sortedLines(logs[1]));
+    }
+    std::vector<std::string> names[2];
+    for (size_t index = 0; const TemporaryFolder* folder : {&linked, &bare}) {
+        const std::filesystem::path root = folder->path("device/Root");
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+            names[index].push_back(entry.path().lexically_relative(root));
+        }
+        std::ranges::sort(names[index++]);
+    }
+    std::erase_if(names[0],
+                  [](const std::string& name) { return name == "var" || name == "etc" || name == "tmp"; });
+    EXPECT_EQ(names[0], names[1]);
 }
 
 TEST(Cleanup, HoldsItsMemoryOver200000Files) {

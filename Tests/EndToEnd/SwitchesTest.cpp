@@ -81,6 +81,35 @@ TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
     EXPECT_EQ(folder.listing(), before);
 }
 
+TEST(Launcher, ChangesNothingWhereTheDataPartitionIsMissing) {
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    std::filesystem::remove(folder.path("tree/var/mobile"));
+    const auto before = folder.listing();
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"-clean"},
+                                                  {"--dry-run", "-clean", "-printresults"},
+                                                  {"-restore-togglable-items"},
+                                                  {"-cli"}}) {
+        std::vector<std::string> arguments = {"--device", folder.path("tree")};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const Outcome outcome = runProgram("ozvarine", arguments);
+        EXPECT_EQ(outcome.status, 1) << words.back();
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, HasSubstr("the data partition is missing"));
+        EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 1) << outcome.errors;
+    }
+    EXPECT_EQ(folder.listing(), before);
+    EXPECT_EQ(onTree(folder, {"-printsettings"}).status, 0);
+    // Choices that are stored in the one would not be seen in the other.
+    folder.make("tree/private/var/mobile/");
+    EXPECT_THAT(onTree(folder, {"-clean"}).errors, HasSubstr("var is not private/var"));
+    folder.make("tree/var/mobile/");
+    EXPECT_THAT(onTree(folder, {"-clean"}).errors, HasSubstr("var is not private/var"));
+    std::filesystem::remove_all(folder.path("tree/var"));
+    EXPECT_EQ(onTree(folder, {"-clean"}).status, 0);
+    EXPECT_FALSE(folder.exists("tree/var"));
+}
+
 TEST(Launcher, RefusesAFolderThatTheUserMayNotRead) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "needs root to become another user";

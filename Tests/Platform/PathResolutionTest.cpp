@@ -64,6 +64,56 @@ TEST_P(PathResolutionTest, LinksWithinTheRootAreFollowed) {
     EXPECT_EQ(errorOf(files->contentsAtPath("/tofile/x")), ENOTDIR);
 }
 
+TEST_P(PathResolutionTest, TopFoldersWhoseLinksAreMissingAreThoseBelowPrivate) {
+    make(R"(private/var/mobile/file: text
+            private/var/tmp/file: text
+            private/etc/file: text
+            Library/toMobile -> /var/mobile
+            Library/toMobileRelative -> ../var/mobile)");
+    for (const char* path :
+         {"/var/mobile/file", "//var/./mobile/file", "/Library/../var/mobile/file", "var/mobile/file",
+          "/Library/toMobile/file", "/Library/toMobileRelative/file", "/etc/file", "/tmp/file"}) {
+        EXPECT_EQ(files->contentsAtPath(path).value_or("nothing"), "text") << path;
+        EXPECT_TRUE(files->itemAtPath(path)->attributes()) << path;
+        EXPECT_EQ(files->pathForTools(path), files->stringByResolvingSymlinksInPath(path));
+    }
+    EXPECT_EQ(files->stringByResolvingSymlinksInPath("/tmp"), "/private/var/tmp");
+    EXPECT_EQ(errorOf(files->contentsAtPath("/var/none")), ENOENT);
+    ASSERT_TRUE(files->changeCurrentDirectoryPath("/var/mobile"));
+    EXPECT_EQ(files->currentDirectoryPath(), "/private/var/mobile");
+    EXPECT_TRUE(files->createDirectoryAtPath("../../../var/new/folder", IntermediateFolders::create));
+    EXPECT_TRUE(files->createDirectoryAtPath("/etc/new/folder", IntermediateFolders::create));
+    EXPECT_TRUE(files->createDirectoryAtPath("/Library/toMobile/new", IntermediateFolders::refuse));
+    EXPECT_TRUE(files->writeContents("/tmp/new", "x"));
+    EXPECT_TRUE(exists("/private/var/new/folder") && exists("/private/etc/new/folder") &&
+                exists("/private/var/mobile/new") && exists("/private/var/tmp/new"));
+    ASSERT_TRUE(files->changeCurrentDirectoryPath("/"));
+    for (const char* path : {"/var", "/tmp/", "etc"}) {
+        EXPECT_TRUE(files->createDirectoryAtPath(path, IntermediateFolders::create)) << path;
+        EXPECT_EQ(errorOf(files->createDirectoryAtPath(path, IntermediateFolders::refuse)), EEXIST) << path;
+        EXPECT_EQ(errorOf(files->createFileAtPath(path)), EEXIST) << path;
+        EXPECT_EQ(errorOf(files->writeContents(path, "x")), EEXIST) << path;
+        EXPECT_EQ(errorOf(files->moveItemAtPath("/private/etc", path)), EEXIST) << path;
+        EXPECT_EQ(errorOf(files->copyItemAtPath("/private/etc", path)), EEXIST) << path;
+        EXPECT_EQ(errorOf(files->createSymbolicLinkAtPath(path, "/Library")), EEXIST) << path;
+        EXPECT_EQ(errorOf(files->removeItemAtPath(path)), ENOENT) << path;
+    }
+    EXPECT_THAT(*files->contentsOfDirectoryAtPath("/"), UnorderedElementsAre("Library", "private"));
+}
+
+TEST_P(PathResolutionTest, TopFoldersThatAreThereMeanThemselves) {
+    make(R"(private/var/file: private
+            private/etc -> /private/none
+            var/file: own
+            tmp -> /none)");
+    EXPECT_EQ(*files->contentsAtPath("/var/file"), "own");
+    EXPECT_EQ(files->pathForTools("/var/file"), "/var/file");
+    EXPECT_EQ(errorOf(files->folderAtPath("/tmp")), ENOENT);
+    EXPECT_EQ(errorOf(files->folderAtPath("/etc")), ENOENT);
+    EXPECT_TRUE(files->createDirectoryAtPath("/etc/new", IntermediateFolders::create));
+    EXPECT_TRUE(exists("/etc/new")) << "no folder stands for it";
+}
+
 TEST_P(PathResolutionTest, CurrentDirectoryIsSharedAndItsParentIsFoundFromTheRoot) {
     make("link -> /a/b\na/b/c/file: text\na/beside: other\n");
     FileManager other = *files;

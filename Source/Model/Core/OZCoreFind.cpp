@@ -24,13 +24,13 @@ bool readsAsExpression(std::string_view folder) {
     return folder.empty() || std::string_view("-(),!").contains(folder.front());
 }
 
-// The folder that a path was found in, or none. The tool searches the folders one after the other, and so it
-// is the current one or one behind it.
-std::vector<FoundPaths>::iterator homeOf(std::string_view path, std::vector<FoundPaths>::iterator current,
-                                         std::vector<FoundPaths>::iterator end) {
-    return std::find_if(current, end, [&](const FoundPaths& folder) {
-        return path.size() > folder.prefix.size() && path.starts_with(folder.prefix);
-    });
+// The folder that a path was found in, by the texts that the tool puts before its names, or none. The tool
+// searches the folders one after the other, and so it is the current one or one behind it.
+size_t homeOf(std::string_view path, size_t current, const OZCore::Paths& prefixes) {
+    const auto home = std::find_if(
+        prefixes.begin() + static_cast<ptrdiff_t>(current), prefixes.end(),
+        [&](const std::string& prefix) { return path.size() > prefix.size() && path.starts_with(prefix); });
+    return static_cast<size_t>(home - prefixes.begin());
 }
 
 } // namespace
@@ -54,11 +54,13 @@ std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<s
     }
     std::vector<std::string> arguments;
     std::vector<FoundPaths> found;
+    Paths toolPrefixes;
     for (const auto& path : folders) {
         // Folders are opened before the search, so that what is found is acted on where it was found.
         auto folder = readsAsExpression(path) ? platform::failure(EINVAL) : folderAtPath(path);
         if (folder) {
-            arguments.push_back(path);
+            arguments.push_back(pathForTools(path));
+            toolPrefixes.push_back(platform::pathPrefix(arguments.back()));
             found.push_back(
                 {.folder = std::move(*folder), .prefix = platform::pathPrefix(path), .names = {}});
         }
@@ -72,11 +74,11 @@ std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<s
     task->setStdErrAction(OZTaskStreamAction::discard);
     // What no separator ends is half a path, left by a tool that broke off, and may name another item.
     SeparatedPieces paths(std::string(1, '\0'));
-    auto current = found.begin();
+    size_t current = 0;
     task->setOutputHandler([&](std::string_view part) {
         paths.add(part, [&](std::string_view path) {
-            if (const auto home = homeOf(path, current, found.end()); home != found.end()) {
-                handler(*home, path.substr(home->prefix.size()));
+            if (const size_t home = homeOf(path, current, toolPrefixes); home < found.size()) {
+                handler(found[home], path.substr(toolPrefixes[home].size()));
                 current = home;
             }
         });
