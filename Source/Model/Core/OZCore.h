@@ -277,6 +277,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
+    template <class List>
+    void delrEach(const List& list);
     /// A folder is left to `removals` where there are some.
     void delrItem(const platform::Item& item, std::string_view path, SizeSum& sizes,
                   platform::BackgroundWork* removals = nullptr);
