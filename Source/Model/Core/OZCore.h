@@ -135,7 +135,7 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     /// voices. An action of another kind leaves the run open; nobody may ask for one.
     void remove(OZAction action, Analyze analyze);
     /// Restores all backups of test runs, or removes them for good. What stands in a backup's old place gives
-    /// way to it. A backup inside of a folder that is itself a backup needs a second call.
+    /// way to it.
     void backup(BackupAction action);
     [[nodiscard]] bool isRunning() const { return _isRunning; }
     [[nodiscard]] uint64_t fileCount() const { return _fileCount; }
@@ -277,6 +277,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
+    template <class List>
+    void delrEach(const List& list);
     /// A folder is left to `removals` where there are some.
     void delrItem(const platform::Item& item, std::string_view path, SizeSum& sizes,
                   platform::BackgroundWork* removals = nullptr);

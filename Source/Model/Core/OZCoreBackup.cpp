@@ -1,9 +1,29 @@
 #include "Model/Core/OZCoreRun.h"
 #include "Platform/Device.h"
 
+#include <algorithm>
+#include <numeric>
+
 using platform::FileWriting;
 
 // The tree is the only index of backups: whatever has the extension is one.
+
+namespace {
+
+// The indexes of paths; those of one depth stay in their order.
+std::vector<size_t> deepestFirst(const std::vector<std::string>& paths) {
+    std::vector<ptrdiff_t> depths;
+    depths.reserve(paths.size());
+    for (const auto& path : paths) {
+        depths.push_back(std::ranges::count(path, '/'));
+    }
+    std::vector<size_t> order(paths.size());
+    std::iota(order.begin(), order.end(), size_t{0});
+    std::ranges::stable_sort(order, std::ranges::greater(), [&](size_t index) { return depths[index]; });
+    return order;
+}
+
+} // namespace
 
 void OZCore::backup(BackupAction action) {
     const bool restores = action == BackupAction::restore;
@@ -21,16 +41,12 @@ void OZCore::backup(BackupAction action) {
     }
 }
 
-// What is inside of a restored folder is no longer where the search has seen it, and waits for the next call.
+// A backup inside of a folder that is itself a backup is reached by the path that the search has seen, as long
+// as that folder waits for it.
 void OZCore::restore(const platform::FoundPaths& backups) {
-    for (size_t index = 0; index < backups.names.size(); ++index) {
+    for (const size_t index : deepestFirst(backups.names)) {
         if (const auto item = itemBelow(backups.folder, backups.names[index])) {
             restoreItem(*item, backups.path(index));
-        }
-        // The folder found last is that of the item, which none of its entries takes along, or else an older
-        // one.
-        if (!backups.names[index].contains('/')) {
-            forgetLastFolder();
         }
     }
     forgetLastFolder();

@@ -64,14 +64,24 @@ void OZCore::del(const FoundPaths& found) {
 }
 
 void OZCore::delr(const Paths& paths) {
-    SizeSum sizes;
-    forEachItem(*this, paths, whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes); }));
-    addSize(sizes.total());
+    delrEach(paths);
 }
 
 void OZCore::delr(const FoundPaths& found) {
+    delrEach(found);
+}
+
+// A later item may lie inside of a folder that has been walked and is still there: its size is read before it
+// gets another name.
+template <class List>
+void OZCore::delrEach(const List& list) {
     SizeSum sizes;
-    forEachItem(*this, found, whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes); }));
+    forEachItem(*this, list, whereFound([&](const Item& item, auto path) {
+        delrItem(item, path, sizes);
+        if (_mode == OZCoreMode::test) {
+            std::ignore = sizes.total();
+        }
+    }));
     addSize(sizes.total());
 }
 

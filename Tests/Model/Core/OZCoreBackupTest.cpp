@@ -106,18 +106,31 @@ TEST_F(Backups, LinkInTheOldPlaceIsReplacedAndItsTargetStays) {
     EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(temporary.hostPath("/d/file"))));
 }
 
-TEST_F(Backups, BackupInsideOfABackupWaitsForTheNextCall) {
+TEST_F(Backups, BackupsInsideOfABackupComeBackWithTheSameCall) {
     addItems();
+    addFiles({"/top"});
     const auto before = items();
+    const Tree treeBefore = tree();
     auto& core = engine(OZCoreMode::test);
-    core.del(OZCore::Paths{"/d/folder/sub/\xff\n name"});
-    core.delr(OZCore::Paths{"/d/folder"});
+    core.del(OZCore::Paths{"/top", "/d/folder/sub/\xff\n name"});
+    core.delr(OZCore::Paths{"/d/folder/sub", "/d/empty", "/d/folder", "/d"});
     core.backup(BackupAction::restore);
-    EXPECT_THAT(loggedPaths(), ElementsAre("/d/folder"));
-    EXPECT_NE(items(), before);
-    core.backup(BackupAction::restore);
-    EXPECT_EQ(core.fileCount(), 1);
+    EXPECT_EQ(core.fileCount(), 6);
+    EXPECT_EQ(tree(), treeBefore);
     EXPECT_EQ(items(), before);
+    core.backup(BackupAction::restore);
+    EXPECT_EQ(core.fileCount(), 0);
+}
+
+TEST_F(Backups, WhatGivesWayTakesTheBackupsInsideOfItAlong) {
+    addFiles({"/d/folder.OzvarineBackup/x.OzvarineBackup"}, "old");
+    addFiles({"/d/folder/y.OzvarineBackup", "/d/folder/x"}, "new");
+    auto& core = engine();
+    core.backup(BackupAction::restore);
+    EXPECT_EQ(tree(), (Tree{"/d/folder/x"}));
+    EXPECT_EQ(temporary.contents("/d/folder/x"), "old");
+    core.backup(BackupAction::restore);
+    EXPECT_EQ(core.fileCount(), 0);
 }
 
 TEST_F(Backups, InterruptedRestoreEndsInTheSameTreeWhenItIsRunAgain) {

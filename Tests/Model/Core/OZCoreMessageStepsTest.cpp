@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
@@ -77,6 +78,19 @@ TEST(AttachmentsStep, SmartCleanupRemovesWhatTheDatabaseDoesNotKnow) {
         EXPECT_THAT(fixture.loggedItems(), testing::UnorderedElementsAreArray(logged));
         EXPECT_EQ(fixture.core->fileCount(), logged.size());
         EXPECT_EQ(fixture.core->cleanupStepCount(), 1);
+    }
+}
+
+TEST(AttachmentsStep, ASecondTestRunSumsTheSameFolders) {
+    EngineFixture fixture;
+    const auto folder = fixture.device.hostPath("/var/mobile/Library/SMS/Attachments/empty/er");
+    std::filesystem::create_directories(folder);
+    struct stat status{};
+    ASSERT_EQ(::stat(folder.c_str(), &status), 0);
+    addDatabase(fixture, "attachment", {});
+    for (int run = 0; run < 3; ++run) {
+        fixture.run(cleanupstep::attachments, OZCoreMode::test, smart);
+        EXPECT_EQ(fixture.core->freedSpace(), static_cast<uint64_t>(status.st_size)) << run;
     }
 }
 

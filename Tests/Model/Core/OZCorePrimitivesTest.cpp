@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -29,6 +30,20 @@ void PrintTo(const Case& row, std::ostream* out) {
 }
 
 const OZCore::Paths everything = {"/f", "/d", "/l", "/missing"};
+
+// The sizes of a folder's entries at any depth, or of the file itself.
+uint64_t sizesBelow(const std::filesystem::path& path) {
+    if (!std::filesystem::is_directory(path)) {
+        return std::filesystem::file_size(path);
+    }
+    uint64_t sum = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(path)) {
+        struct stat status{};
+        EXPECT_EQ(::lstat(entry.path().c_str(), &status), 0);
+        sum += static_cast<uint64_t>(status.st_size);
+    }
+    return sum;
+}
 
 class PrimitiveCounting : public testing::TestWithParam<Case> {};
 
@@ -104,6 +119,31 @@ TEST(OZCorePrimitives, ATestRunSumsWhatAFormerBackupHeldBeforeItGivesWay) {
         EXPECT_EQ(engine.core->freedSpace(), analyzed);
         EXPECT_GE(analyzed, 20U);
         EXPECT_EQ(engine.core->fileCount(), 7);
+    }
+}
+
+TEST(OZCorePrimitives, ATestRunSumsEachEntryThoughItGetsAnotherNameLater) {
+    const std::vector<OZCore::Paths> lists = {
+        {"/d/a.OzvarineBackup", "/d/a.OzvarineBackup/sub"},
+        {"/d/a.OzvarineBackup", "/d/b", "/d/a.OzvarineBackup/sub/er"},
+        {"/d/b", "/d/b.OzvarineBackup/sub"},
+        {"/d/b", "/d/b.OzvarineBackup", "/d/b.OzvarineBackup/sub/1"},
+    };
+    for (const auto& list : lists) {
+        EngineFixture engine;
+        engine.addFiles({"/d/a.OzvarineBackup/sub/1", "/d/a.OzvarineBackup/sub/er/2", "/d/b/sub/1"});
+        for (int number = 0; number < 200; ++number) {
+            engine.addFiles({"/d/b/sub/many" + std::to_string(number)});
+        }
+        uint64_t expected = 0;
+        for (const auto& path : list) {
+            // By the name that it has before the run.
+            const bool isNew = path.starts_with("/d/b.");
+            expected += sizesBelow(engine.device.hostPath(isNew ? "/d/b" + path.substr(19) : path));
+        }
+        engine.enter(OZCoreMode::test);
+        engine.core->delr(list);
+        EXPECT_EQ(engine.core->freedSpace(), expected) << testing::PrintToString(list);
     }
 }
 
