@@ -8,7 +8,6 @@
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZStdIO.h"
 #include "Model/Tasks/OZDeviceActions.h"
-#include "Platform/Device.h"
 
 #include <algorithm>
 #include <array>
@@ -30,10 +29,6 @@ constexpr std::string_view notInteractiveText =
 // Nobody who asks for a dry run may end up in a cleanup.
 constexpr std::string_view dryRunText =
     "ozvarine: --dry-run is for -clean alone; the menu of -cli has an analysis of its own\n";
-
-// Without them a test run would be a cleanup, and what the user has excluded would go.
-constexpr std::string_view unknownChoicesText =
-    "ozvarine: nothing was cleaned: make the settings readable, or remove them to clean with the defaults\n";
 
 constexpr std::array<std::pair<std::string_view, OZCleanAction>, 3> cleanActions{{
     {"-respring", OZCleanAction::respring},
@@ -92,26 +87,11 @@ bool OZArgvParser::showMenu() {
         OZStdIO::fprintf(stderr, dryRunText);
         return false;
     }
-    if (!areChoicesKnown()) {
-        return false;
-    }
     OZCLIController(_modelBuilder).startCLI();
     return true;
 }
 
-bool OZArgvParser::areChoicesKnown() const {
-    const auto error = _modelBuilder.device().standardUserDefaults().readError();
-    if (error && *error != std::errc::illegal_byte_sequence) {
-        OZStdIO::fprintf(stderr, unknownChoicesText);
-        return false;
-    }
-    return true;
-}
-
 bool OZArgvParser::cleanWithAction(OZCleanAction action) {
-    if (!areChoicesKnown()) {
-        return false;
-    }
     OZCore& core = _modelBuilder.core();
     core.clean(nullptr, _options.analyze);
     switch (action) {
