@@ -98,11 +98,11 @@ TEST_F(OZCoreLanguageRemoval, TakesNothingWhereNobodyCanTellTheLanguageInUse) {
     const struct {
         const char* content;
         bool isKnown;
-    } rows[] = {{"<plist version=\"1.0\"><dict><key>AppleLang", false},
-                {"<plist version=\"1.0\"><array/></plist>", false},
-                {"<plist version=\"1.0\"><dict><key>AppleLanguages</key><string>de</string></dict></plist>",
-                 false},
-                {"<plist version=\"1.0\"><dict/></plist>", true}};
+    } rows[] = {
+        {"<plist version=\"1.0\"><dict><key>AppleLang", false},
+        {"<plist version=\"1.0\"><array/></plist>", false},
+        {"<plist version=\"1.0\"><dict><key>AppleLanguages</key><string>de</string></dict></plist>", false},
+        {"<plist version=\"1.0\"><dict/></plist>", true}};
     for (const auto& [content, isKnown] : rows) {
         temporary.addFile("/Applications/A.app/de.lproj/text");
         temporary.addFile(preferences, content);
