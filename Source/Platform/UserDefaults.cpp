@@ -2,9 +2,31 @@
 
 #include "Platform/PropertyListCheck.h"
 
+#include <algorithm>
+#include <ctime>
+
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 namespace platform {
+
+namespace {
+
+constexpr int noPropertyList = EILSEQ;
+constexpr int noDictionary = EBADMSG;
+
+std::string inWords(const std::error_code& error) {
+    switch (error.value()) {
+    case noPropertyList:
+        return "they are no whole property list";
+    case noDictionary:
+        return "they are a property list, but no dictionary";
+    default:
+        return error.message();
+    }
+}
+
+} // namespace
 
 UserDefaults::UserDefaults(FileManager fileManager, NotificationCenter& notificationCenter,
                            const Warnings& warnings, std::string path)
@@ -80,11 +102,23 @@ const Dictionary& UserDefaults::stored() const {
             // Saving deals with the file. A user whose choices are out of force has to know.
             _readError = file.error();
             _warnings.tell(fmt::format("The settings in {} cannot be read ({}); the defaults serve.", _path,
-                                       file.error().message()));
+                                       inWords(file.error())));
         }
         _stored = file ? std::move(*file) : Dictionary{};
     }
     return *_stored;
+}
+
+std::expected<void, std::string> UserDefaults::load() {
+    const std::lock_guard lock(_mutex);
+    if (!_stored) {
+        auto file = readFile();
+        if (!file) {
+            return std::unexpected(inWords(file.error()));
+        }
+        _stored = std::move(*file);
+    }
+    return {};
 }
 
 std::optional<std::error_code> UserDefaults::readError() const {
@@ -99,12 +133,35 @@ Result<Dictionary> UserDefaults::readFile() const {
         return meansAbsence(bytes.error()) ? Result<Dictionary>(Dictionary{})
                                            : std::unexpected(bytes.error());
     }
-    auto list = parsePropertyList(*bytes);
+    if (bytes->empty()) {
+        return Dictionary{};
+    }
+    // Not even a format that takes nothing but space for an empty dictionary says that this was one.
+    const bool isSpace = bytes->find_first_not_of(" \t\r\n") == std::string::npos;
+    auto list = isSpace ? failure(noPropertyList) : parsePropertyList(*bytes);
     if (!list) {
-        return std::unexpected(list.error());
+        return list.error() == std::errc::illegal_byte_sequence ? failure(noPropertyList)
+                                                                : std::unexpected(list.error());
     }
     auto* values = list->as<Dictionary>();
-    return values != nullptr ? Result<Dictionary>(std::move(*values)) : failure(EILSEQ);
+    return values != nullptr ? Result<Dictionary>(std::move(*values)) : failure(noDictionary);
+}
+
+std::expected<std::string, std::string> UserDefaults::reset() {
+    const std::lock_guard lock(_mutex);
+    const auto attributes = _fileManager.attributesOfTargetAtPath(_path);
+    if (attributes && attributes->type != FileType::regular) {
+        return std::unexpected("it is no regular file");
+    }
+    const std::time_t now = std::time(nullptr);
+    auto kept = setAside(fmt::format("{}.damaged-{:%Y-%m-%dT%H-%M-%S}", _path, fmt::localtime(now)));
+    if (!kept) {
+        return std::unexpected(kept.error().message());
+    }
+    _stored = Dictionary{};
+    _readError.reset();
+    _changes.clear();
+    return *kept;
 }
 
 Result<void> UserDefaults::synchronize() {
@@ -118,17 +175,26 @@ Result<void> UserDefaults::synchronize() {
     return saved;
 }
 
+// Of choices that nobody has read none can be taken away: their owners only say that they have none.
+bool UserDefaults::isChanged() const {
+    return _readError ? std::ranges::any_of(_changes, [](auto& change) { return change.second.has_value(); })
+                      : !_changes.empty();
+}
+
 Result<void> UserDefaults::save() {
     auto file = readFile();
-    if (!file && _changes.empty()) {
+    if (!isChanged() && (!file || _readError)) {
         return {};
     }
     // Where nothing could be read, the changes are made to the defaults: they must not replace what is there.
-    if (!file || (_readError && !file->empty() && !_changes.empty())) {
-        if (auto moved = setAside(); !moved) {
-            return moved;
+    if (!file || (_readError && !file->empty())) {
+        const auto kept = setAside(_path + ".damaged");
+        if (!kept) {
+            return std::unexpected(kept.error());
         }
-        file = failure(EILSEQ);
+        _warnings.tell(
+            fmt::format("The settings in {} could not be read; they were kept as {}.", _path, *kept));
+        file = failure(noPropertyList);
     }
     // What was read before the file was damaged is better than nothing.
     Dictionary values = file ? *file : stored();
@@ -150,18 +216,16 @@ Result<void> UserDefaults::save() {
     return {};
 }
 
-Result<void> UserDefaults::setAside() {
+Result<std::string> UserDefaults::setAside(const std::string& name) {
     constexpr int mostKept = 1000;
     for (int number = 1; number <= mostKept; ++number) {
-        const std::string name =
-            number == 1 ? _path + ".damaged" : fmt::format("{}.damaged-{}", _path, number);
-        const auto moved = _fileManager.moveItemAtPath(_path, name);
+        std::string numbered = number == 1 ? name : fmt::format("{}-{}", name, number);
+        const auto moved = _fileManager.moveItemAtPath(_path, numbered);
         if (moved) {
-            _warnings.tell(
-                fmt::format("The settings in {} could not be read; they were kept as {}.", _path, name));
+            return numbered;
         }
-        if (moved || moved.error() != std::errc::file_exists) {
-            return moved;
+        if (moved.error() != std::errc::file_exists) {
+            return std::unexpected(moved.error());
         }
     }
     return failure(EEXIST);

@@ -43,9 +43,18 @@ class UserDefaults {
     /// rest.
     [[nodiscard]] bool boolForKey(std::string_view key) const;
 
+    /// Reads the choices if that has not been done. An error says in words why they cannot be read; it warns
+    /// of nothing, and the next use tries again. A file that does not exist or is empty holds none.
+    [[nodiscard]] std::expected<void, std::string> load();
     /// Why the choices could not be read at their first use, which this may be; none if they could, or if
-    /// none are stored. `std::errc::illegal_byte_sequence` tells of a file that is no list of choices.
+    /// none are stored.
     [[nodiscard]] std::optional<std::error_code> readError() const;
+    /// Gives the file a name of its own with the date and time, beside its old one, and that path to the
+    /// caller; from then on nothing is stored. An error says in words why it stays, as does whatever is no
+    /// file.
+    [[nodiscard]] std::expected<std::string, std::string> reset();
+    /// The device path of the file.
+    [[nodiscard]] const std::string& path() const { return _path; }
 
     void setObject(std::string_view key, Value value);
     void setBool(std::string_view key, bool value) { setObject(key, value); }
@@ -53,8 +62,9 @@ class UserDefaults {
 
     /// Posts the notification, then saves what has changed into the file as it is by then, so that what other
     /// processes stored under other keys stays. The file is replaced in one step, and left alone if nothing
-    /// changes. One that cannot be read, or could not be when its choices were, is kept under another name,
-    /// with a warning that tells so. A failure is a warning, too; the changes wait for the next call.
+    /// changes. One that cannot be read, or could not be when its choices were, is kept under another name
+    /// when something is stored, with a warning that tells so. A failure is a warning, too; the changes wait
+    /// for the next call.
     Result<void> synchronize();
 
     [[nodiscard]] NotificationCenter& notificationCenter() const { return _notificationCenter; }
@@ -66,7 +76,10 @@ class UserDefaults {
     void setChange(std::string_view key, std::optional<Value> value);
     /// The file's values: empty for a file that does not exist, an error for one that cannot be read.
     Result<Dictionary> readFile() const;
-    Result<void> setAside();
+    /// Moves the file to the first of "name", "name-2", "name-3" that is free, and gives that path.
+    Result<std::string> setAside(const std::string& name);
+    /// Whether a save has something to do.
+    [[nodiscard]] bool isChanged() const;
     Result<void> writeFile(const Dictionary& values);
     Result<void> save();
 

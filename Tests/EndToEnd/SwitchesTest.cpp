@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using testing::AllOf;
 using testing::HasSubstr;
 using tests::Outcome;
 using tests::runProgram;
@@ -156,24 +157,79 @@ TEST(Launcher, NamesWhatIsMissingBesideItselfBeforeAnythingIsDone) {
     EXPECT_EQ(tests::shell(clean).output, "0\n");
 }
 
-TEST(Switches, NothingIsCleanedByChoicesThatCannotBeRead) {
+const std::string settingsFolder = "tree/var/mobile/Library/Preferences";
+const std::string settings = settingsFolder + "/com.ozdev90.ozvarine.plist";
+
+TEST(Switches, NothingIsDoneBySettingsThatCannotBeRead) {
+    const std::string list = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
+    const struct {
+        const char* name;
+        std::string content;
+        const char* reason;
+    } damages[] = {
+        {"cut off", list + "<dict><key>testMode</key><true/>", "no whole property list"},
+        {"text", "no list", "cannot be read"},
+        {"space", " \n", "no whole property list"},
+        {"zeros", std::string(512, '\0'), "no whole property list"},
+        {"another list", list + "<array><true/></array></plist>", "no dictionary"},
+    };
+    for (const auto& [name, content, reason] : damages) {
+        const TemporaryFolder folder;
+        makeTree(folder, "11.1");
+        folder.make(settingsFolder + "/");
+        std::ofstream(folder.path(settings)) << content;
+        const auto before = folder.listing();
+        for (const std::vector<std::string>& words : {std::vector<std::string>{"-clean", "-printresults"},
+                                                      {"--dry-run", "-clean"},
+                                                      {"-cli"},
+                                                      {"-restore-togglable-items"}}) {
+            const Outcome outcome = onTree(folder, words);
+            EXPECT_EQ(folder.listing(), before) << name << words.front();
+            EXPECT_EQ(outcome.status, 1) << name << words.front();
+            EXPECT_EQ(outcome.output, "");
+            EXPECT_THAT(outcome.errors, AllOf(HasSubstr("com.ozdev90.ozvarine.plist"), HasSubstr(reason),
+                                              HasSubstr("--reset-settings")));
+            EXPECT_EQ(std::ranges::count(outcome.errors, '\n'), 1) << outcome.errors;
+        }
+        // As often as asked, even within one second; nothing that was kept is replaced.
+        for (size_t kept = 1; kept <= 3; ++kept) {
+            std::ofstream(folder.path(settings)) << content;
+            const Outcome reset = onTree(folder, {"--reset-settings", "-clean"});
+            EXPECT_EQ(reset.status, 0);
+            EXPECT_THAT(reset.errors, HasSubstr("com.ozdev90.ozvarine.plist.damaged-20"));
+            EXPECT_EQ(std::ranges::count_if(folder.listing(),
+                                            [](auto& line) { return line.contains("plist.damaged-"); }),
+                      kept);
+            EXPECT_FALSE(folder.exists(settings));
+        }
+        EXPECT_FALSE(folder.exists("tree/var/tmp/zz"));
+    }
+}
+
+TEST(Switches, SettingsThatAreFineAreNotReset) {
+    for (const std::string content : {"", "<plist version=\"1.0\"><dict/></plist>"}) {
+        const TemporaryFolder folder;
+        makeTree(folder, "11.1");
+        folder.make(settingsFolder + "/");
+        std::ofstream(folder.path(settings)) << content;
+        const Outcome outcome = onTree(folder, {"--reset-settings", "-clean"});
+        EXPECT_EQ(outcome.status, 0) << outcome.errors;
+        EXPECT_THAT(outcome.errors, testing::MatchesRegex("[^\n]*nothing to reset[^\n]*\n"));
+        EXPECT_EQ(folder.content(settings), content);
+        EXPECT_EQ(onTree(folder, {"-clean"}).errors, "");
+    }
+    // What is no file at all stays for its owner to look at.
     const TemporaryFolder folder;
     makeTree(folder, "11.1");
-    const std::string settings = "tree/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
-    folder.make(settings + "/");
-    const Outcome outcome = onTree(folder, {"-clean", "-printresults"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.output, "");
-    EXPECT_THAT(outcome.errors, HasSubstr("nothing was cleaned"));
-    EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
-
-    // What can be read and is no list of choices says nothing: the defaults serve.
-    std::filesystem::remove(folder.path(settings));
-    folder.make(settings + ": no list");
-    const Outcome withDefaults = onTree(folder, {"-clean"});
-    EXPECT_EQ(withDefaults.status, 0);
-    EXPECT_THAT(withDefaults.errors, HasSubstr("the defaults serve"));
-    EXPECT_FALSE(folder.exists("tree/var/tmp/zz"));
+    folder.make(settings + "/kept: x");
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"-clean"}, {"--reset-settings", "-clean"}}) {
+        const Outcome outcome = onTree(folder, words);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_THAT(outcome.errors, HasSubstr("com.ozdev90.ozvarine.plist"));
+        EXPECT_TRUE(folder.exists(settings + "/kept"));
+        EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+    }
 }
 
 TEST(Switches, UnknownOnesGetTheUsageText) {

@@ -35,10 +35,6 @@ constexpr std::string_view notInteractiveText =
 constexpr std::string_view dryRunText =
     "ozvarine: --dry-run is for -clean alone; the menu of -cli has an analysis of its own\n";
 
-// Without them a test run would be a cleanup, and what the user has excluded would go.
-constexpr std::string_view unknownChoicesText =
-    "ozvarine: nothing was cleaned: make the settings readable, or remove them to clean with the defaults\n";
-
 // Older platforms read a line into a buffer of 256 bytes, the last of which ends the text.
 constexpr double unlimitedLinesSince = 881.0;
 constexpr size_t oldestLineCapacity = 255;
@@ -101,9 +97,6 @@ bool OZArgvParser::showMenu() {
         OZStdIO::fprintf(stderr, dryRunText);
         return false;
     }
-    if (!areChoicesKnown()) {
-        return false;
-    }
     if (_modelBuilder.device().facts().foundationVersion < unlimitedLinesSince) {
         OZStdIO::setLineCapacity(oldestLineCapacity);
     }
@@ -111,19 +104,7 @@ bool OZArgvParser::showMenu() {
     return true;
 }
 
-bool OZArgvParser::areChoicesKnown() const {
-    const auto error = _modelBuilder.device().standardUserDefaults().readError();
-    if (error && *error != std::errc::illegal_byte_sequence) {
-        OZStdIO::fprintf(stderr, unknownChoicesText);
-        return false;
-    }
-    return true;
-}
-
 bool OZArgvParser::cleanWithAction(OZCleanAction action) {
-    if (!areChoicesKnown()) {
-        return false;
-    }
     OZCore& core = _modelBuilder.core();
     core.clean(nullptr, _options.analyze);
     switch (action) {

@@ -48,8 +48,6 @@ class OZArgvParser {
     /// Runs the menu; false, with a line on standard error, where it cannot be used.
     bool showMenu();
     [[nodiscard]] bool shouldRespring() const;
-    /// Whether a cleanup would do what the user has chosen; tells on standard error if not.
-    [[nodiscard]] bool areChoicesKnown() const;
     void respring();
     void restoreTogglableItems();
 

@@ -271,6 +271,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     void removeOwnLanguages();
     void removeKeyboards();
     void removeVoiceControlLanguages();
+    /// Whether the language that the device speaks can be spared; tells a person if not.
+    [[nodiscard]] bool knowsLanguageInUse() const;
     void quickDelLangAll(const std::vector<platform::FoundPaths>& found);
     void restore(const platform::FoundPaths& backups);
     void restoreItem(const platform::Item& backup, std::string_view path);

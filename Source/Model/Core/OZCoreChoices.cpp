@@ -158,6 +158,8 @@ void OZCore::loadDefaults() {
     if (const auto languages = defaults.arrayForKey(key::languagesToRemove)) {
         const auto names = textsOfArray(languages);
         setLanguagesToRemove({names.begin(), names.end()});
+        // The device may have got another language since they were marked.
+        localize();
     }
     setTestMode(defaults.boolForKey(key::testMode));
 }

@@ -82,6 +82,17 @@ std::vector<std::string> OZCore::removableLanguages() {
     return names;
 }
 
+// What the device speaks is spared only by those who know it.
+bool OZCore::knowsLanguageInUse() const {
+    if (_localizationManager == nullptr || _localizationManager->isSystemLanguageKnown()) {
+        return true;
+    }
+    _device.warnings().tell(fmt::format("Nobody can tell the language in use, since {} cannot be read; no "
+                                        "language was removed.",
+                                        OZLocalizationManager::globalPreferencesPath));
+    return false;
+}
+
 void OZCore::removeLanguages() {
     auto components = languageRegexComponentsShort(false);
     // Without an inventory nobody knows which applications are to be spared.

@@ -3,6 +3,15 @@
 
 // Actions that remove optional payload, each of them one run.
 
+namespace {
+
+bool removesLanguages(OZAction action) {
+    return action == OZAction::removeLanguages || action == OZAction::removeKeyboards ||
+           action == OZAction::removeVoiceControlLanguages;
+}
+
+} // namespace
+
 void OZCore::remove(OZAction action, Analyze analyze) {
     const OZCoreMode mode = modeFor(analyze);
     const uint64_t freeAtStart = beginRun(mode);
@@ -13,6 +22,9 @@ void OZCore::remove(OZAction action, Analyze analyze) {
 }
 
 bool OZCore::performRemoval(OZAction action) {
+    if (removesLanguages(action) && !knowsLanguageInUse()) {
+        return true;
+    }
     switch (action) {
     case OZAction::remove3xImages:
         removeImagesOfScale(3);

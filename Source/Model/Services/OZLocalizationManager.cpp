@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr std::string_view globalPreferencesPath = "/var/mobile/Library/Preferences/.GlobalPreferences.plist";
 constexpr std::string_view languageFileExtension = ".strings";
 constexpr std::string_view languageNameKey = "LANGNAME";
 constexpr std::string_view fallbackLanguage = "English";
@@ -25,11 +24,15 @@ std::string displayName(std::string_view localeIdentifier) {
     return name.toUTF8String(bytes);
 }
 
-platform::Dictionary globalPreferences(platform::FileManager fileManager) {
-    const auto bytes = fileManager.contentsAtPath(globalPreferencesPath);
-    auto list = bytes ? platform::parsePropertyList(*bytes) : platform::Value();
+/// None where they are there and cannot be read; empty where they are not there.
+std::optional<platform::Dictionary> readPreferences(platform::FileManager fileManager) {
+    const auto bytes = fileManager.contentsAtPath(OZLocalizationManager::globalPreferencesPath);
+    if (!bytes) {
+        return platform::meansAbsence(bytes.error()) ? std::optional(platform::Dictionary()) : std::nullopt;
+    }
+    auto list = platform::parsePropertyList(*bytes);
     auto* preferences = list ? list->as<platform::Dictionary>() : nullptr;
-    return preferences == nullptr ? platform::Dictionary() : std::move(*preferences);
+    return preferences == nullptr ? std::nullopt : std::optional(std::move(*preferences));
 }
 
 } // namespace
@@ -44,13 +47,16 @@ OZLocalizationManager::OZLocalizationManager(platform::Device& device, platform:
 }
 
 void OZLocalizationManager::readSystemPreferences() {
-    const auto preferences = globalPreferences(_device.fileManager());
+    const auto read = readPreferences(_device.fileManager());
+    const auto preferences = read.value_or(platform::Dictionary());
     const auto* languages = platform::valueAt<platform::Array>(preferences, "AppleLanguages");
     const auto first =
         languages == nullptr || languages->empty() ? platform::Value("en") : languages->front();
     const auto* identifier = first.as<std::string>();
-    _systemLanguage =
-        identifier == nullptr || identifier->empty() ? fallbackLanguage : displayName(*identifier);
+    const bool isNamed = identifier != nullptr && !identifier->empty();
+    _systemLanguage = isNamed ? displayName(*identifier) : fallbackLanguage;
+    _isSystemLanguageKnown =
+        read && isNamed && (languages != nullptr || !preferences.contains("AppleLanguages"));
     const auto* locale = platform::valueAt<std::string>(preferences, "AppleLocale");
     _systemLocale = locale == nullptr ? "en_GB" : *locale;
 }

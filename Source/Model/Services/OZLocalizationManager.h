@@ -23,6 +23,10 @@ inline constexpr std::string_view OZLocalizationNotification = "OZLocalizationNo
 /// thread.
 class OZLocalizationManager : public OZUserDefaultsSync {
   public:
+    /// The device's preferences, by their device path.
+    static constexpr std::string_view globalPreferencesPath =
+        "/var/mobile/Library/Preferences/.GlobalPreferences.plist";
+
     /// Reads the device's preferences and finds the languages; there is no `userLanguage` before the first
     /// `loadDefaults`. What is given outlives the manager.
     OZLocalizationManager(platform::Device& device, platform::UserDefaults& defaults,
@@ -38,6 +42,8 @@ class OZLocalizationManager : public OZUserDefaultsSync {
 
     /// The English name of the device's first language.
     [[nodiscard]] const std::string& systemLanguage() const { return _systemLanguage; }
+    /// False where the device's preferences are there and do not tell: the language may be any then.
+    [[nodiscard]] bool isSystemLanguageKnown() const { return _isSystemLanguageKnown; }
     /// The device's locale identifier.
     [[nodiscard]] const std::string& systemLocale() const { return _systemLocale; }
     /// One of the `languageNames`.
@@ -67,6 +73,7 @@ class OZLocalizationManager : public OZUserDefaultsSync {
     std::map<std::string, std::string, std::less<>> _languages;
     std::vector<std::string> _languageNames;
     std::string _systemLanguage;
+    bool _isSystemLanguageKnown = true;
     std::string _systemLocale;
     std::optional<std::string> _userLanguage;
 };

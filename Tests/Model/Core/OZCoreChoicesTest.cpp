@@ -213,6 +213,19 @@ TEST_F(StoredChoicesTest, aLanguageThatTheUserChoosesIsUnmarked) {
     EXPECT_THAT(core.languagesToRemove(), ElementsAre("French"));
 }
 
+TEST_F(StoredChoicesTest, aLanguageThatTheDeviceSpeaksByNowIsUnmarked) {
+    {
+        Process process(files);
+        process.builder.core().setLanguagesToRemove({"French", "German"});
+        ASSERT_TRUE(process.device->standardUserDefaults().synchronize());
+    }
+    tests::AppTree(files).addPlist("/var/mobile/Library/Preferences/.GlobalPreferences.plist",
+                                   {{"AppleLanguages", platform::Array{"de-AT"}}});
+    Process next(files);
+    EXPECT_EQ(next.builder.localizationManager().userLanguage(), "English");
+    EXPECT_THAT(next.builder.core().languagesToRemove(), ElementsAre("French"));
+}
+
 TEST_F(StoredChoicesTest, defaultsServeUntilSomethingIsSaved) {
     Process process(files);
     EXPECT_EQ(process.builder.core().cleanupSettings(), OZCore::defaultCleanupSettings(*process.device));

@@ -93,6 +93,25 @@ TEST_F(OZCoreLanguages, TurnNamesIntoExpressions) {
     EXPECT_THAT(core.languageRegexComponentsShort(false), IsEmpty());
 }
 
+TEST_F(OZCoreLanguageRemoval, TakesNothingWhereNobodyCanTellTheLanguageInUse) {
+    const std::string preferences = "/var/mobile/Library/Preferences/.GlobalPreferences.plist";
+    const struct {
+        const char* content;
+        bool isKnown;
+    } rows[] = {
+        {"<plist version=\"1.0\"><dict><key>AppleLang", false},
+        {"<plist version=\"1.0\"><array/></plist>", false},
+        {"<plist version=\"1.0\"><dict><key>AppleLanguages</key><string>de</string></dict></plist>", false},
+        {"<plist version=\"1.0\"><dict/></plist>", true}};
+    for (const auto& [content, isKnown] : rows) {
+        temporary.addFile("/Applications/A.app/de.lproj/text");
+        temporary.addFile(preferences, content);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(goneAfter(engineFor({"German"}), OZAction::removeLanguages).empty(), !isKnown) << content;
+        EXPECT_EQ(testing::internal::GetCapturedStderr().contains("language in use"), !isKnown) << content;
+    }
+}
+
 TEST_F(OZCoreLanguages, AreReadAgainUntilTheTableIsThere) {
     setTable("Fran\xC3\xA7"
              "ais fr\n");

@@ -6,6 +6,7 @@
 #include "Model/Items/Togglable/Daemons/OZDaemon.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonGroup.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonTable.h"
+#include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Tests/Support/TemporaryDevice.h"
 
@@ -157,6 +158,31 @@ TEST(FileDaemon, MovesBothOfItsPropertyLists) {
     EXPECT_TRUE(daemons.has(reportCrash, "/System/Library/LaunchDaemons"));
     EXPECT_TRUE(daemons.has(reportCrash, "/Library/LaunchDaemons"));
     EXPECT_TRUE(daemons.device.journal().empty());
+}
+
+TEST(FileDaemon, MovesBetweenLinkedFolders) {
+    const std::string others[] = {"com.example.one", "com.example.two"};
+    for (const double version : {moved, overridden}) {
+        Daemons daemons(version);
+        daemons.add("com.apple.awdd", "/usr/off");
+        for (const auto& other : others) {
+            daemons.add(other, "/usr/on");
+        }
+        daemons.device.addLink("/Library/LaunchDaemons", "/usr/on");
+        daemons.device.addLink("/Library/LaunchDaemonsBAK", "../usr/off");
+        auto& device = daemons.device.device();
+        OZModelBuilder(device).systemRestore()->restore();
+        EXPECT_TRUE(daemons.has("com.apple.awdd", "/usr/on"));
+        EXPECT_TRUE(fs::is_symlink(daemons.device.hostPath("/Library/LaunchDaemons")));
+        for (const auto& other : others) {
+            EXPECT_TRUE(daemons.has(other, "/usr/on"));
+        }
+        const auto daemon = daemons.make("com.apple.awdd");
+        daemon->setEnabledState(false);
+        EXPECT_EQ(daemon->applyChanges(), version == moved);
+        EXPECT_EQ(daemons.has("com.apple.awdd", "/usr/off"), version == moved);
+        EXPECT_TRUE(fs::is_symlink(daemons.device.hostPath("/Library/LaunchDaemonsBAK")));
+    }
 }
 
 TEST(FileDaemon, GivesPropertyListsBackToRootEvenWithoutAChange) {

@@ -85,16 +85,31 @@ TEST_F(TogglableFile, ReplacesWhatStandsInItsWay) {
     file->setEnabledState(true);
     EXPECT_TRUE(file->applyChanges());
     EXPECT_EQ(device.contents(enabledPath), "new");
+}
 
-    // A link in the folder's place goes, what it leads to stays.
-    fs::remove_all(device.hostPath("/off"));
-    device.addFile("/elsewhere/file.plist", "other");
-    fs::create_directories(device.hostPath("/off"));
-    device.addLink("/off/below", "/elsewhere");
-    file->setEnabledState(false);
-    EXPECT_TRUE(file->applyChanges());
-    EXPECT_EQ(device.contents("/elsewhere/file.plist"), "other");
-    EXPECT_TRUE(fs::is_directory(status("/off/below")));
+TEST_F(TogglableFile, MovesThroughALinkToAFolderAndReplacesOneThatLeadsToNone) {
+    struct {
+        const char* destination;
+        bool stays;
+    } const rows[] = {{"/elsewhere", true},       {"../elsewhere", true}, {"/twice", true},
+                      {"/elsewhere/file", false}, {"/nowhere", false},    {"../no/where", false}};
+    for (const auto& [destination, stays] : rows) {
+        TemporaryDevice tree;
+        tree.addFile(enabledPath, "new");
+        tree.addFile("/elsewhere/neighbour", "kept");
+        tree.addFile("/elsewhere/file", "kept");
+        tree.addLink("/twice", "/elsewhere/../elsewhere");
+        tree.addLink("/off/below", destination);
+        const auto file = OZTogglableFile::make(tree.device(), "id", enabledPath, disabledPath);
+        file->setEnabledState(false);
+        EXPECT_TRUE(file->applyChanges()) << destination;
+        EXPECT_EQ(fs::is_symlink(tree.hostPath("/off/below")), stays) << destination;
+        EXPECT_EQ(tree.contents(stays ? "/elsewhere/file.plist" : disabledPath), "new") << destination;
+        EXPECT_EQ(tree.contents("/elsewhere/neighbour") + tree.contents("/elsewhere/file"), "keptkept");
+        file->setEnabledState(true);
+        EXPECT_TRUE(file->applyChanges());
+        EXPECT_EQ(tree.contents(enabledPath), "new");
+    }
 }
 
 class InOneFolder : public OZTogglablePkgFile {

@@ -15,13 +15,14 @@ std::string_view folderOf(std::string_view path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-/// Makes sure that a folder is there, in place of whatever else stands there.
+/// Makes sure that a folder is there, in place of whatever else stands there. A link to a folder is that
+/// folder, with all that others have in it.
 bool ensureFolder(platform::FileManager& fileManager, std::string_view path) {
-    const auto attributes = fileManager.attributesOfItemAtPath(path);
+    const auto attributes = fileManager.attributesOfTargetAtPath(path);
     if (attributes && attributes->type == platform::FileType::directory) {
         return true;
     }
-    // That nobody can tell what stands there is no reason to remove it.
+    // That nobody can tell what stands there, or where it leads, is no reason to remove it.
     if (!attributes && !platform::meansAbsence(attributes.error())) {
         return false;
     }
@@ -91,8 +92,7 @@ bool OZTogglableFile::applyChanges() {
         return false;
     }
     auto fileManager = _device.fileManager();
-    // A folder that both paths share is there. It may be reached by a link, which has to stay.
-    if (folderOf(*current) != folderOf(target) && !ensureFolder(fileManager, folderOf(target))) {
+    if (!ensureFolder(fileManager, folderOf(target))) {
         return false;
     }
     std::ignore = fileManager.removeItemAtPath(target);

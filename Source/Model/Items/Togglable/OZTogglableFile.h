@@ -90,7 +90,7 @@ class OZTogglableFile : public OZTogglableItem {
     [[nodiscard]] std::optional<std::string> currentPath() const;
 
     /// Moves the file. Whatever stands at its new path is removed before; the folder there is made if it is
-    /// missing or no folder.
+    /// missing or neither a folder nor a link to one.
     bool applyChanges() override;
     bool discardChanges() override;
     [[nodiscard]] bool currentEnabledState() override;
