@@ -15,12 +15,11 @@ std::optional<std::string> textAt(const Dictionary& dictionary, std::string_view
 
 double numberAt(const Dictionary& dictionary, std::string_view key) {
     const auto found = dictionary.find(key);
-    return found == dictionary.end() ? 0 : found->second.doubleValue().value_or(0);
+    return found == dictionary.end() ? 0 : found->second.numberValue().value_or(0);
 }
 
 uint64_t bytesAt(const Dictionary& dictionary, std::string_view key) {
-    const auto found = dictionary.find(key);
-    return found == dictionary.end() ? 0 : found->second.unsignedValue().value_or(0);
+    return Value(numberAt(dictionary, key)).unsignedValue().value_or(0);
 }
 
 std::string productVersionOfTree(FileManager& fileManager) {

@@ -1,9 +1,12 @@
 #include "Platform/PropertyList.h"
 
 #include "Platform/PropertyListCheck.h"
+#include "Platform/PropertyListTextFormat.h"
+#include "Platform/TextScanner.h"
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -13,6 +16,7 @@
 
 #include <locale.h>
 #include <plist/plist.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
 namespace platform {
@@ -192,13 +196,54 @@ Node nodeOfBinary(std::string_view bytes) {
     return {node, plist_free};
 }
 
-Node nodeOfXml(std::string_view bytes) {
-    const auto checked = checkXmlPropertyList(bytes);
+std::optional<Value> valueOfBinary(std::string_view bytes) {
+    const Node node = nodeOfBinary(bytes);
+    return node ? std::optional(valueOfNode(node.get(), PropertyListFormat::binary)) : std::nullopt;
+}
+
+std::optional<Value> valueOfXml(std::string_view bytes, size_t heldMemory = 0) {
+    const auto checked = checkXmlPropertyList(bytes, heldMemory);
     plist_t node = nullptr;
     if (checked) {
         plist_from_xml(checked->data(), static_cast<uint32_t>(checked->size()), &node);
     }
-    return {node, plist_free};
+    const Node owner(node, plist_free);
+    return node != nullptr ? std::optional(valueOfNode(node, PropertyListFormat::xml)) : std::nullopt;
+}
+
+bool isMarkup(const icu::UnicodeString& text) {
+    int32_t first = 0;
+    while (first < text.length() && u_isUWhiteSpace(text.charAt(first))) {
+        ++first;
+    }
+    return text.charAt(first) == '<';
+}
+
+// XML in UTF-16 or UTF-32, or the text format. Damaged markup never becomes a list of the text format.
+std::optional<Value> valueOfText(std::string_view bytes) {
+    auto text = bytes.size() <= maximumTextListSize
+                    ? decodeText(bytes)
+                    : std::unexpected(TextError{.line = 0, .reason = "the file is too large"});
+    if (!text) {
+        return std::nullopt;
+    }
+    if (!isMarkup(*text)) {
+        return parseTextPropertyList(*std::move(text));
+    }
+    // The encoding that the markup itself names is that of the file; the library looks at the bytes alone.
+    const std::string markup = toUTF8(*text);
+    text->remove();
+    return valueOfXml(markup, bytes.size());
+}
+
+std::optional<Value> valueOfList(std::string_view bytes) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (bytes.starts_with("bplist0")) {
+        return valueOfBinary(bytes);
+    }
+    const bool isMarked = bytes.starts_with(byteOrderMark);
+    auto value = valueOfXml(isMarked ? bytes.substr(byteOrderMark.size()) : bytes);
+    return value ? std::move(value) : valueOfText(bytes);
 }
 
 // Writing
@@ -326,18 +371,28 @@ bool Value::operator==(const Value& other) const {
     return _storage == other._storage;
 }
 
+std::optional<double> Value::numberValue() const {
+    const auto* text = as<std::string>();
+    if (text == nullptr) {
+        return doubleValue();
+    }
+    constexpr std::string_view blanks = " \t\n\r";
+    const size_t first = text->find_first_not_of(blanks);
+    if (first == std::string::npos) {
+        return std::nullopt;
+    }
+    const char* begin = text->data() + first + ((*text)[first] == '+' ? 1 : 0);
+    const char* const end = text->data() + text->find_last_not_of(blanks) + 1;
+    double number = 0;
+    const auto [rest, error] = std::from_chars(begin, end, number);
+    return error == std::errc() && rest == end && std::isfinite(number) ? std::optional(number)
+                                                                        : std::nullopt;
+}
+
 Result<Value> parsePropertyList(std::string_view bytes) {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     const PlainNumbers plain;
-    const bool binary = bytes.starts_with("bplist0");
-    if (bytes.starts_with(byteOrderMark)) {
-        bytes.remove_prefix(byteOrderMark.size());
-    }
-    const Node node = binary ? nodeOfBinary(bytes) : nodeOfXml(bytes);
-    if (!node) {
-        return std::unexpected(std::make_error_code(std::errc::illegal_byte_sequence));
-    }
-    return valueOfNode(node.get(), binary ? PropertyListFormat::binary : PropertyListFormat::xml);
+    auto value = valueOfList(bytes);
+    return value ? Result<Value>(*std::move(value)) : failure(EILSEQ);
 }
 
 std::string serializePropertyList(const Value& value, PropertyListFormat format) {

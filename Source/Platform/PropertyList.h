@@ -91,6 +91,9 @@ class Value {
     /// with "Y", "T" or a digit but 0, in either case and behind space, signs and zeros. None for what is
     /// neither number nor text.
     [[nodiscard]] std::optional<bool> truthValue() const;
+    /// What a value says as a number: text is one if nothing but a finite number stands in it, as in a list
+    /// of the text format, which has no numbers. None for the rest.
+    [[nodiscard]] std::optional<double> numberValue() const;
 
     [[nodiscard]] const Storage& storage() const { return _storage; }
     bool operator==(const Value&) const;
@@ -108,9 +111,11 @@ const T* valueAt(const Dictionary& dictionary, std::string_view key) {
 
 enum class PropertyListFormat { xml, binary };
 
-/// Reads a property list, XML or binary, from untrusted bytes. Malformed, truncated, too deeply nested or
-/// oversized input (PropertyListCheck.h has the limits) is an error (`std::errc::illegal_byte_sequence`),
-/// never a crash. Half a surrogate pair is read as the replacement character.
+/// Reads a property list from untrusted bytes: binary, XML (UTF-8, UTF-16, UTF-32), or the old text format
+/// (likewise), which gives texts, data, arrays and dictionaries alone, with an array or a dictionary around
+/// them. Malformed, truncated, too deeply nested or oversized input (PropertyListCheck.h has the limits) is
+/// an error (`std::errc::illegal_byte_sequence`), never a crash. Half a surrogate pair is read as the
+/// replacement character.
 [[nodiscard]] Result<Value> parsePropertyList(std::string_view bytes);
 
 /// The bytes of a property list that `parsePropertyList` and the usual property-list tools read back. XML

@@ -13,6 +13,9 @@ namespace platform {
 inline constexpr size_t maximumPropertyListSize = size_t{16} << 20;
 // The estimate of all memory that a list takes while it is read, input included. Lists above it are refused.
 inline constexpr size_t maximumPropertyListMemory = size_t{60} << 20;
+// The largest file that is text of another encoding than UTF-8, or of the text format: a character is held in
+// as many as eight bytes while it is read.
+inline constexpr size_t maximumTextListSize = maximumPropertyListMemory / 8;
 // What one value or key costs as the library's node and as our own value together, without its text, in
 // bytes.
 inline constexpr size_t propertyListNodeMemory = 240;
@@ -33,8 +36,10 @@ struct CheckedBinaryPropertyList {
 
 /// Checks the bytes of an XML property list: complete, well-formed text, no entities of its own, depth,
 /// memory, and scalars that the library would silently take for 0. The result is the part up to the end of
-/// the root element; none if the library must not see it.
-[[nodiscard]] std::optional<std::string_view> checkXmlPropertyList(std::string_view bytes);
+/// the root element; none if the library must not see it. `heldMemory` is what the caller holds beside the
+/// bytes.
+[[nodiscard]] std::optional<std::string_view> checkXmlPropertyList(std::string_view bytes,
+                                                                   size_t heldMemory = 0);
 
 /// True if the bytes are well-formed UTF-8.
 [[nodiscard]] bool isUtf8(std::string_view bytes);

@@ -111,11 +111,12 @@ bool isText(std::string_view text) {
 /// Reads the markup of one list from tag to tag.
 class XmlCheck {
   public:
-    explicit XmlCheck(std::string_view bytes)
-        : _bytes(bytes) {}
+    XmlCheck(std::string_view bytes, size_t heldMemory)
+        : _bytes(bytes)
+        // The input, its text in the library's nodes, and in our values.
+        , _memory(heldMemory + 3 * bytes.size()) {}
 
     std::optional<std::string_view> run() {
-        _memory = 3 * _bytes.size(); // the input, its text in the library's nodes, and in our values
         do {
             const size_t next = _bytes.find('<', _position);
             if (next == _bytes.npos || !isText(_bytes.substr(_position, next - _position))) {
@@ -237,8 +238,8 @@ class XmlCheck {
     }
 
     std::string_view _bytes;
+    size_t _memory;
     size_t _position = 0;
-    size_t _memory = 0;
     bool _ended = false;
     std::vector<Element> _open;
 };
@@ -258,11 +259,11 @@ bool isUtf8(std::string_view bytes) {
     return true;
 }
 
-std::optional<std::string_view> checkXmlPropertyList(std::string_view bytes) {
+std::optional<std::string_view> checkXmlPropertyList(std::string_view bytes, size_t heldMemory) {
     if (bytes.size() > maximumPropertyListSize) {
         return std::nullopt;
     }
-    const auto checked = XmlCheck(bytes).run();
+    const auto checked = XmlCheck(bytes, heldMemory).run();
     // A zero byte would end the input for the library.
     return checked && !checked->contains('\0') && isUtf8(*checked) ? checked : std::nullopt;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstddef>
+#include "Platform/TextError.h"
+
 #include <expected>
 #include <map>
 #include <string>
@@ -11,16 +12,9 @@ namespace platform {
 /// Texts by key; both are UTF-8.
 using StringTable = std::map<std::string, std::string, std::less<>>;
 
-/// Why a table cannot be read.
-struct StringsFileError {
-    /// The first line is 1; 0 where the fault belongs to no line.
-    size_t line = 0;
-    std::string reason;
-};
-
 /// Reads the content of a ".strings" file: pairs as `"key" = "text";` with comments between them, in UTF-8 or
 /// UTF-16, or a property list whose texts make the table. Of several texts for one key the last counts. A
 /// malformed file gives no table at all.
-[[nodiscard]] std::expected<StringTable, StringsFileError> parseStringsFile(std::string_view bytes);
+[[nodiscard]] std::expected<StringTable, TextError> parseStringsFile(std::string_view bytes);
 
 } // namespace platform

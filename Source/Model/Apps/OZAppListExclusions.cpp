@@ -66,8 +66,10 @@ void OZAppList::toggleExclusionMask(OZExclusionMask mask, std::string_view ident
 void OZAppList::loadDefaults() {
     const auto stored = _device.standardUserDefaults().dictionaryForKey(excludedAppsKey);
     for (const auto& [identifier, mask] : stored.value_or(platform::Dictionary{})) {
-        if (const auto number = mask.unsignedValue()) {
-            setExclusionMask(static_cast<OZExclusionMask>(*number), identifier);
+        // Settings that somebody wrote by hand may hold it as a text.
+        if (const auto number = mask.numberValue()) {
+            const auto bits = platform::Value(*number).unsignedValue().value_or(0);
+            setExclusionMask(static_cast<OZExclusionMask>(bits), identifier);
         }
     }
 }

@@ -1,7 +1,9 @@
 #include "Model/Packages/FileOwners.h"
 
 #include "Categories/NSStringAdditions.h"
+#include "Model/Packages/PackageName.h"
 #include "Model/Packages/TextLines.h"
+#include "Platform/UTF8.h"
 
 #include <optional>
 
@@ -12,7 +14,7 @@ std::vector<std::string_view> splitIdentifiers(std::string_view text) {
     std::vector<std::string_view> identifiers;
     for (size_t end = 0; end != std::string_view::npos;) {
         end = text.find(separator);
-        identifiers.push_back(text.substr(0, end));
+        identifiers.push_back(withoutArchitecture(text.substr(0, end)));
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + separator.size());
     }
     return identifiers;
@@ -21,7 +23,8 @@ std::vector<std::string_view> splitIdentifiers(std::string_view text) {
 std::optional<FileOwners> parseLine(std::string_view line) {
     constexpr std::string_view separator = ": ";
     const size_t split = line.find(separator);
-    if (split == std::string_view::npos || split + separator.size() == line.size()) {
+    if (!platform::isUTF8(line) || split == std::string_view::npos ||
+        split + separator.size() == line.size()) {
         return std::nullopt;
     }
     return FileOwners{.path = line.substr(split + separator.size()),

@@ -1,6 +1,7 @@
 #include "Model/Packages/OZPackageGraph.h"
 
 #include "Categories/NSStringAdditions.h"
+#include "Model/Packages/PackageName.h"
 #include "Model/Packages/TextLines.h"
 #include "Platform/UTF8.h"
 
@@ -159,7 +160,7 @@ bool OZPackageGraph::link() {
             }
         }
     }
-    return !_isEmpty && _isText;
+    return !_isEmpty;
 }
 
 OZPackage* OZPackageGraph::packageWithIdentifier(std::string_view identifier) {
@@ -169,7 +170,9 @@ OZPackage* OZPackageGraph::packageWithIdentifier(std::string_view identifier) {
 
 void OZPackageGraph::readRecord(std::string_view text) {
     const bool plain = isPlain(text);
-    _isText = _isText && (plain || platform::isUTF8(text));
+    if (!plain && !platform::isUTF8(text)) {
+        return;
+    }
     const Fields fields = readFields(text, plain);
     if (fields[package].empty() || !fields[status].ends_with(installed)) {
         return;
@@ -201,5 +204,9 @@ uint32_t OZPackageGraph::indexOfName(std::string_view name) {
 }
 
 void OZPackageGraph::addNames(std::string_view list, std::vector<uint32_t>& names) {
-    visitNames(list, [&](std::string_view name) { names.push_back(indexOfName(name)); });
+    visitNames(list, [&](std::string_view dependency) {
+        if (const auto name = withoutArchitecture(dependency); !name.empty()) {
+            names.push_back(indexOfName(name));
+        }
+    });
 }

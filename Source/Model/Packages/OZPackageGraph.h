@@ -22,10 +22,10 @@ class OZPackageGraph {
     OZPackageGraph(const OZPackageGraph&) = delete;
     OZPackageGraph& operator=(const OZPackageGraph&) = delete;
 
-    /// Takes the next bytes of the tool's answer, record by record; what is no record of an installed package
-    /// is passed over. The bytes need not outlive the call.
+    /// Takes the next bytes of the tool's answer, record by record; what is no record of an installed
+    /// package, or not UTF-8, is passed over. The bytes need not outlive the call.
     void read(std::string_view bytes);
-    /// Links the packages, once the whole answer has been read. False if it is none: empty, or not UTF-8.
+    /// Links the packages, once the whole answer has been read. False if it was empty.
     [[nodiscard]] bool link();
 
     /// Null for an unknown package.
@@ -52,7 +52,6 @@ class OZPackageGraph {
     platform::Device& _device;
     SeparatedPieces _records;
     bool _isEmpty = true;
-    bool _isText = true;
     std::deque<OZPackage> _packages;
     std::deque<Named> _named;
     /// Indexes of what is named.

@@ -38,16 +38,32 @@ void OZPackageList::refreshPackages() {
     _graph = graph->link() ? graph : nullptr;
 }
 
-OZPackageGraph* OZPackageList::graph() {
+void OZPackageList::ensureGraph() {
     if (!_graph) {
         refreshPackages();
     }
-    return _graph.get();
+}
+
+std::shared_ptr<OZPackage> OZPackageList::knownPackage(std::string_view identifier) const {
+    OZPackage* const package = _graph ? _graph->packageWithIdentifier(identifier) : nullptr;
+    return package == nullptr ? nullptr : std::shared_ptr<OZPackage>(_graph, package);
+}
+
+template <class Identifiers>
+OZPackageList::Packages OZPackageList::knownPackages(const Identifiers& identifiers) const {
+    Packages packages;
+    for (const auto& identifier : identifiers) {
+        if (auto package = knownPackage(identifier)) {
+            packages.push_back(std::move(package));
+        }
+    }
+    return packages;
 }
 
 OZPackageList::PackagesByIdentifier OZPackageList::allPackages() {
+    ensureGraph();
     PackagesByIdentifier all;
-    if (graph() != nullptr) {
+    if (_graph) {
         for (OZPackage& package : _graph->packages()) {
             all.emplace(package.identifier(), std::shared_ptr<OZPackage>(_graph, &package));
         }
@@ -56,18 +72,13 @@ OZPackageList::PackagesByIdentifier OZPackageList::allPackages() {
 }
 
 std::shared_ptr<OZPackage> OZPackageList::packageWithIdentifier(std::string_view identifier) {
-    OZPackage* const package = graph() == nullptr ? nullptr : _graph->packageWithIdentifier(identifier);
-    return package == nullptr ? nullptr : std::shared_ptr<OZPackage>(_graph, package);
+    ensureGraph();
+    return knownPackage(identifier);
 }
 
 OZPackageList::Packages OZPackageList::packagesWithIdentifiers(const std::vector<std::string>& identifiers) {
-    Packages packages;
-    for (const std::string& identifier : identifiers) {
-        if (auto package = packageWithIdentifier(identifier)) {
-            packages.push_back(std::move(package));
-        }
-    }
-    return packages;
+    ensureGraph();
+    return knownPackages(identifiers);
 }
 
 std::optional<OZPackageList::Packages> OZPackageList::packagesForFileAtPath(std::string_view path) {
@@ -88,11 +99,13 @@ OZPackageList::packagesForFilesAtPaths(const std::vector<std::string>& paths) {
     std::vector<std::string> arguments = paths;
     arguments.insert(arguments.begin(), "-S");
     const auto task = taskReadingOutput(_device, *tool, std::move(arguments));
-    const std::string_view answer = task->output() ? *task->output() : std::string_view();
+    const auto files = parseFileOwners(task->outputBytes());
+    if (!files.empty()) {
+        ensureGraph();
+    }
     PackagesByPath packages;
-    for (const auto& [path, identifiers] : parseFileOwners(answer)) {
-        packages.insert_or_assign(std::string(path),
-                                  packagesWithIdentifiers({identifiers.begin(), identifiers.end()}));
+    for (const auto& [path, identifiers] : files) {
+        packages.insert_or_assign(std::string(path), knownPackages(identifiers));
     }
     return packages;
 }

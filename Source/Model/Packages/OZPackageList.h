@@ -12,7 +12,7 @@
 class OZPackageGraph;
 
 /// The device's installed packages, as its own package tools tell them. They are asked once, when the first
-/// package is wanted; a question that failed is asked again with the next one.
+/// package is wanted; a question that failed is asked again with the next operation.
 ///
 /// A pointer to a package keeps all packages of its graph: those of before a refresh stay valid and are not
 /// brought up to date any more.
@@ -46,7 +46,13 @@ class OZPackageList {
     void refreshPackages();
 
   private:
-    [[nodiscard]] OZPackageGraph* graph();
+    /// Asks for the graph where there is none. Once an operation: where no answer can be had, none will be
+    /// had.
+    void ensureGraph();
+    /// A package of the graph; null for an unknown one, and without a graph.
+    [[nodiscard]] std::shared_ptr<OZPackage> knownPackage(std::string_view identifier) const;
+    template <class Identifiers>
+    [[nodiscard]] Packages knownPackages(const Identifiers& identifiers) const;
 
     platform::Device& _device;
     std::shared_ptr<OZPackageGraph> _graph;

@@ -174,15 +174,18 @@ TEST_F(OZAppListTest, pathsOfExcludedAppsFollowTheTypeMask) {
 TEST_F(OZAppListTest, storedExclusionsLoseWhatIsGone) {
     addApp("User", "user", "User");
     addApp("User", "whole", "Whole");
+    addApp("User", "written", "Written");
     auto& defaults = (list(), _device->standardUserDefaults());
-    defaults.setObject("excludedApps",
-                       platform::Dictionary{{"user", 5}, {"gone", 7}, {"whole", 0}, {"text", "7"}});
+    defaults.setObject(
+        "excludedApps",
+        platform::Dictionary{{"user", 5}, {"gone", 7}, {"whole", 0}, {"text", "7"}, {"written", "2"}});
     list().loadDefaults();
     EXPECT_THAT(list().allExcludedApps(),
-                ElementsAre(Pair("user", OZExclusionMask::cleanup | OZExclusionMask::languages)));
+                UnorderedElementsAre(Pair("user", OZExclusionMask::cleanup | OZExclusionMask::languages),
+                                     Pair("written", OZExclusionMask::images)));
     list().writeDefaults();
-    EXPECT_EQ(defaults.dictionaryForKey("excludedApps"), (platform::Dictionary{{"user", 5}}));
-    list().removeExclusionMaskForApp("user");
+    EXPECT_EQ(defaults.dictionaryForKey("excludedApps"), (platform::Dictionary{{"user", 5}, {"written", 2}}));
+    list().removeAllExcludedApps();
     list().writeDefaults();
     EXPECT_FALSE(defaults.objectForKey("excludedApps"));
 }

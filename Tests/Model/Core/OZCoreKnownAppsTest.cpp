@@ -147,6 +147,17 @@ TEST_F(KnownApps, PreferencesForgetThreeKeysInEveryModeAndKeepTheRest) {
     EXPECT_EQ(tree(), (Tree{preferences, "/b/net.box.BoxNet/X.app/program"}));
 }
 
+TEST_F(KnownApps, PreferencesInTheTextFormatAreWrittenAsXmlWithAllTheyHold) {
+    addUserApp("net.box.BoxNet");
+    temporary.addFile(preferences,
+                      "{ jobRepositoryLastSchemaNb = 7; a = ( 1, <00ff>, { b = \"\\U00e4\"; } ); }");
+    engine().cleanKnownApp("net.box.BoxNet");
+    const Dictionary kept{
+        {"a", platform::Array{"1", platform::Data{std::string("\0\xff", 2)}, Dictionary{{"b", "ä"}}}}};
+    EXPECT_EQ(temporary.contents(preferences),
+              platform::serializePropertyList(kept, platform::PropertyListFormat::xml));
+}
+
 TEST_F(KnownApps, PreferencesThatCannotBeReadStayAsTheyAre) {
     addUserApp("net.box.BoxNet");
     engine().cleanKnownApp("net.box.BoxNet");

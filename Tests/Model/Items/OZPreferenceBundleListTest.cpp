@@ -70,6 +70,14 @@ TEST_F(PreferenceBundles, AreThePropertyListsOfPages) {
     EXPECT_EQ(make("Missing"), nullptr);
 }
 
+TEST_F(PreferenceBundles, MayBeInTheTextFormat) {
+    device.addFile(folder + "Old.plist", "entry = { label = \"An old page\"; bundle = Old; "
+                                         "pl_filter = { CoreFoundationVersion = ( 1000, 1100 ); }; };\n");
+    EXPECT_THAT(found(), ElementsAre("Old: Old"));
+    EXPECT_EQ(make("Old")->title(), "An old page");
+    EXPECT_FALSE(make("Old")->isForCurrentiOSVersion());
+}
+
 TEST_F(PreferenceBundles, OfOneBundleAreSwitchedTogether) {
     add("New.plist", text("label", "New") + text("bundle", "Shared"));
     add("Below/Old.plist", text("label", "Old") + text("bundle", "Shared"));
@@ -97,6 +105,7 @@ TEST_F(PreferenceBundles, AreForARangeOfVersions) {
         {"<array><string>x</string><real>1200</real></array>", {0, 1199}, {1200}},
         {"<array><real>10</real><dict/></array>", {10, 9000}, {9}},
         {"<string>1000</string>", {0, 1000}, {}},
+        {"<array><string>1000.5</string><string>1200</string></array>", {1000.5, 1199}, {1000, 1200}},
     };
     for (const auto& row : rows) {
         for (const bool expected : {true, false}) {

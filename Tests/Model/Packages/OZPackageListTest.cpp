@@ -118,7 +118,14 @@ TEST_F(PackageList, ReadsWhateverTheToolAnswers) {
              "Package=a\nStatus=installed\nIcon=i\n" + end,
          "a(i)>b; b"},
         {"Package=a\0b\nStatus=installed\n"s + end, "a\0b"s},
-        {"Package=a\nStatus=installed\nName=\xFF\n" + end, ""},
+        // What is no text takes its own record along, and no other.
+        {"Package=a\nStatus=installed\nName=\xFF\n" + end + "Package=b\nStatus=installed\nDepends=a\n" + end,
+         "b"},
+        // An architecture, or any, belongs to the question which build serves, not to the package's name.
+        {"Package=a\nStatus=installed\nDepends=b:any (>= 1), c:arm64 | d:iphoneos-arm(x), :any\n" + end +
+             "Package=b\nStatus=installed\nPre-depends=c:any,a:any\n" + end +
+             "Package=c\nStatus=installed\n" + end + "Package=d\nStatus=installed\n" + end,
+         "a>b>c>d; b>a>c; c; d"},
     };
     for (const auto& row : rows) {
         database.answer("dpkg-query", row.answer);
@@ -166,6 +173,34 @@ TEST_F(PackageList, FindsTheOwnersOfFilesWithOneCall) {
     ASSERT_TRUE(odd);
     EXPECT_EQ(odd->size(), 3);
     EXPECT_THAT(odd->at("/y"), IsEmpty());
+}
+
+TEST_F(PackageList, FindsOwnersBesideNamesThatAreNoTextAndThroughArchitectures) {
+    database.install("com.one", "", {"/Library/one", "/Library/caf\xE9"});
+    database.install("libtwo", "Multi-Arch: same\n", {"/Library/two"});
+    const auto owners = list.packagesForFilesAtPaths({"/Library/caf\xE9", "/Library/one", "/Library/two"});
+    ASSERT_TRUE(owners);
+    ASSERT_EQ(owners->size(), 2);
+    EXPECT_THAT(namesOf(owners->at("/Library/one")), ElementsAre("com.one"));
+    EXPECT_THAT(namesOf(owners->at("/Library/two")), ElementsAre("libtwo"));
+    database.answer("dpkg", "com.one:arm, libtwo:arm64: /Library/both: b\n");
+    EXPECT_THAT(namesOf(list.packagesForFileAtPath("/Library/both: b").value()),
+                ElementsAre("com.one", "libtwo"));
+}
+
+TEST_F(PackageList, AsksAtMostOnceAnAccessForPackagesThatCannotBeTold) {
+    database.answer("dpkg", "a: /x\nb, c: /y\na: /z\n");
+    database.device.addNotingTool("/usr/bin/dpkg-query", 1);
+    const auto asked = [&] {
+        return std::ranges::count_if(database.device.journal(),
+                                     [](const auto& line) { return line.starts_with("dpkg-query "); });
+    };
+    EXPECT_EQ(list.packagesForFilesAtPaths({"/x", "/y", "/z"})->size(), 3);
+    EXPECT_EQ(asked(), 1);
+    EXPECT_THAT(list.packagesWithIdentifiers({"a", "b"}), IsEmpty());
+    EXPECT_EQ(asked(), 2);
+    EXPECT_THAT(list.packagesWithIdentifiers({"a"}), IsEmpty());
+    EXPECT_EQ(asked(), 3) << "what failed is tried again";
 }
 
 TEST_F(PackageList, TakesOwnersInTheirOrderAndTheLastLineOfAPath) {
@@ -221,7 +256,7 @@ std::map<std::string, Stanza> readStatusFile(const fs::path& path) {
             for (std::string part; std::getline(parts, part, ',');) {
                 std::string dependency;
                 std::istringstream(part) >> dependency;
-                stanza.dependencies.insert(dependency);
+                stanza.dependencies.insert(dependency.substr(0, dependency.find(':')));
             }
         }
         fields.clear();

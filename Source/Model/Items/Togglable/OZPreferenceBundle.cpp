@@ -32,7 +32,7 @@ std::optional<std::string> textAt(const platform::Dictionary& dictionary, std::s
 }
 
 double numberAt(const platform::Array& numbers, size_t index, double otherwise) {
-    return index < numbers.size() ? numbers[index].doubleValue().value_or(otherwise) : otherwise;
+    return index < numbers.size() ? numbers[index].numberValue().value_or(otherwise) : otherwise;
 }
 
 bool isReadableFile(platform::FileManager& fileManager, const std::string& path) {
