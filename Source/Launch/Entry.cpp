@@ -49,6 +49,7 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
     if (const auto refusal = refusalBeforeRun(device, options)) {
         return fail(refusal->message, refusal->status);
     }
+    warnBeforeRun(device, options);
     OZModelBuilder modelBuilder(device);
     OZArgvParser parser(modelBuilder, {.analyze = options.dryRun, .strict = options.strict});
     if (const auto status = parser.parseArgumentVector(options.vector)) {
@@ -81,7 +82,11 @@ int run(const std::vector<std::string>& arguments) {
     if (!device) {
         return fail(device.error());
     }
-    if ((*device)->facts().foundationVersion == 0) {
+    if (const auto& facts = (*device)->facts(); facts.foundationVersion == 0) {
+        if (!facts.systemVersion.empty()) {
+            return fail(fmt::format("\"{}\" is no iOS version from 4 on; name one such as 9.3.5",
+                                    facts.systemVersion));
+        }
         return fail(fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
                                 "System/Library/CoreServices/SystemVersion.plist; is it a device's tree? If it "
                                 "is, name the version with --ios VERSION",

@@ -14,6 +14,31 @@ using Purpose = LauncherOptions::Purpose;
 constexpr std::string_view dataFolder = "/var/mobile";
 constexpr std::string_view privateDataFolder = "/private/var/mobile";
 
+// What a person says of another device would choose the wrong rules.
+std::optional<Refusal> contradictingVersion(platform::Device& device, const LauncherOptions& options) {
+    const std::string& given = options.given.systemVersion;
+    const std::string& told = device.facts().systemVersion;
+    if (given.empty() || platform::versionNumbers(given) == platform::versionNumbers(told)) {
+        return std::nullopt;
+    }
+    return Refusal{
+        fmt::format("the device tells iOS {} as its version, and --ios says {}; leave --ios out, or "
+                    "name the right device",
+                    told, given)};
+}
+
+// Nothing but a real name tells what a device needs: an iPad by any other name would count as none.
+std::optional<Refusal> malformedModel(platform::Device& /*device*/, const LauncherOptions& options) {
+    const std::string& given = options.given.hardwareModel;
+    if (given.empty() || platform::isHardwareModel(given)) {
+        return std::nullopt;
+    }
+    return Refusal{
+        fmt::format("{} is no hardware model; name one as the device tells it, such as iPhone7,2 or "
+                    "iPad5,4",
+                    given)};
+}
+
 bool isSameFolder(platform::FileManager& fileManager, std::string_view one, std::string_view other) {
     const auto first = fileManager.folderAtPath(one);
     const auto second = fileManager.folderAtPath(other);
@@ -93,9 +118,24 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
 using Check = std::optional<Refusal> (*)(platform::Device& device, const LauncherOptions& options);
 
 // In the order in which they are looked at.
-constexpr std::array checks = {Check{missingData}, Check{settingsThatCannotBeRead}};
+constexpr std::array checks = {Check{contradictingVersion}, Check{malformedModel}, Check{missingData},
+                               Check{settingsThatCannotBeRead}};
 
 } // namespace
+
+void warnBeforeRun(platform::Device& device, const LauncherOptions& options) {
+    constexpr unsigned newestKnown = 11;
+    const std::string& told = device.facts().systemVersion;
+    const auto version = platform::versionNumbers(told);
+    // Its output is for scripts, which take whatever comes.
+    const bool isForScripts = options.vector.size() > 1 && options.vector[1] == "-printsettings";
+    if (version && version->front() > newestKnown && !isForScripts) {
+        device.warnings().tell(
+            fmt::format("ozvarine: the device has iOS {}, which is newer than {}, the newest "
+                        "that this program knows; it goes on as on iOS {}",
+                        told, newestKnown, newestKnown));
+    }
+}
 
 std::optional<Refusal> refusalBeforeRun(platform::Device& device, const LauncherOptions& options) {
     for (const Check check : checks) {

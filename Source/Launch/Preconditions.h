@@ -20,3 +20,6 @@ struct Refusal {
 /// What has to hold before a switch touches a device. The first thing that does not hold is told; nothing has
 /// been touched then.
 std::optional<Refusal> refusalBeforeRun(platform::Device& device, const LauncherOptions& options);
+
+/// Tells on the device's warnings what makes a switch doubtful that goes on all the same.
+void warnBeforeRun(platform::Device& device, const LauncherOptions& options);

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
 
@@ -22,6 +23,14 @@ struct SystemVersion {
 /// The newest generation of the table that is not newer than the product version ("9.3.5" gives that of
 /// "9.3"); none for a text that is no version or one older than the table.
 std::optional<SystemVersion> systemVersionForProductVersion(std::string_view productVersion);
+
+/// The numbers of a product version, without zeros at its end, so that "10" and "10.0" are the same; none for
+/// a text that is no version.
+std::optional<std::vector<unsigned>> versionNumbers(std::string_view productVersion);
+
+/// True for a name as devices tell it as "hw.machine": "iPad", "iPhone" or "iPod", a number, a comma and a
+/// number.
+bool isHardwareModel(std::string_view text);
 
 /// Sizes of a file system, in bytes.
 struct VolumeFacts {
@@ -54,8 +63,10 @@ struct DeviceFacts {
     /// Info dictionaries of the installed applications; none means that the tree is to be searched.
     std::optional<Array> applications;
 
-    /// Facts from the dictionary of a device folder, completed from the tree. Values of a wrong type are
-    /// passed over as if they were missing. What is given by hand fills what is then still unknown.
+    /// Facts from the dictionary of a device folder; what they lack comes from the tree and from what is
+    /// given by hand. For the version the tree's word comes first, since it is the system's own; for the
+    /// model the person's, since the tree has it from caches. Values of a wrong type are passed over as if
+    /// they were missing.
     static DeviceFacts read(const Dictionary& dictionary, FileManager& fileManager,
                             const GivenFacts& given = {});
 };

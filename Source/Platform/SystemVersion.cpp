@@ -48,6 +48,14 @@ std::optional<std::vector<unsigned>> components(std::string_view version) {
 
 } // namespace
 
+std::optional<std::vector<unsigned>> versionNumbers(std::string_view productVersion) {
+    auto numbers = components(productVersion);
+    while (numbers && numbers->size() > 1 && numbers->back() == 0) {
+        numbers->pop_back();
+    }
+    return numbers;
+}
+
 std::optional<SystemVersion> systemVersionForProductVersion(std::string_view productVersion) {
     auto wanted = components(productVersion);
     if (!wanted) {

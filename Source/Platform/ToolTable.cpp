@@ -36,10 +36,6 @@ const std::vector<std::string> minimalEnvironment = {
     "PATH=/usr/sbin:/usr/bin:/sbin:/bin", "LC_ALL=C", "TZ=UTC0", "HOME=/", "DEBIAN_FRONTEND=noninteractive",
 };
 
-std::string lastPathComponent(std::string_view path) {
-    return std::string(path.substr(path.rfind('/') + 1));
-}
-
 /// The absolute path without links, or none if nothing is there.
 std::optional<std::string> realPath(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
@@ -94,20 +90,56 @@ void append(std::vector<std::string>& to, std::span<const std::string> from) {
     to.insert(to.end(), from.begin(), from.end());
 }
 
-std::vector<std::string> packageManagerOptions(const std::string& root) {
-    // The log that the host's own settings name is the host's.
-    return {"--root=" + root, "--log=/dev/null"};
+// Where package tools keep their data, by the setting that tells them of another place.
+struct PackagePlace {
+    const char* setting;
+    std::string_view path;
+    const char* file = "";
+};
+constexpr std::string_view packageDatabase = "/var/lib/dpkg";
+constexpr std::array packagePlaces = {
+    PackagePlace{"Dir::State", "/var/lib/apt"},
+    PackagePlace{"Dir::Cache", "/var/cache/apt"},
+    PackagePlace{"Dir::Cache::archives", "/var/cache/apt/archives"},
+    PackagePlace{"Dir::State::status", packageDatabase, "/status"},
+};
+
+/// The path without links, which means the same for a tool that has the tree elsewhere than at its "/". A
+/// folder that is missing is left to the tool's own words.
+Result<std::string> placeInTree(FileManager& fileManager, std::string_view path) {
+    if (const auto folder = fileManager.folderAtPath(path); !folder) {
+        return meansAbsence(folder.error()) ? Result<std::string>(path) : std::unexpected(folder.error());
+    }
+    return fileManager.stringByResolvingSymlinksInPath(path);
 }
 
-std::vector<std::string> packageDownloaderOptions(const std::string& root) {
-    std::vector<std::string> settings = {
-        "Dir=" + root + "/",
-        "Dir::State::status=" + root + "/var/lib/dpkg/status",
-    };
+Result<std::vector<std::string>> packageManagerOptions(const std::string& root, FileManager& fileManager) {
+    const auto database = placeInTree(fileManager, packageDatabase);
+    if (!database) {
+        return std::unexpected(database.error());
+    }
+    // The log that the host's own settings name is the host's. The root sets the database's place, too, and
+    // so comes first.
+    return std::vector<std::string>{"--root=" + root, "--admindir=" + root + *database, "--log=/dev/null"};
+}
+
+Result<std::vector<std::string>> packageDownloaderOptions(const std::string& root, FileManager& fileManager) {
+    std::vector<std::string> settings = {"Dir=" + root + "/"};
+    for (const PackagePlace& place : packagePlaces) {
+        const auto path = placeInTree(fileManager, place.path);
+        if (!path) {
+            return std::unexpected(path.error());
+        }
+        settings.push_back(std::string(place.setting) + "=" + root + *path + place.file);
+    }
     if (const auto packageManager = hostProgram("dpkg")) {
         settings.push_back("Dir::Bin::dpkg=" + *packageManager);
     }
-    for (const std::string& option : packageManagerOptions(root)) {
+    const auto ofPackageManager = packageManagerOptions(root, fileManager);
+    if (!ofPackageManager) {
+        return ofPackageManager;
+    }
+    for (const std::string& option : *ofPackageManager) {
         settings.push_back("DPkg::Options::=" + option);
     }
     std::vector<std::string> options;
@@ -119,7 +151,7 @@ std::vector<std::string> packageDownloaderOptions(const std::string& root) {
 
 } // namespace
 
-Command Tool::command(const std::vector<std::string>& arguments, int root, int currentDirectory) const {
+Result<Command> Tool::command(const std::vector<std::string>& arguments, FileManager fileManager) const {
     Command command;
     if (_kind == Kind::standIn) {
         command.path = _program;
@@ -127,27 +159,59 @@ Command Tool::command(const std::vector<std::string>& arguments, int root, int c
         command.environment = {"OZVARINE_DEVICE=" + _deviceDirectory};
         return command;
     }
+    command.path = _helpers + "/ozenter";
+    command.environment = minimalEnvironment;
+    command.replacesEnvironment = true;
+    command.descriptors.push_back(duplicate(fileManager.rootDescriptor()));
     // The package manager hands its queries on; the query tool itself can be kept in the tree like a search.
     const bool isPackageTool = _kind == Kind::packageManager || _kind == Kind::packageQuery;
     const PackageQuery* const query = isPackageTool ? packageQueryOf(arguments) : nullptr;
-    const bool entered = query != nullptr || _kind == Kind::entered || _kind == Kind::packageQuery;
-    const char* const mode = query != nullptr ? query->mode : entered ? "enter" : "guard";
-    const std::string program = query != nullptr ? hostProgram("dpkg-query").value_or("") : _program;
-    command.path = _helpers + "/ozenter";
-    command.arguments = {"ozenter", mode, program, arguments.at(0)};
-    command.environment = minimalEnvironment;
-    command.replacesEnvironment = true;
-    command.descriptors.push_back(duplicate(root));
-    if (entered) {
-        command.descriptors.push_back(duplicate(currentDirectory));
-    } else if (_kind == Kind::packageManager) {
-        append(command.arguments, packageManagerOptions(_rootDirectory));
+    Result<void> done;
+    if (query != nullptr) {
+        done =
+            enterTree(command, query->mode, hostProgram("dpkg-query").value_or(""), arguments, fileManager);
+    } else if (_kind == Kind::entered || _kind == Kind::packageQuery) {
+        done = enterTree(command, "enter", _program, arguments, fileManager);
     } else {
-        command.environment.push_back("APT_CONFIG=" + _helpers + "/apt.conf");
-        append(command.arguments, packageDownloaderOptions(_rootDirectory));
+        done = guardTree(command, arguments, fileManager);
+    }
+    return done ? Result<Command>(std::move(command)) : std::unexpected(done.error());
+}
+
+Result<void> Tool::enterTree(Command& command, const char* mode, const std::string& program,
+                             const std::vector<std::string>& arguments, FileManager& fileManager) const {
+    command.arguments = {"ozenter", mode, program, arguments.at(0)};
+    command.descriptors.push_back(duplicate(fileManager.currentDirectoryDescriptor()));
+    if (_kind != Kind::entered) {
+        const auto database = placeInTree(fileManager, packageDatabase);
+        if (!database) {
+            return std::unexpected(database.error());
+        }
+        command.arguments.push_back("--admindir=" + *database);
     }
     append(command.arguments, std::span(arguments).subspan(1));
-    return command;
+    return {};
+}
+
+Result<void> Tool::guardTree(Command& command, const std::vector<std::string>& arguments,
+                             FileManager& fileManager) const {
+    command.arguments = {"ozenter", "guard", _program, arguments.at(0)};
+    if (_kind == Kind::packageDownloader) {
+        command.environment.push_back("APT_CONFIG=" + _helpers + "/apt.conf");
+    }
+    const auto options = _kind == Kind::packageManager
+                             ? packageManagerOptions(_rootDirectory, fileManager)
+                             : packageDownloaderOptions(_rootDirectory, fileManager);
+    if (!options) {
+        return std::unexpected(options.error());
+    }
+    append(command.arguments, *options);
+    append(command.arguments, std::span(arguments).subspan(1));
+    // The helper looks into the database for what the tools must leave alone.
+    if (const auto database = fileManager.folderAtPath(packageDatabase)) {
+        command.descriptors.push_back(duplicate((*database)->descriptor()));
+    }
+    return {};
 }
 
 ToolTable::ToolTable(const std::optional<std::string>& toolsDirectory, std::string deviceDirectory,
@@ -212,7 +276,7 @@ std::optional<Tool> ToolTable::hostToolAt(std::string_view devicePath) const {
         HostTool{"dpkg", Tool::Kind::packageManager},
         HostTool{"apt-get", Tool::Kind::packageDownloader},
     };
-    const std::string name = lastPathComponent(devicePath);
+    const std::string name(lastPathComponent(devicePath));
     const auto* const found = std::ranges::find(hostTools, name, &HostTool::name);
     if (found == hostTools.end() || devicePath != "/usr/bin/" + name || hasStandInNamed(name)) {
         return std::nullopt;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Descriptor.h"
+#include "Platform/FileManager.h"
 
 #include <optional>
 #include <string>
@@ -26,10 +27,10 @@ struct Command {
 /// What stands behind one device path.
 class Tool {
   public:
-    /// The command for a vector as the device would see it (entry 0 is the tool's name). The descriptors are
-    /// those of the device's root and current directory; they are duplicated, not kept.
-    [[nodiscard]] Command command(const std::vector<std::string>& arguments, int root,
-                                  int currentDirectory) const;
+    /// The command for a vector as the device would see it (entry 0 is the tool's name), on the tree whose
+    /// handle is given. An error where a package tool's places in the tree may not be entered.
+    [[nodiscard]] Result<Command> command(const std::vector<std::string>& arguments,
+                                          FileManager fileManager) const;
     /// Whether it is a program of the device folder, not one of the host.
     [[nodiscard]] bool isStandIn() const { return _kind == Kind::standIn; }
 
@@ -37,6 +38,12 @@ class Tool {
     friend class ToolTable;
 
     enum class Kind { standIn, entered, packageQuery, packageManager, packageDownloader };
+
+    [[nodiscard]] Result<void> enterTree(Command& command, const char* mode, const std::string& program,
+                                         const std::vector<std::string>& arguments,
+                                         FileManager& fileManager) const;
+    [[nodiscard]] Result<void> guardTree(Command& command, const std::vector<std::string>& arguments,
+                                         FileManager& fileManager) const;
 
     Kind _kind = Kind::standIn;
     /// The host's path of the program.

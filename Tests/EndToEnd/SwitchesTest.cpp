@@ -82,6 +82,39 @@ TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
     EXPECT_EQ(folder.listing(), before);
 }
 
+TEST(Launcher, TakesAVersionAndAModelThatTheTreeDoesNotTell) {
+    const TemporaryFolder folder;
+    folder.make("bare/var/mobile/");
+    makeTree(folder, "12.4");
+    const std::string warning =
+        "ozvarine: the device has iOS 12.4, which is newer than 11, the newest that this "
+        "program knows; it goes on as on iOS 11\n";
+    const struct {
+        const char* tree;
+        std::vector<std::string> words;
+        int status;
+        std::string errors;
+    } cases[] = {
+        {"bare", {"--ios", "9.3.5", "-clean"}, 0, ""},
+        {"bare", {"--ios", "9.3.5", "--model", "iPad5,4", "-clean"}, 0, ""},
+        {"bare", {"--ios", "nine", "-clean"}, 1, "\"nine\" is no iOS version from 4 on"},
+        {"bare", {"--ios", "3.1", "-clean"}, 1, "\"3.1\" is no iOS version from 4 on"},
+        {"bare", {"--ios", "9", "--model", "J81AP", "-clean"}, 1, "J81AP is no hardware model"},
+        {"tree", {"--ios", "9.3.5", "-clean"}, 1, "tells iOS 12.4 as its version, and --ios says 9.3.5"},
+        {"tree", {"--ios", "12.4.0", "-clean"}, 0, warning},
+        {"tree", {"--ios", "12.4", "-printsettings"}, 0, ""},
+    };
+    for (const auto& [tree, words, status, errors] : cases) {
+        std::vector<std::string> arguments = {"--device", folder.path(tree)};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        const Outcome outcome = runProgram("ozvarine", arguments);
+        EXPECT_EQ(outcome.status, status) << words[0] << words[1];
+        EXPECT_THAT(outcome.errors,
+                    errors.empty() ? testing::IsEmpty() : testing::Matcher<std::string>(HasSubstr(errors)));
+        EXPECT_LE(std::ranges::count(outcome.errors, '\n'), 1) << outcome.errors;
+    }
+}
+
 TEST(Launcher, ChangesNothingWhereTheDataPartitionIsMissing) {
     const TemporaryFolder folder;
     makeTree(folder, "11.1");

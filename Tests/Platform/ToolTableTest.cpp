@@ -13,9 +13,10 @@ platform::ToolTable tableOf(const TemporaryDevice& device) {
     return {device.folder() / "Tools", device.folder(), device.folder() / "Root"};
 }
 
-std::string programAt(const platform::ToolTable& table, std::string_view devicePath) {
+std::string programAt(TemporaryDevice& device, const platform::ToolTable& table,
+                      std::string_view devicePath) {
     const auto tool = table.toolAt(devicePath);
-    return tool ? tool->command({"name"}, STDIN_FILENO, STDIN_FILENO).path : "";
+    return tool ? tool->command({"name"}, device.device().fileManager())->path : "";
 }
 
 TEST(ToolTable, OffersTheHostsOwnToolsAtOnePathOnly) {
@@ -39,7 +40,7 @@ TEST(ToolTable, StandInsComeFirst) {
     device.addTool("/usr/local/bin/any", "exit 0");
     device.addFile("/usr/bin/killall", "#!/bin/sh\n");
     const auto table = tableOf(device);
-    EXPECT_EQ(programAt(table, "/bin/sed"), device.folder() / "Tools/bin/sed");
+    EXPECT_EQ(programAt(device, table, "/bin/sed"), device.folder() / "Tools/bin/sed");
     EXPECT_FALSE(table.isExecutable("/usr/bin/sed")) << "the device has its sed elsewhere";
     EXPECT_TRUE(table.isExecutable("/usr/local/bin/any"));
     EXPECT_FALSE(table.isExecutable("/usr/bin/killall")) << "what lies in the tree is no tool";
@@ -57,7 +58,7 @@ TEST(ToolTable, LinksLeadNowhereButToStandIns) {
     fs::create_symlink("../../../../../../../../../../bin/sh", bin / "su");
     fs::create_directory_symlink("/usr/bin", device.folder() / "Tools/sbin");
     const auto table = tableOf(device);
-    EXPECT_EQ(programAt(table, "/bin/killall"), bin / "real");
+    EXPECT_EQ(programAt(device, table, "/bin/killall"), bin / "real");
     for (const char* path : {"/bin/launchctl", "/bin/su", "/sbin/env", "/../../../../../../../../bin/sh"}) {
         EXPECT_FALSE(table.isExecutable(path)) << path;
     }

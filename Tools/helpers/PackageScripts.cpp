@@ -35,8 +35,8 @@ std::string expressionFor(std::string_view name) {
 
 } // namespace
 
-PackageScripts::PackageScripts(int root) {
-    const int folder = ::openat(root, "var/lib/dpkg/info", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+PackageScripts::PackageScripts(int database) {
+    const int folder = ::openat(database, "info", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (folder < 0) {
         return;
     }

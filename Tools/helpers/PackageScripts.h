@@ -8,8 +8,8 @@
 /// package, so it must not begin.
 class PackageScripts {
   public:
-    /// Reads the database below an open device root; a tree without one has no scripts.
-    explicit PackageScripts(int root);
+    /// Reads an open database folder; a tree without one has no scripts.
+    explicit PackageScripts(int database);
 
     /// The options that make apt-get leave the packages with removal scripts where they are.
     [[nodiscard]] std::vector<std::string> keepingOptions() const;

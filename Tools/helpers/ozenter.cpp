@@ -10,7 +10,7 @@
 // list, search: the same for a package query, whose output is put right (see PackageNames.h).
 //
 // guard: the program stays in the host's world and is told the tree by its arguments, but writes nowhere but
-// into the tree and executes nothing that lies in it.
+// into the tree and executes nothing that lies in it. Descriptor 4 is the tree's package database, if any.
 
 #include "Entrance.h"
 #include "Landlock.h"
@@ -238,7 +238,7 @@ bool isBelowProgramFolders(int folder) {
 
 /// Keeps a package tool from a removal that it could not finish.
 void keepPackagesWithScripts(const std::string& program, std::vector<std::string>& arguments) {
-    const PackageScripts scripts(rootDescriptor);
+    const PackageScripts scripts(packageDatabaseDescriptor);
     if (program.ends_with("/dpkg")) {
         const std::string package = scripts.removedBy(arguments);
         if (!package.empty()) {
@@ -279,6 +279,7 @@ void keepPackagesWithScripts(const std::string& program, std::vector<std::string
     }
     keepPackagesWithScripts(program, arguments);
     ::close(rootDescriptor);
+    ::close(packageDatabaseDescriptor);
     ::execv(program.c_str(), vectorOf(arguments).data());
     fail(program.c_str());
 }
@@ -292,7 +293,7 @@ int main(int count, char** vector) {
     const std::string_view mode = vector[1];
     const std::string program = vector[2];
     const std::vector<std::string> arguments(vector + 3, vector + count);
-    ::syscall(SYS_close_range, mode == "guard" ? firstFreeDescriptor - 1 : firstFreeDescriptor, ~0U, 0);
+    ::syscall(SYS_close_range, firstFreeDescriptor, ~0U, 0);
     if (mode == "enter") {
         enterAndExecute(program, arguments);
     }

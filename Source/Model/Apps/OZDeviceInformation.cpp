@@ -78,7 +78,7 @@ OZTriState OZDeviceInformation::is4inchDevice() const {
 }
 
 OZTriState OZDeviceInformation::isiPad() const {
-    return triState(_hardwareString.starts_with("iPad"));
+    return _hardwareString.empty() ? OZTriState::unknown : triState(_hardwareString.starts_with("iPad"));
 }
 
 OZTriState OZDeviceInformation::isNonRetinaDevice() const {

@@ -96,12 +96,17 @@ void OZCore::removeImagesOfScale(unsigned target) {
     }
 }
 
+// Of a device without a model nobody knows what it shows.
 void OZCore::removeiPadImages() {
-    quickDelAll(findImages(iPadImages));
+    if (!_device.facts().hardwareModel.empty()) {
+        quickDelAll(findImages(iPadImages));
+    }
 }
 
 void OZCore::remove4InchImages() {
-    quickDelAll(findImages(fourInchImages));
+    if (!_device.facts().hardwareModel.empty()) {
+        quickDelAll(findImages(fourInchImages));
+    }
 }
 
 void OZCore::removeiTunesArtwork() {

@@ -244,9 +244,11 @@ int OZTask::spawn() {
     if (!tool) {
         return ENOENT;
     }
-    const auto fileManager = _device.fileManager();
-    const platform::Command command =
-        tool->command(_argv, fileManager.rootDescriptor(), fileManager.currentDirectoryDescriptor());
+    const auto made = tool->command(_argv, _device.fileManager());
+    if (!made) {
+        return made.error().value();
+    }
+    const platform::Command& command = *made;
     if (!_fileActions) {
         _fileActions = std::make_unique<FileActions>();
     }

@@ -125,10 +125,16 @@ TEST_F(MenuTest, RefusesWhatTheDeviceNeeds) {
         {"iPad2,1", {"3", "6"}, "5"},
         // Nothing is known of it but that it is no iPad, so it may need every image of a phone.
         {"iPhone99,9", {"3", "4", "5", "7"}, "6"},
+        // Nothing is known of it at all.
+        {"", {"3", "4", "5", "6", "7"}, "8"},
     };
     for (const auto& [model, refused, allowed] : cases) {
-        device = folder.path(model);
-        create({"--model", model});
+        if (*model != '\0') {
+            device = folder.path(model);
+            create({"--model", model});
+        } else {
+            shell("sed -i '/HardwareModel/,+1d' '" + device + "/Device.plist'");
+        }
         Terminal terminal("ozvarine", menuArguments());
         terminal.screen();
         terminal.enter("3");

@@ -37,7 +37,8 @@ TEST(OZDeviceInformation, TellsTheScreenOfSomeDevices) {
 
 TEST(OZDeviceInformation, AnUnknownModelStillSaysWhetherItIsAnIPad) {
     EXPECT_EQ(OZDeviceInformation("iPad99,1").isiPad(), OZTriState::yes);
-    EXPECT_EQ(OZDeviceInformation("").isiPad(), OZTriState::no);
+    EXPECT_EQ(OZDeviceInformation("iPhone99,1").isiPad(), OZTriState::no);
+    EXPECT_EQ(OZDeviceInformation("").isiPad(), OZTriState::unknown) << "nothing tells";
     for (const char* model : {"iPad99,1", "", "iPhone09,3", "iPhone9,3 ", "x86_64"}) {
         EXPECT_FALSE(OZDeviceInformation(model).isKnownDevice()) << model;
     }

@@ -143,6 +143,11 @@ TEST_F(Removal, IPadAndFourInchImagesGoByName) {
     const Tree added = united({inBundles(iPad), inBundles(fourInch), inBundles(kept)});
     addFiles({added.begin(), added.end()});
     addFiles({"/b/2/Excluded.app/a~ipad.png", "/Applications/Apple.app/Default-568h@2x.png"});
+    for (const auto action : {OZAction::removeiPadImages, OZAction::remove4InchImages}) {
+        facts.hardwareModel.clear();
+        EXPECT_THAT(gone(action), IsEmpty()) << "nobody knows what the device shows";
+    }
+    facts.hardwareModel = unknownDevice;
     EXPECT_EQ(gone(OZAction::removeiPadImages), inBundles(iPad));
     EXPECT_EQ(gone(OZAction::remove4InchImages), inBundles(fourInch));
 }

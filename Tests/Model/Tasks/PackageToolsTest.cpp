@@ -124,6 +124,50 @@ TEST_F(PackageTools, QueriesFollowTheTreesLinksInsideOfIt) {
     EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package}\\n"}), "com.one\n");
 }
 
+/// Where a device has its package database, told as the host's commands that put it there.
+struct DatabasePlace {
+    const char* name;
+    const char* commands;
+};
+
+class PackageDatabaseElsewhere : public PackageTools, public testing::WithParamInterface<DatabasePlace> {};
+INSTANTIATE_TEST_SUITE_P(
+    Places, PackageDatabaseElsewhere,
+    testing::Values(DatabasePlace{"AbsoluteLink", "mv Root/var/lib/dpkg Root/Library/dpkg;"
+                                                  "ln -s /Library/dpkg Root/var/lib/dpkg"},
+                    DatabasePlace{"LinkOnTheWay",
+                                  "mv Root/var/lib Root/Library/lib; ln -s /Library/lib Root/var/lib;"
+                                  "mv Root/var/cache/apt Root/Library/apt;"
+                                  "ln -s /Library/apt Root/var/cache/apt"},
+                    DatabasePlace{"NoTopLinks", "mkdir Root/private; mv Root/var Root/private/var"},
+                    DatabasePlace{"NoTopLinksAndAbsoluteLink",
+                                  "mkdir Root/private; mv Root/var Root/private/var;"
+                                  "mv Root/private/var/lib/dpkg Root/Library/dpkg;"
+                                  "ln -s /Library/dpkg Root/private/var/lib/dpkg; ln -s /var/lib Root/lib"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST_P(PackageDatabaseElsewhere, IsTheOneThatTheToolsWorkOn) {
+    const std::string before = hostDatabase();
+    install("com.unused");
+    install("com.scripted", "exit 0");
+    temporary.addFile("/var/cache/apt/archives/a_1.0_iphoneos-arm.deb");
+    host(GetParam().commands);
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package}\\n"}), "com.scripted\ncom.unused\n");
+    EXPECT_NE(output("/usr/bin/dpkg", {"-l"}).find("\nii  com.unused "), std::string::npos);
+    EXPECT_EQ(output("/usr/bin/dpkg", {"-S", "/Library/com.unused"}), "com.unused: /Library/com.unused\n");
+    EXPECT_EQ(run("/usr/bin/dpkg", {"-P", "com.scripted"})->terminationStatus(), 126);
+    EXPECT_TRUE(exists("/Library/com.scripted"));
+    EXPECT_EQ(run("/usr/bin/dpkg", {"--clear-avail"})->terminationStatus(), 0);
+    const auto task = run("/usr/bin/apt-get", {"-y", "autoremove"});
+    EXPECT_EQ(task->terminationStatus(), 0) << task->output().value_or("");
+    EXPECT_EQ(task->output().value_or("").find("W: "), std::string::npos) << *task->output();
+    EXPECT_FALSE(exists("/Library/com.unused")) << task->output().value_or("");
+    EXPECT_EQ(output("/usr/bin/dpkg-query", {"-W", "-f=${Package}\\n"}), "com.scripted\n");
+    EXPECT_EQ(run("/usr/bin/apt-get", {"-y", "clean"})->terminationStatus(), 0);
+    host("! find Root -name 'a_1.0*' | grep .; test ! -e Root/private -o ! -e Root/var");
+    EXPECT_EQ(hostDatabase(), before);
+}
+
 TEST_F(PackageTools, AutoremoveRemovesFromTheTreeAlone) {
     const std::string before = hostDatabase();
     install("com.unused");

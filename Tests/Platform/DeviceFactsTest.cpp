@@ -1,0 +1,72 @@
+// What is known of a device, and which word counts where several speak.
+
+#include "Platform/DeviceFacts.h"
+
+#include "Platform/FileManager.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+using namespace platform;
+
+namespace {
+
+std::string listOf(const std::string& keys, const std::string& value) {
+    return "<plist version=\"1.0\"><dict>" + keys + "<string>" + value + "</string></dict></plist>";
+}
+
+const std::string versionFile = "System/Library/CoreServices/SystemVersion.plist: ";
+const std::string gestalt = "private/var/containers/Shared/SystemGroup/systemgroup.com.apple.mobilegestaltcache/"
+                            "Library/Caches/com.apple.MobileGestalt.plist: ";
+const std::string olderGestalt = "private/var/mobile/Library/Caches/com.apple.MobileGestalt.plist: ";
+const std::string network = "private/var/preferences/SystemConfiguration/preferences.plist: ";
+
+std::string gestaltList(const std::string& model) {
+    return "<plist version=\"1.0\"><dict><key>CacheExtra</key><dict><key>h9jDsbgj7xIVeIQ8S3/X3Q</key><string>" +
+           model + "</string></dict></dict></plist>";
+}
+
+std::string networkList(const std::string& model) {
+    return listOf("<key>Model</key>", model);
+}
+
+} // namespace
+
+TEST(DeviceFacts, ModelIsTheFoldersWordThenThePersonsThenThatOfTheTree) {
+    const Dictionary folder = {{"HardwareModel", "iPod7,1"}};
+    const struct {
+        std::string files;
+        Dictionary dictionary;
+        std::string given;
+        std::string model;
+    } cases[] = {
+        {"", {}, "", ""},
+        {gestalt + gestaltList("iPad5,4"), {}, "", "iPad5,4"},
+        {gestalt + gestaltList("iPad5,4"), {}, "iPhone9,3", "iPhone9,3"},
+        {gestalt + gestaltList("iPad5,4"), folder, "iPhone9,3", "iPod7,1"},
+        {olderGestalt + gestaltList("iPhone7,2"), {}, "", "iPhone7,2"},
+        {network + networkList("iPad11,12"), {}, "", "iPad11,12"},
+        // An internal name says nothing of the kind of device, and what is damaged says nothing at all.
+        {network + networkList("J81AP"), {}, "", ""},
+        {gestalt + "cut off\n" + network + networkList("iPad4,1"), {}, "", "iPad4,1"},
+        {gestalt + gestaltList("iPad5,") + "\n" + network + networkList("iPad4,1"), {}, "", "iPad4,1"},
+        {gestalt + gestaltList("iPad5,4x") + "\n" + network + networkList("ipad4,1"), {}, "", ""},
+        {gestalt + networkList("iPad5,4"), {}, "", ""},
+    };
+    for (const auto& row : cases) {
+        const tests::TemporaryFolder tree;
+        tree.make(row.files);
+        auto files = FileManager::atRoot(tree.path()).value();
+        EXPECT_EQ(DeviceFacts::read(row.dictionary, files, {.hardwareModel = row.given}).hardwareModel, row.model)
+            << row.files;
+    }
+}
+
+TEST(DeviceFacts, VersionIsTheFoldersWordThenTheTreesThenThePersons) {
+    const tests::TemporaryFolder tree;
+    auto files = FileManager::atRoot(tree.path()).value();
+    EXPECT_EQ(DeviceFacts::read({}, files, {.systemVersion = "9.3.5"}).foundationVersion, 1280.25);
+    tree.make(versionFile + listOf("<key>ProductVersion</key>", "10.2"));
+    EXPECT_EQ(DeviceFacts::read({}, files, {.systemVersion = "9.3.5"}).systemVersion, "10.2");
+    EXPECT_EQ(DeviceFacts::read({{"SystemVersion", "8.4"}}, files, {.systemVersion = "9.3.5"}).systemVersion, "8.4");
+}
