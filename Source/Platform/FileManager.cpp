@@ -65,6 +65,10 @@ Result<FileManager> FileManager::atRoot(const std::string& hostFolder, PathResol
     return FileManager(std::move(*root));
 }
 
+Result<void> FileManager::lookOnly() {
+    return _root->lookOnly();
+}
+
 Result<void> FileManager::changeCurrentDirectoryPath(std::string_view path) {
     return _root->changeCurrentDirectory(path);
 }
@@ -94,6 +98,12 @@ Result<Item> FileManager::itemAtPath(std::string_view path) {
         return std::unexpected(parent.error());
     }
     return Item(std::move(*parent), name);
+}
+
+Result<Item> FileManager::itemToChange(std::string_view path) {
+    auto item = itemAtPath(path);
+    const auto may = item ? item->mayChange() : Result<void>();
+    return may ? std::move(item) : std::unexpected(may.error());
 }
 
 Result<Item> FileManager::itemBelow(const std::shared_ptr<const Folder>& folder,
@@ -144,7 +154,7 @@ Result<std::shared_ptr<const Folder>> FileManager::keepLastFolder(std::shared_pt
     _lastBase = std::move(base);
     _lastPath = path;
     _lastGeneration = generation;
-    _lastFolder = std::make_shared<const Folder>(std::move(*opened));
+    _lastFolder = std::make_shared<const Folder>(std::move(*opened), _root->access());
     return _lastFolder;
 }
 
@@ -179,6 +189,9 @@ bool FileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) {
 }
 
 bool FileManager::mayAccess(std::string_view path, int mode) const {
+    if (mode == W_OK && _root->access() == Access::lookOnly) {
+        return false;
+    }
     auto target = _root->follow(path);
     return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
                                  mode, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
@@ -301,8 +314,9 @@ Result<void> FileManager::createDirectoryAtPath(std::string_view path, Intermedi
     if (!item) {
         return std::unexpected(item.error());
     }
-    if (::mkdirat(item->parent()->descriptor(), item->name().c_str(), mode) < 0) {
-        const int error = errno;
+    const auto may = item->mayChange();
+    if (!may || ::mkdirat(item->parent()->descriptor(), item->name().c_str(), mode) < 0) {
+        const int error = may ? errno : item->attributes() ? EEXIST : EROFS;
         bool isDirectory = false;
         if (error == EEXIST && intermediate == IntermediateFolders::create &&
             fileExistsAtPath(path, &isDirectory) && isDirectory) {
@@ -314,7 +328,7 @@ Result<void> FileManager::createDirectoryAtPath(std::string_view path, Intermedi
 }
 
 Result<void> FileManager::createSymbolicLinkAtPath(std::string_view path, std::string_view destination) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -327,7 +341,7 @@ Result<void> FileManager::createSymbolicLinkAtPath(std::string_view path, std::s
 
 Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optional<uid_t> owner,
                                                std::optional<gid_t> group) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -337,7 +351,7 @@ Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optio
 }
 
 Result<void> FileManager::setPermissionsOfItemAtPath(std::string_view path, mode_t permissions) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -346,7 +360,7 @@ Result<void> FileManager::setPermissionsOfItemAtPath(std::string_view path, mode
 }
 
 Result<void> FileManager::setModificationDateOfItemAtPath(std::string_view path, timespec modified) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }

@@ -45,6 +45,11 @@ class FileManager {
     static Result<FileManager> atRoot(const std::string& hostFolder,
                                       PathResolution resolution = PathResolution::kernel);
 
+    /// From now on every change through a handle on the root, and through what is found by one, is refused as
+    /// on a read-only file system (EROFS). To be called before anything else is done with the tree; what was
+    /// found before knows nothing of it.
+    Result<void> lookOnly();
+
     // The current directory.
     Result<void> changeCurrentDirectoryPath(std::string_view path);
     /// The device path of the current directory, free of links.
@@ -117,6 +122,8 @@ class FileManager {
   private:
     explicit FileManager(std::shared_ptr<DeviceRoot> root);
 
+    /// The item that a path names; an error where it may only be looked at.
+    Result<Item> itemToChange(std::string_view path);
     Result<void> replaceContents(std::string_view path, std::string_view bytes,
                                  const std::optional<FileOwnership>& ownership);
 

@@ -76,7 +76,7 @@ Result<std::string> FileManager::contentsAtPath(std::string_view path, uint64_t 
 }
 
 Result<FileHandle> FileManager::openForWriting(std::string_view path) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -95,7 +95,7 @@ Result<FileHandle> FileManager::openForWriting(std::string_view path) {
 }
 
 Result<FileHandle> FileManager::createFileAtPath(std::string_view path, mode_t mode) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -148,7 +148,7 @@ Result<void> giveTo(const FileOwnership& ownership, int file) {
 
 Result<void> FileManager::replaceContents(std::string_view path, std::string_view bytes,
                                           const std::optional<FileOwnership>& given) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
