@@ -77,6 +77,40 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
             : fmt::format("var/mobile in {} cannot be opened: {}", tree, folder.error().message())};
 }
 
+// Two that change things would overwrite each other's choices and mix one log.
+std::optional<Refusal> anotherAtWork(platform::Device& device, const LauncherOptions& options) {
+    const auto purpose = options.purpose();
+    if (purpose != Purpose::change && purpose != Purpose::analyze && !options.resetSettings) {
+        return std::nullopt;
+    }
+    const auto locked = device.lock();
+    if (locked) {
+        return std::nullopt;
+    }
+    if (platform::DeviceLock::meansNoLocks(locked.error())) {
+        device.warnings().tell(
+            fmt::format("Nothing keeps a second run from working on this device meanwhile: "
+                        "its file system has no locks ({}).",
+                        locked.error().message()));
+        return std::nullopt;
+    }
+    if (locked.error() != std::errc::operation_would_block) {
+        return Refusal{fmt::format("nothing was done: {} cannot be locked ({})",
+                                   options.device.value_or("the device"), locked.error().message())};
+    }
+    const auto holder = platform::DeviceLock::describeHolder(device.fileManager().rootDescriptor());
+    if (purpose == Purpose::analyze && options.logFile && device.lookOnly()) {
+        device.warnings().tell(
+            fmt::format("This device is in use by {}; what is told here may have changed by "
+                        "its end.",
+                        holder));
+        return std::nullopt;
+    }
+    return Refusal{fmt::format("nothing was done: this device is in use by {}; wait for its end, or look "
+                               "meanwhile with --dry-run --log FILE -clean",
+                               holder)};
+}
+
 std::optional<Refusal> resetSettings(platform::Device& device, std::string_view reason) {
     auto& settings = device.standardUserDefaults();
     const auto kept = settings.reset();
@@ -119,7 +153,7 @@ using Check = std::optional<Refusal> (*)(platform::Device& device, const Launche
 
 // In the order in which they are looked at.
 constexpr std::array checks = {Check{contradictingVersion}, Check{malformedModel}, Check{missingData},
-                               Check{settingsThatCannotBeRead}};
+                               Check{anotherAtWork}, Check{settingsThatCannotBeRead}};
 
 } // namespace
 

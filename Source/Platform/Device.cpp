@@ -104,6 +104,15 @@ Device::Device(FileManager fileManager, DeviceFacts facts, ToolTable tools)
 
 Device::~Device() = default;
 
+Result<void> Device::lock() {
+    auto taken = DeviceLock::take(_fileManager.rootDescriptor());
+    if (!taken) {
+        return std::unexpected(taken.error());
+    }
+    _lock = std::move(*taken);
+    return {};
+}
+
 std::expected<std::unique_ptr<Device>, std::string> Device::open(const std::string& directory,
                                                                     const GivenFacts& given) {
     // A folder that cannot be entered looks like one without a tree inside; say what is wrong with the

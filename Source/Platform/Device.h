@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/DeviceFacts.h"
+#include "Platform/DeviceLock.h"
 #include "Platform/FileManager.h"
 #include "Platform/NotificationCenter.h"
 #include "Platform/Queue.h"
@@ -32,6 +33,12 @@ class Device {
     Device& operator=(const Device&) = delete;
     ~Device();
 
+    /// Takes the sole right to change the tree and keeps it as long as this object lives. Fails at once, with
+    /// EWOULDBLOCK where another process has the right; DeviceLock tells of that process and of errors.
+    Result<void> lock();
+    /// Refuses every change of the tree from now on, as FileManager::lookOnly tells.
+    Result<void> lookOnly() { return _fileManager.lookOnly(); }
+
     /// A handle on the device root. All handles of one device share its current directory; one handle serves
     /// one thread.
     [[nodiscard]] FileManager fileManager() const { return _fileManager; }
@@ -54,6 +61,7 @@ class Device {
 
   private:
     FileManager _fileManager;
+    std::optional<DeviceLock> _lock;
     DeviceFacts _facts;
     ToolTable _tools;
     Volumes _volumes;

@@ -130,6 +130,12 @@ std::shared_ptr<const Folder> DeviceRoot::currentFolder() const {
     return {place, &place->folder};
 }
 
+Result<void> DeviceRoot::lookOnly() {
+    _access = Access::lookOnly;
+    // The current directory is opened anew, and so are all others.
+    return changeCurrentDirectory(".");
+}
+
 Result<void> DeviceRoot::changeCurrentDirectory(std::string_view path) {
     auto target = follow(path);
     if (!target) {
@@ -138,7 +144,8 @@ Result<void> DeviceRoot::changeCurrentDirectory(std::string_view path) {
     if (!target->leaf.empty()) {
         return failure(ENOTDIR);
     }
-    auto place = std::make_shared<const Place>(Folder(std::move(target->folder)), std::move(target->names));
+    auto place =
+        std::make_shared<const Place>(Folder(std::move(target->folder), _access), std::move(target->names));
     {
         const std::lock_guard lock(_currentMutex);
         _current.swap(place);

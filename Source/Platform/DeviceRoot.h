@@ -45,6 +45,10 @@ class DeviceRoot {
     [[nodiscard]] uint64_t generation() const { return _generation; }
     void foldersChanged() { ++_generation; }
 
+    [[nodiscard]] Access access() const { return _access; }
+    /// For good, and only before several threads use the root.
+    Result<void> lookOnly();
+
     Result<void> changeCurrentDirectory(std::string_view path);
     /// Opens the folder that a path leads to, for acting inside of it, not for reading.
     Result<Descriptor> openFolder(std::string_view path) const;
@@ -69,6 +73,7 @@ class DeviceRoot {
     std::shared_ptr<const Place> _current;
     std::atomic<uint64_t> _generation = 0;
     PathResolution _resolution;
+    Access _access = Access::change;
 };
 
 } // namespace platform

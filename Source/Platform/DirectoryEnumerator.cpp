@@ -6,8 +6,9 @@
 
 namespace platform {
 
-DirectoryEnumerator::DirectoryEnumerator(Descriptor folder) {
-    _levels.push_back({.folder = std::make_shared<const Folder>(std::move(folder))});
+DirectoryEnumerator::DirectoryEnumerator(Descriptor folder, Access access)
+    : _access(access) {
+    _levels.push_back({.folder = std::make_shared<const Folder>(std::move(folder), _access)});
 }
 
 std::optional<std::string_view> DirectoryEnumerator::nextObject() {
@@ -50,7 +51,7 @@ void DirectoryEnumerator::enterLastEntry() {
         ++_unreadFolders;
         return;
     }
-    Level level{.folder = std::make_shared<const Folder>(std::move(folder)),
+    Level level{.folder = std::make_shared<const Folder>(std::move(folder), _access),
                 .buffer = std::move(_spareBuffer),
                 .pathLength = _path.size()};
     _spareBuffer = {};
@@ -131,7 +132,7 @@ void DirectoryEnumerator::leaveLevel() {
         _levels.clear();
         return;
     }
-    outer.folder = std::make_shared<const Folder>(std::move(found));
+    outer.folder = std::make_shared<const Folder>(std::move(found), _access);
 }
 
 } // namespace platform

@@ -20,8 +20,8 @@ namespace platform {
 /// is no longer where it was.
 class DirectoryEnumerator {
   public:
-    /// `folder` must be opened for reading.
-    explicit DirectoryEnumerator(Descriptor folder);
+    /// `folder` must be opened for reading. The access is that of the items.
+    explicit DirectoryEnumerator(Descriptor folder, Access access = Access::change);
 
     /// The next entry's path relative to the folder, none at the end. Valid until the next call.
     std::optional<std::string_view> nextObject();
@@ -57,6 +57,7 @@ class DirectoryEnumerator {
     void giveUpDescriptor(Level& level);
     void leaveLevel();
 
+    Access _access;
     std::vector<Level> _levels;
     std::vector<char> _spareBuffer;
     std::string _path;

@@ -65,6 +65,10 @@ Result<FileManager> FileManager::atRoot(const std::string& hostFolder, PathResol
     return FileManager(std::move(*root));
 }
 
+Result<void> FileManager::lookOnly() {
+    return _root->lookOnly();
+}
+
 Result<void> FileManager::changeCurrentDirectoryPath(std::string_view path) {
     return _root->changeCurrentDirectory(path);
 }
@@ -96,8 +100,14 @@ Result<Item> FileManager::itemAtPath(std::string_view path) {
     return Item(std::move(*parent), name);
 }
 
-Result<Item> FileManager::newItemAtPath(std::string_view path) {
+Result<Item> FileManager::itemToChange(std::string_view path) {
     auto item = itemAtPath(path);
+    const auto may = item ? item->mayChange() : Result<void>();
+    return may ? std::move(item) : std::unexpected(may.error());
+}
+
+Result<Item> FileManager::newItemAtPath(std::string_view path) {
+    auto item = itemToChange(path);
     if (!item || !_root->targetOfMissingLink(item->name())) {
         return item;
     }
@@ -160,7 +170,7 @@ Result<std::shared_ptr<const Folder>> FileManager::keepLastFolder(std::shared_pt
     _lastBase = std::move(base);
     _lastPath = path;
     _lastGeneration = generation;
-    _lastFolder = std::make_shared<const Folder>(std::move(*opened));
+    _lastFolder = std::make_shared<const Folder>(std::move(*opened), _root->access());
     return _lastFolder;
 }
 
@@ -195,6 +205,9 @@ bool FileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) {
 }
 
 bool FileManager::mayAccess(std::string_view path, int mode) const {
+    if (mode == W_OK && _root->access() == Access::lookOnly) {
+        return false;
+    }
     auto target = _root->follow(path);
     return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
                                  mode, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
@@ -329,9 +342,11 @@ Result<void> FileManager::createDirectoryAtPath(std::string_view path, Intermedi
     }
     const auto made = item ? checked(::mkdirat(item->parent()->descriptor(), item->name().c_str(), mode))
                            : Result<void>(std::unexpected(item.error()));
+    // What may only be looked at says so before it says that something is there.
+    const bool mayBeThere = !made && (made.error().value() == EEXIST || made.error().value() == EROFS);
     bool isDirectory = false;
-    if (!made && made.error().value() == EEXIST && intermediate == IntermediateFolders::create &&
-        fileExistsAtPath(path, &isDirectory) && isDirectory) {
+    if (mayBeThere && intermediate == IntermediateFolders::create && fileExistsAtPath(path, &isDirectory) &&
+        isDirectory) {
         return {};
     }
     return made;
@@ -351,7 +366,7 @@ Result<void> FileManager::createSymbolicLinkAtPath(std::string_view path, std::s
 
 Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optional<uid_t> owner,
                                                std::optional<gid_t> group) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -361,7 +376,7 @@ Result<void> FileManager::setOwnerOfItemAtPath(std::string_view path, std::optio
 }
 
 Result<void> FileManager::setPermissionsOfItemAtPath(std::string_view path, mode_t permissions) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }
@@ -370,7 +385,7 @@ Result<void> FileManager::setPermissionsOfItemAtPath(std::string_view path, mode
 }
 
 Result<void> FileManager::setModificationDateOfItemAtPath(std::string_view path, timespec modified) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }

@@ -48,6 +48,11 @@ class FileManager {
     static Result<FileManager> atRoot(const std::string& hostFolder,
                                       PathResolution resolution = PathResolution::kernel);
 
+    /// From now on every change through a handle on the root, and through what is found by one, is refused as
+    /// on a read-only file system (EROFS). To be called before anything else is done with the tree; what was
+    /// found before knows nothing of it.
+    Result<void> lookOnly();
+
     // The current directory.
     Result<void> changeCurrentDirectoryPath(std::string_view path);
     /// The device path of the current directory, free of links.
@@ -123,6 +128,8 @@ class FileManager {
   private:
     explicit FileManager(std::shared_ptr<DeviceRoot> root);
 
+    /// The item that a path names; an error where it may only be looked at.
+    Result<Item> itemToChange(std::string_view path);
     /// The item at which something is to be made. Where a link is missing (see
     /// `DeviceRoot::targetOfMissingLink`), nothing may take its place (EEXIST): the data behind it would be
     /// out of sight.

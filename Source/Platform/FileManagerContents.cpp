@@ -76,7 +76,7 @@ Result<std::string> FileManager::contentsAtPath(std::string_view path, uint64_t 
 }
 
 Result<FileHandle> FileManager::openForWriting(std::string_view path) {
-    auto item = itemAtPath(path);
+    auto item = itemToChange(path);
     if (!item) {
         return std::unexpected(item.error());
     }

@@ -82,19 +82,29 @@ Result<std::shared_ptr<const Folder>> Item::openFolder() const {
     if (!folder) {
         return lastError();
     }
-    return std::make_shared<const Folder>(std::move(folder));
+    return std::make_shared<const Folder>(std::move(folder), _parent->access());
 }
 
 std::unique_ptr<DirectoryEnumerator> Item::enumerate() const {
     Descriptor folder(::openat(_parent->descriptor(), nameInside(_name), readFolderFlags));
-    return folder ? std::make_unique<DirectoryEnumerator>(std::move(folder)) : nullptr;
+    return folder ? std::make_unique<DirectoryEnumerator>(std::move(folder), _parent->access()) : nullptr;
+}
+
+Result<void> Item::mayChange() const {
+    return _parent->access() == Access::change ? Result<void>() : failure(EROFS);
 }
 
 Result<void> Item::remove() const {
+    if (auto may = mayChange(); !may) {
+        return may;
+    }
     return removeTree(_parent->descriptor(), nameInside(_name));
 }
 
 Result<void> Item::rename(std::string_view newName) const {
+    if (auto may = mayChange(); !may) {
+        return may;
+    }
     return renameInFolder(*_parent, _name, std::string(newName));
 }
 
@@ -113,6 +123,11 @@ Result<void> Item::renameReplacing(std::string_view newName) const {
 }
 
 Result<void> Item::moveTo(const Item& target) const {
+    for (const Item* end : {this, &target}) {
+        if (auto may = end->mayChange(); !may) {
+            return may;
+        }
+    }
     auto renamed = renameWithoutReplacing(_parent->descriptor(), nameInside(_name),
                                           target._parent->descriptor(), nameInside(target._name));
     return renamed || renamed.error().value() != EXDEV ? renamed : moveByCopyTo(target);
@@ -151,6 +166,9 @@ Result<void> Item::removeBehindOtherName() const {
 }
 
 Result<void> Item::copyTo(const Item& target) const {
+    if (auto may = target.mayChange(); !may) {
+        return may;
+    }
     return copyTree(_parent->descriptor(), nameInside(_name), target._parent->descriptor(),
                     nameInside(target._name));
 }

@@ -13,19 +13,26 @@ namespace platform {
 
 class DirectoryEnumerator;
 
+/// What may be done with a device's tree. Where it may only be looked at, every change is refused as a
+/// read-only file system refuses it (EROFS).
+enum class Access { change, lookOnly };
+
 /// A folder held by its descriptor. What is done by name inside of it stays inside of it, whatever becomes of
 /// its path meanwhile.
 class Folder {
   public:
-    explicit Folder(Descriptor descriptor)
-        : _descriptor(std::move(descriptor)) {}
+    explicit Folder(Descriptor descriptor, Access access = Access::change)
+        : _descriptor(std::move(descriptor))
+        , _access(access) {}
 
     [[nodiscard]] int descriptor() const { return _descriptor.get(); }
+    [[nodiscard]] Access access() const { return _access; }
     /// Names of the direct entries, without "." and "..", in the file system's order.
     [[nodiscard]] Result<std::vector<std::string>> entries() const;
 
   private:
     Descriptor _descriptor;
+    Access _access;
 };
 
 /// One name in an opened folder: found once, then looked at and acted on in that very folder. A link at the
@@ -41,6 +48,9 @@ class Item {
     [[nodiscard]] const std::string& name() const { return _name; }
 
     [[nodiscard]] Result<FileAttributes> attributes() const;
+    /// An error where the folder may only be looked at: what stands at the name cannot be changed, and
+    /// nothing put there.
+    [[nodiscard]] Result<void> mayChange() const;
     /// Opens the item if it is a folder; a link to a folder is an error (ENOTDIR or ELOOP).
     [[nodiscard]] Result<std::shared_ptr<const Folder>> openFolder() const;
     /// Walks the item if it is a folder; null for anything else.

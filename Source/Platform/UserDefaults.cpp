@@ -44,12 +44,15 @@ void UserDefaults::registerDefaults(const Dictionary& defaults) {
 
 std::optional<Value> UserDefaults::objectForKey(std::string_view key) const {
     const std::lock_guard lock(_mutex);
-    for (const Dictionary* values : {&stored(), &_registered}) {
-        if (const auto found = values->find(key); found != values->end()) {
-            return found->second;
-        }
+    const auto change = _changes.find(key);
+    if (change != _changes.end() && change->second) {
+        return change->second;
     }
-    return std::nullopt;
+    if (const auto found = stored().find(key); found != stored().end() && change == _changes.end()) {
+        return found->second;
+    }
+    const auto found = _registered.find(key);
+    return found != _registered.end() ? std::optional(found->second) : std::nullopt;
 }
 
 template <class T>
@@ -86,12 +89,8 @@ void UserDefaults::removeObjectForKey(std::string_view key) {
 
 void UserDefaults::setChange(std::string_view key, std::optional<Value> value) {
     const std::lock_guard lock(_mutex);
+    // Whether anything could be read before decides on what a save does.
     std::ignore = stored();
-    if (value) {
-        _stored->insert_or_assign(std::string(key), *value);
-    } else if (const auto found = _stored->find(key); found != _stored->end()) {
-        _stored->erase(found);
-    }
     _changes.insert_or_assign(std::string(key), std::move(value));
 }
 
@@ -214,6 +213,15 @@ Result<void> UserDefaults::save() {
     _readError.reset();
     _changes.clear();
     return {};
+}
+
+void UserDefaults::revert() {
+    const std::lock_guard lock(_mutex);
+    _changes.clear();
+    if (auto file = readFile()) {
+        _stored = std::move(*file);
+        _readError.reset();
+    }
 }
 
 Result<std::string> UserDefaults::setAside(const std::string& name) {

@@ -67,6 +67,10 @@ class UserDefaults {
     /// for the next call.
     Result<void> synchronize();
 
+    /// Forgets what has been set since the last save and reads the file anew; where that cannot be read, what
+    /// was read last stays.
+    void revert();
+
     [[nodiscard]] NotificationCenter& notificationCenter() const { return _notificationCenter; }
 
   private:
@@ -89,6 +93,7 @@ class UserDefaults {
     const Warnings& _warnings;
     std::string _path;
     Dictionary _registered;
+    // As last read or saved, without the changes.
     mutable std::optional<Dictionary> _stored;
     mutable std::optional<std::error_code> _readError;
     // Since the last save; none stands for a removal.

@@ -1,6 +1,7 @@
 #include "Tests/Platform/FileManagerFixture.h"
 
 #include <filesystem>
+#include <functional>
 
 #include <fcntl.h>
 
@@ -159,6 +160,49 @@ TEST_P(FileManagerTest, CreatesFoldersOnTheWay) {
     EXPECT_EQ(errorOf(files->createDirectoryAtPath("/nothing/x", IntermediateFolders::create)), EEXIST);
     EXPECT_EQ(errorOf(files->createDirectoryAtPath("", IntermediateFolders::create)), ENOENT);
     EXPECT_TRUE(files->createDirectoryAtPath("/", IntermediateFolders::create));
+}
+
+TEST_P(FileManagerTest, NothingChangesWhereOnlyLookingIsAllowed) {
+    make("file: content\nfolder/inner/leaf: x");
+    ASSERT_TRUE(files->changeCurrentDirectoryPath("/folder"));
+    const auto before = host.listing();
+    FileManager other = *files;
+    ASSERT_TRUE(other.lookOnly());
+    const auto item = [&] { return *files->itemAtPath("inner"); };
+    const std::pair<const char*, std::function<int()>> changes[] = {
+        {"remove", [&] { return errorOf(files->removeItemAtPath("/file")); }},
+        {"remove the item", [&] { return errorOf(item().remove()); }},
+        {"rename the item", [&] { return errorOf(item().rename("new")); }},
+        {"replace by the item", [&] { return errorOf(item().renameReplacing("new")); }},
+        {"move", [&] { return errorOf(files->moveItemAtPath("/file", "new")); }},
+        {"copy", [&] { return errorOf(files->copyItemAtPath("/file", "new")); }},
+        {"write", [&] { return errorOf(files->writeContents("/file", "new")); }},
+        {"write with an owner", [&] { return errorOf(files->writeContents("/new", "new", {})); }},
+        {"open", [&] { return errorOf(files->openForWriting("/file")); }},
+        {"create", [&] { return errorOf(files->createFileAtPath("/file")); }},
+        {"make a folder",
+         [&] { return errorOf(files->createDirectoryAtPath("a/b", IntermediateFolders::create)); }},
+        {"make a link", [&] { return errorOf(files->createSymbolicLinkAtPath("new", "/file")); }},
+        {"give away", [&] { return errorOf(files->setOwnerOfItemAtPath("/file", 1, 1)); }},
+        {"close", [&] { return errorOf(files->setPermissionsOfItemAtPath("/file", 0)); }},
+        {"date", [&] { return errorOf(files->setModificationDateOfItemAtPath("/file", {})); }},
+        {"remove what a walk finds",
+         [&] {
+             const auto walk = files->enumeratorAtPath("/folder");
+             walk->nextObject();
+             walk->nextObject();
+             return errorOf(walk->item().remove());
+         }},
+        {"remove in a found folder",
+         [&] { return errorOf(Item(*files->itemAtPath("/folder/inner")->openFolder(), "leaf").remove()); }},
+    };
+    for (const auto& [name, change] : changes) {
+        EXPECT_EQ(change(), EROFS) << name;
+    }
+    EXPECT_EQ(host.listing(), before);
+    EXPECT_FALSE(files->isWritableFileAtPath("/file"));
+    EXPECT_TRUE(files->createDirectoryAtPath("/folder/inner", IntermediateFolders::create));
+    EXPECT_EQ(*files->contentsAtPath("inner/leaf"), "x");
 }
 
 TEST_P(FileManagerTest, NoHandleKnowsFoldersThatWereReplaced) {

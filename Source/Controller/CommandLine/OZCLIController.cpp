@@ -7,7 +7,6 @@
 #include "Platform/Device.h"
 
 #include <mutex>
-#include <tuple>
 
 using namespace menutext;
 
@@ -26,14 +25,18 @@ std::mutex finishedMutex;
 
 } // namespace
 
+OZCLIController::OZCLIController(OZModelBuilder& modelBuilder)
+    : _modelBuilder(modelBuilder)
+    , _warnings(modelBuilder.device().warnings()) {}
+
 void OZCLIController::startCLI() {
     core().setCommandLineOutputEnabled(true);
     for (;;) {
         printTitle();
         OZStdIO::printf(
-            fmt::format("{}\n\n{} Analyze the device\n{} Clean up the device\n\n{} More ...\n\n{} "
+            fmt::format("{}{}\n\n{} Analyze the device\n{} Clean up the device\n\n{} More ...\n\n{} "
                         "Settings\n\n{} Exit\n\nChoice = ",
-                        yellow(question), number(1), number(2), number(3), number(9), number(0)));
+                        warnings(), yellow(question), number(1), number(2), number(3), number(9), number(0)));
         const int64_t choice = readChoice();
         OZStdIO::clear();
         if (choice == 0) {
@@ -70,7 +73,7 @@ void OZCLIController::printTitle() {
 
 void OZCLIController::printResults(uint64_t fileCount, const std::optional<std::string>& freedSpaceString) {
     OZStdIO::clear();
-    OZStdIO::printf(fmt::format("{}\n\nProcessed files: {}\n", green("Operation completed!"),
+    OZStdIO::printf(fmt::format("{}\n\n{}Processed files: {}\n", green("Operation completed!"), warnings(),
                                 yellow(fmt::to_string(fileCount))));
     if (freedSpaceString) {
         OZStdIO::printf(fmt::format("Total size: {}\n", yellow(*freedSpaceString)));
@@ -106,8 +109,9 @@ int64_t OZCLIController::readChoice() {
 }
 
 void OZCLIController::synchronize() {
-    // What could not be saved stays in memory and is saved with the next choice.
-    std::ignore = _modelBuilder.device().standardUserDefaults().synchronize();
+    if (!_modelBuilder.device().standardUserDefaults().synchronize()) {
+        _modelBuilder.reloadDefaults();
+    }
 }
 
 OZCore& OZCLIController::core() {

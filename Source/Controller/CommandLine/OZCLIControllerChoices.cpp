@@ -76,7 +76,7 @@ void OZCLIController::showLanguagesToRemoveMenu() {
 }
 
 void OZCLIController::printLanguages(const std::vector<std::string>& languages) {
-    std::string text = yellow("Languages to remove:") + "\n\n";
+    std::string text = yellow("Languages to remove:") + "\n\n" + warnings();
     for (size_t index = 0; index < languages.size(); ++index) {
         const bool isSelected = core().languagesToRemove().contains(languages[index]);
         text += fmt::format("{}) {}{}\n", yellow(fmt::to_string(index + 1)), languages[index],

@@ -23,13 +23,15 @@ constexpr std::string_view fontsError = "The fonts folder can only be moved on i
 
 /// What the entries share while the menu is open.
 struct Context {
-    explicit Context(OZModelBuilder& builder)
-        : modelBuilder(builder)
+    Context(OZCLIController& menu, OZModelBuilder& builder)
+        : controller(menu)
+        , modelBuilder(builder)
         , fontsFolderMover(builder.fontsFolderMover()) {}
 
     [[nodiscard]] OZCore& core() const { return modelBuilder.core(); }
     [[nodiscard]] const platform::DeviceFacts& facts() const { return modelBuilder.device().facts(); }
 
+    OZCLIController& controller;
     OZModelBuilder& modelBuilder;
     std::unique_ptr<OZFontsFolderMover> fontsFolderMover;
     std::optional<OZFontsFolderError> fontsError;
@@ -66,32 +68,33 @@ void restore(Context& context) {
 }
 
 void printCount(Context& context) {
-    OZCLIController::printResults(context.core().fileCount(), std::nullopt);
+    context.controller.printResults(context.core().fileCount(), std::nullopt);
 }
 
 void printCountAndSize(Context& context) {
-    OZCLIController::printResults(context.core().fileCount(), context.core().freedSpaceString());
+    context.controller.printResults(context.core().fileCount(), context.core().freedSpaceString());
 }
 
 void printFonts(Context& context) {
     OZStdIO::clear();
+    const std::string warnings = context.controller.warnings();
     if (context.fontsError) {
-        OZStdIO::printf(fmt::format("{}\n\nError description:\n{}\n\nPlease email me at '{}' if you need "
+        OZStdIO::printf(fmt::format("{}\n\n{}Error description:\n{}\n\nPlease email me at '{}' if you need "
                                     "assistance.\n",
-                                    red("An error occurred while moving the fonts folder."),
+                                    red("An error occurred while moving the fonts folder."), warnings,
                                     context.fontsError->localizedDescription(), supportAddress));
         return;
     }
     const bool isOnData = context.fontsFolderMover->folderLocation() == OZFontsFolderLocation::data;
     OZStdIO::printf(green(fmt::format("Fonts folder moved from the {} partition to the {} partition.",
                                       isOnData ? "system" : "data", isOnData ? "data" : "system")) +
-                    "\n");
+                    "\n" + (warnings.empty() ? "" : "\n" + warnings));
 }
 
-void printReboot(Context& /*context*/) {
+void printReboot(Context& context) {
     OZStdIO::clear();
-    OZStdIO::printf(fmt::format("{}\n\nPlease reboot your device for changes to take effect.\n",
-                                green("Operation completed!")));
+    OZStdIO::printf(fmt::format("{}\n\n{}Please reboot your device for changes to take effect.\n",
+                                green("Operation completed!"), context.controller.warnings()));
 }
 
 // An unknown model counts as every kind of device: what it may need stays.
@@ -136,9 +139,9 @@ constexpr Entry entries[] = {
      "Restoring launch daemons, Cydia Substrate addons and Preference Bundles", restore, printReboot},
 };
 
-void printMenu() {
+void printMenu(const std::string& warnings) {
     OZStdIO::clear();
-    std::string text = yellow(question) + "\n\n";
+    std::string text = yellow(question) + "\n\n" + warnings;
     for (size_t index = 0; index < std::size(entries); ++index) {
         text += fmt::format("{} {}\n", number(index + 1), entries[index].name);
     }
@@ -148,13 +151,13 @@ void printMenu() {
 } // namespace
 
 void OZCLIController::showMoreMenu() {
-    Context context(_modelBuilder);
+    Context context(*this, _modelBuilder);
     std::vector<bool> available;
     for (const Entry& entry : entries) {
         available.push_back(entry.isAvailable == nullptr || entry.isAvailable(context));
     }
     for (;;) {
-        printMenu();
+        printMenu(warnings());
         const int64_t choice = readChoice();
         if (choice == 0) {
             return;

@@ -70,7 +70,7 @@ void OZCLIController::showSettingsMenu() {
 
 void OZCLIController::printSettings() {
     const auto keys = OZCore::cleanupStepKeys(_modelBuilder.device());
-    std::string text = yellow("Settings:") + "\n\n";
+    std::string text = yellow("Settings:") + "\n\n" + warnings();
     text += line(0) + ": " + onOrOff(core().testMode());
     text += line(1) + ": " + attachmentsText(attachments(core()));
     for (size_t index = firstStepWithTwoStates; index < labels.size(); ++index) {

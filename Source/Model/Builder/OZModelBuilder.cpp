@@ -27,6 +27,24 @@ platform::UserDefaults& OZModelBuilder::standardUserDefaults() {
     return defaults;
 }
 
+void OZModelBuilder::reloadDefaults() {
+    standardUserDefaults().revert();
+    if (_localizationManager) {
+        _localizationManager->loadDefaults();
+    }
+    if (_appList) {
+        _appList->removeAllExcludedApps();
+        _appList->loadDefaults();
+    }
+    if (_core) {
+        _core->removeAllLanguagesToRemove();
+        _core->loadDefaults();
+    }
+    if (_pluginLoader) {
+        _pluginLoader->loadDefaults();
+    }
+}
+
 const platform::Bundle& OZModelBuilder::bundle() {
     if (!_bundle) {
         _bundle = std::make_unique<platform::Bundle>();

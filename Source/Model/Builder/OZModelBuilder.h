@@ -36,6 +36,9 @@ class OZModelBuilder {
 
     [[nodiscard]] platform::Device& device() const { return _device; }
 
+    /// Puts what is stored into force in all that was built, in place of choices that were never saved.
+    void reloadDefaults();
+
     /// The program's own resources.
     const platform::Bundle& bundle();
 

@@ -81,6 +81,61 @@ TEST_F(MenuTest, EndsWithItsConnection) {
     }
 }
 
+TEST_F(MenuTest, HasTheDeviceForItself) {
+    create();
+    const auto run = [&](std::vector<std::string> words, const std::string& directory) {
+        words.insert(words.begin(), {"--device", directory});
+        return runProgram("ozvarine", words);
+    };
+    std::optional<Terminal> terminal(std::in_place, "ozvarine", menuArguments());
+    terminal->screen();
+    const auto before = snapshotOf(path(""));
+    const std::string holder = "process " + std::to_string(terminal->process()) + " of user ";
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"-clean"},
+                                                  {"--dry-run", "-clean"},
+                                                  {"-cli"},
+                                                  {"-restore-togglable-items"}}) {
+        // By the tree alone it is the same device.
+        for (const auto& directory : {device, path("")}) {
+            const auto refused = run(words, directory);
+            EXPECT_EQ(refused.status, 1) << words.front();
+            EXPECT_THAT(refused.errors,
+                        testing::AllOf(testing::HasSubstr(holder), testing::ContainsRegex("since 20[0-9-]+ "),
+                                       testing::HasSubstr("--dry-run --log")));
+        }
+    }
+    const auto looked = run({"--dry-run", "--log", folder.path("log"), "-clean", "-printresults"}, device);
+    EXPECT_THAT(looked.output, testing::HasSubstr("success=true"));
+    EXPECT_THAT(looked.errors, testing::HasSubstr(holder));
+    EXPECT_EQ(run({"-printsettings"}, device).status, 0);
+    EXPECT_THAT(differences(before, snapshotOf(path(""))), testing::IsEmpty());
+
+    ::kill(terminal->process(), SIGKILL);
+    EXPECT_TRUE(terminal->end());
+    EXPECT_EQ(run({"-clean"}, device).status, 0);
+}
+
+TEST_F(MenuTest, ExcludesRunsOfOtherUsers) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs root to become another user";
+    }
+    create();
+    folder.make("bin/");
+    const std::string asOther = "chmod 755 '" + folder.path() + "' && chown -R 65534 '" + device +
+                                "' && cp '" OZ_BINARY_DIRECTORY "/ozvarine' '" + folder.path("bin") +
+                                "' && setpriv --reuid=65534 --regid=65534 --clear-groups '" +
+                                folder.path("bin/ozvarine") + "' --device '" + device + "' ";
+    Terminal terminal("ozvarine", menuArguments());
+    terminal.screen();
+    const auto refused = shell(asOther + "-clean");
+    if (refused.output.contains("Failed to gain root")) {
+        GTEST_SKIP() << "ordinary users may make no user namespace here";
+    }
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.output,
+                testing::HasSubstr("process " + std::to_string(terminal.process()) + ", running since"));
+}
+
 TEST_F(MenuTest, WaitsWithoutSpinningAndIsInterruptedAsAnyProgram) {
     create();
     Terminal terminal("ozvarine", menuArguments());

@@ -1,5 +1,9 @@
 #include "Tests/Controller/CommandLine/MenuTest.h"
 
+#include <csignal>
+#include <fstream>
+
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 using namespace tests;
@@ -157,6 +161,71 @@ TEST_F(MenuTest, SelectsLanguagesAndThenOffersToRemoveThem) {
     terminal.screen();
     expectWork(terminal, "9", "Removing languages", "results with size");
     expectScreen(terminal, "", "more");
+}
+
+TEST_F(MenuTest, ShowsWarningsOnTheNextScreenAndWhatIsStored) {
+    create();
+    {
+        Terminal terminal("ozvarine", menuArguments());
+        terminal.screen();
+        for (const char* line : {"9", "1", "3", "16", "1", "0", "15", "com.saurik.Cydia", "14", "bak"}) {
+            terminal.enter(line);
+            terminal.screen();
+        }
+    }
+    const Dictionary before = choices();
+    Terminal terminal([&] {
+        // As on a full disk.
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit none{.rlim_cur = 0, .rlim_max = 0};
+        return ::setrlimit(RLIMIT_FSIZE, &none) == 0 ? execute("ozvarine", menuArguments()) : 1;
+    });
+    terminal.screen();
+    const std::string heading = "<clear><yellow>Settings:<reset>\n\n";
+    const std::string warning =
+        "<red>The settings cannot be saved to /var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist "
+        "(File too large).<reset>\n\n";
+    terminal.enter("9");
+    std::string stored = terminal.screen();
+    stored.erase(0, stored.find(heading) + heading.size());
+    EXPECT_THAT(stored, testing::HasSubstr("com.saurik.Cydia"));
+    const std::vector<std::string> changes[] = {{"1"}, {"2"}, {"3"}, {"14", "DEL"}, {"15", "DEL"}};
+    for (const auto& lines : changes) {
+        for (const auto& line : lines) {
+            terminal.enter(line);
+            if (line != lines.back()) {
+                terminal.screen();
+            }
+        }
+        EXPECT_EQ(terminal.screen(), lines.back() + "\n" + heading + warning + stored) << lines.front();
+    }
+    // It says so once a failure, and not again.
+    terminal.enter("17");
+    EXPECT_EQ(terminal.screen(), "17\n" + heading + stored);
+    terminal.enter("16");
+    const std::string languages = terminal.screen();
+    EXPECT_THAT(languages, testing::HasSubstr("<green>v<reset>"));
+    terminal.enter("1");
+    std::string again = terminal.screen();
+    ASSERT_THAT(again, testing::HasSubstr("Languages to remove:<reset>\n\n" + warning));
+    again.erase(again.find(warning), warning.size());
+    EXPECT_EQ(again.substr(1), languages.substr(2)) << "all but the echo of what was entered";
+    EXPECT_EQ(choices(), before);
+}
+
+TEST_F(MenuTest, ShowsTheWarningsOfWorkWithItsResults) {
+    create();
+    std::ofstream(path("/var/mobile/Library/Preferences/.GlobalPreferences.plist")) << "damaged";
+    Terminal terminal("ozvarine", menuArguments());
+    for (const char* line : {"9", "16", "1", "0", "0", "3", "9"}) {
+        terminal.screen();
+        terminal.enter(line);
+    }
+    EXPECT_THAT(
+        terminal.screen(),
+        testing::HasSubstr("<green>Operation completed!<reset>\n\n<red>Nobody can tell the language in "
+                           "use, since /var/mobile/Library/Preferences/.GlobalPreferences.plist cannot "
+                           "be read; no language was removed.<reset>\n\nProcessed files: "));
 }
 
 TEST_F(MenuTest, DropsLinesThatAreNoNumber) {

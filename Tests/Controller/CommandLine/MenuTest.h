@@ -5,6 +5,7 @@
 #include "Tests/Support/HostFile.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TreeSnapshot.h"
 
 #include <filesystem>
 #include <string>
