@@ -31,13 +31,6 @@ Outcome onTree(const TemporaryFolder& folder, std::vector<std::string> arguments
     return runProgram("ozvarine", arguments);
 }
 
-// The command line that puts the program with all that belongs to it into "build".
-std::string copyOfProgram(const TemporaryFolder& folder) {
-    const std::string build = folder.path("build");
-    return "mkdir -p " + build + "/bin && cp -r " OZ_BINARY_DIRECTORY "/../libexec " OZ_BINARY_DIRECTORY
-           "/../share " + build + " && cp " OZ_BINARY_DIRECTORY "/ozvarine " + build + "/bin";
-}
-
 } // namespace
 
 TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
@@ -154,7 +147,7 @@ TEST(Launcher, RefusesAFolderThatTheUserMayNotRead) {
     ::chmod(folder.path("tree").c_str(), 0700);
     // The test program's own folder may be closed to the other user, so a copy of the program in an open
     // place runs.
-    const std::string command = copyOfProgram(folder) +
+    const std::string command = tests::copyOfProgram(folder.path("build")) +
                                 " && setpriv --reuid=65534 --regid=65534 --clear-groups " +
                                 folder.path("build/bin/ozvarine") + " --device " + folder.path("tree") +
                                 " -clean 2>" + folder.path("errors");
@@ -176,7 +169,7 @@ TEST(Launcher, NamesWhatIsMissingBesideItselfBeforeAnythingIsDone) {
     const TemporaryFolder folder;
     makeTree(folder, "11.1");
     const std::string build = folder.path("build");
-    tests::shell(copyOfProgram(folder));
+    tests::shell(tests::copyOfProgram(folder.path("build")));
     const std::string clean = build + "/bin/ozvarine --device " + folder.path("tree") + " -clean; echo $?";
     for (const std::string part : {"libexec/ozenter", "libexec/libozenter.so", "libexec/apt.conf",
                                    "share/ozvarine/English.strings", "share/ozvarine/lang"}) {

@@ -120,11 +120,10 @@ TEST_F(MenuTest, ExcludesRunsOfOtherUsers) {
         GTEST_SKIP() << "needs root to become another user";
     }
     create();
-    folder.make("bin/");
     const std::string asOther = "chmod 755 '" + folder.path() + "' && chown -R 65534 '" + device +
-                                "' && cp '" OZ_BINARY_DIRECTORY "/ozvarine' '" + folder.path("bin") +
-                                "' && setpriv --reuid=65534 --regid=65534 --clear-groups '" +
-                                folder.path("bin/ozvarine") + "' --device '" + device + "' ";
+                                "' && " + tests::copyOfProgram(folder.path("build")) +
+                                " && setpriv --reuid=65534 --regid=65534 --clear-groups '" +
+                                folder.path("build/bin/ozvarine") + "' --device '" + device + "' ";
     Terminal terminal("ozvarine", menuArguments());
     terminal.screen();
     const auto refused = shell(asOther + "-clean");
