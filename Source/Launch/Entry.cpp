@@ -84,8 +84,13 @@ int run(const std::vector<std::string>& arguments) {
     }
     if (const auto& facts = (*device)->facts(); facts.foundationVersion == 0) {
         if (!facts.systemVersion.empty()) {
-            return fail(fmt::format("\"{}\" is no iOS version from 4 on; name one such as 9.3.5",
-                                    facts.systemVersion));
+            const bool isGiven = facts.systemVersion == options->given.systemVersion;
+            return fail(isGiven
+                            ? fmt::format("\"{}\" is no iOS version from 4 on; name one such as 9.3.5",
+                                          facts.systemVersion)
+                            : fmt::format("{} tells a version that is no iOS version from 4 on; repair its "
+                                          "Device.plist or SystemVersion.plist",
+                                          *options->device));
         }
         return fail(fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
                                 "System/Library/CoreServices/SystemVersion.plist; is it a device's tree? If it "

@@ -18,7 +18,8 @@ constexpr std::string_view privateDataFolder = "/private/var/mobile";
 std::optional<Refusal> contradictingVersion(platform::Device& device, const LauncherOptions& options) {
     const std::string& given = options.given.systemVersion;
     const std::string& told = device.facts().systemVersion;
-    if (given.empty() || platform::versionNumbers(given) == platform::versionNumbers(told)) {
+    const auto version = platform::versionNumbers(told);
+    if (given.empty() || !version || version == platform::versionNumbers(given)) {
         return std::nullopt;
     }
     return Refusal{

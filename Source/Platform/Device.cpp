@@ -35,12 +35,6 @@ bool isFile(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-// A device folder's tree has a folder of its own beside the facts; a plain tree is the device's "/" itself.
-bool isDeviceFolder(const std::string& directory) {
-    return isFolder(directory + "/Root") &&
-           (isFile(directory + "/Device.plist") || isFolder(directory + "/Tools"));
-}
-
 std::string realPath(const std::string& path) {
     char* resolved = ::realpath(path.c_str(), nullptr);
     if (resolved == nullptr) {
@@ -111,6 +105,11 @@ Result<void> Device::lock() {
     }
     _lock = std::move(*taken);
     return {};
+}
+
+bool Device::isDeviceFolder(const std::string& directory) {
+    return isFolder(directory + "/Root") &&
+           (isFile(directory + "/Device.plist") || isFolder(directory + "/Tools"));
 }
 
 std::expected<std::unique_ptr<Device>, std::string> Device::open(const std::string& directory,

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <map>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -73,6 +74,15 @@ TEST_P(GenerationTest, HasItsFactsItsLayoutAndItsDatabases) {
     EXPECT_EQ(*platform::valueAt<std::string>(dictionary, "SystemVersion"), GetParam().productVersion);
     EXPECT_EQ(*platform::valueAt<double>(dictionary, "FoundationVersion"), GetParam().foundationVersion);
 
+    const auto preferences = platform::parsePropertyList(
+        contentOf(device.root() / "var/mobile/Library/Preferences/.GlobalPreferences.plist"));
+    const auto* const languages =
+        preferences
+            ? platform::valueAt<platform::Array>(*preferences->as<platform::Dictionary>(), "AppleLanguages")
+            : nullptr;
+    ASSERT_NE(languages, nullptr);
+    EXPECT_THAT(*languages->front().as<std::string>(), testing::StartsWith("en"));
+
     EXPECT_GE(count(device.root() / GetParam().bundleFolder), 30U);
     const auto rows =
         shell(fmt::format("sqlite3 '{}/var/mobile/Library/SMS/sms.db' 'select count(*) from {}'",
@@ -107,6 +117,30 @@ TEST(DeviceFolder, JunkIsCountedExactly) {
     EXPECT_EQ(files(2503) - files(0), 2503U);
 }
 
+TEST(DeviceFolder, InfoTellsOfAPlainTreeWhatTheTreeTells) {
+    const DemoDevice device({.productVersion = "9.3.5", .junkFileCount = 0});
+    const auto told = [](const fs::path& directory) {
+        const auto description = describeDevice(directory).value();
+        return std::map<std::string, std::string>(description.begin(), description.end());
+    };
+    const auto folder = told(device.path());
+    EXPECT_THAT(folder.at("packages"), testing::MatchesRegex("[1-9][0-9]+"));
+    // A database behind an absolute link, in a tree that lacks the links at its top.
+    fs::rename(device.root() / "private/var/lib/dpkg", device.root() / "Library/dpkg");
+    fs::create_symlink("/Library/dpkg", device.root() / "private/var/lib/dpkg");
+    fs::remove(device.root() / "var");
+    const auto tree = told(device.root());
+    for (const char* key : {"product version", "foundation version", "core foundation version",
+                            "applications", "packages", "files", "bytes"}) {
+        EXPECT_EQ(tree.at(key), folder.at(key)) << key;
+    }
+    EXPECT_EQ(tree.at("model"), "unknown");
+    EXPECT_EQ(tree.at("tools"), "");
+    EXPECT_THAT(
+        shell(fmt::format("{}/ozdevice info '{}'", OZ_BINARY_DIRECTORY, device.root().string())).output,
+        AllOf(HasSubstr("model: unknown\n"), HasSubstr("\nsystem applications: ")));
+}
+
 TEST(DeviceFolder, RefusesWhateverIsThere) {
     const TemporaryFolder folder;
     const fs::path full = folder.path("full");
@@ -125,7 +159,8 @@ TEST(DeviceFolder, RefusesWhateverIsThere) {
         {{"create", folder.path("new"), "--files", "many"}, 2, "--files takes a number"},
         {{"create", folder.path("new"), "--files"}, 2, "--files needs a value"},
         {{"create"}, 2, "needs a directory"},
-        {{"info", full}, 1, "is no device folder"},
+        {{"info", full}, 1, "is no device"},
+        {{"info", folder.path("new")}, 1, "there is no folder"},
     };
     for (const auto& row : cases) {
         testing::internal::CaptureStderr();

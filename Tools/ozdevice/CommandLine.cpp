@@ -23,7 +23,8 @@ constexpr std::string_view usage =
        ozdevice info DIR
 
 create  makes a device folder in DIR, which must be missing or empty
-info    prints what a device folder holds, and its applications with their containers
+info    prints what a device folder or a device's plain file tree holds, and its applications
+        with their containers
 
   --ios VERSION        version of the system, 4 to 11, such as 9 or 9.3.5 (default 11.1.2)
   --model NAME         hardware model, such as iPhone9,3 (default: usual for the version)

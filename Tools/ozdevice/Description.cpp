@@ -1,11 +1,10 @@
 #include "Description.h"
 
 #include "DeviceFiles.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Device.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <sstream>
 
 #include <fmt/format.h>
@@ -16,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* containerMetadata = ".com.apple.mobile_container_manager.metadata.plist";
-
 struct Counts {
     size_t files = 0;
     size_t folders = 0;
@@ -25,13 +22,6 @@ struct Counts {
     size_t applications = 0;
     uintmax_t bytes = 0;
 };
-
-std::string readFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
 
 Counts count(const fs::path& root) {
     Counts counts;
@@ -53,13 +43,17 @@ Counts count(const fs::path& root) {
     return counts;
 }
 
-size_t countPackages(const fs::path& root) {
-    std::istringstream status(readFile(root / "private/var/lib/dpkg/status"));
+std::string countPackages(platform::FileManager fileManager) {
+    const auto content = fileManager.contentsAtPath("/var/lib/dpkg/status");
+    if (!content && !platform::meansAbsence(content.error())) {
+        return fmt::format("unknown ({})", content.error().message());
+    }
+    std::istringstream status(content.value_or(""));
     size_t installed = 0;
     for (std::string line; std::getline(status, line);) {
         installed += line.starts_with("Status: ") && line.ends_with(" installed");
     }
-    return installed;
+    return std::to_string(installed);
 }
 
 std::vector<std::string> toolPaths(const fs::path& tools) {
@@ -74,47 +68,52 @@ std::vector<std::string> toolPaths(const fs::path& tools) {
     return paths;
 }
 
-std::string textOf(const platform::Dictionary& facts, std::string_view key) {
-    const auto found = facts.find(key);
-    if (found == facts.end()) {
-        return "unknown";
-    }
-    if (const auto* text = found->second.as<std::string>()) {
-        return *text;
-    }
-    const auto number = found->second.doubleValue();
-    return number ? fmt::format("{:.2f}", *number) : "unknown";
+std::string orUnknown(const std::string& text) {
+    return text.empty() ? "unknown" : text;
+}
+
+std::string numberText(double number) {
+    return number == 0 ? "unknown" : fmt::format("{:.2f}", number);
+}
+
+/// Something that only a device has: any other folder would be counted for long, and in vain.
+bool looksLikeDevice(const platform::Device& device) {
+    return !device.facts().systemVersion.empty() || device.fileManager().fileExistsAtPath("/var/mobile");
 }
 
 } // namespace
 
 std::expected<Description, std::string> describeDevice(const std::string& directory) {
+    const auto opened = platform::Device::open(directory);
+    if (!opened) {
+        return std::unexpected(opened.error());
+    }
+    const platform::Device& device = **opened;
     const fs::path folder(directory);
-    std::error_code error;
-    if (!fs::is_directory(folder / rootFolderName, error)) {
+    const bool isPlainTree = !platform::Device::isDeviceFolder(directory);
+    if (isPlainTree && !looksLikeDevice(device)) {
         return std::unexpected(
-            fmt::format("{} is no device folder: it has no {}", directory, rootFolderName));
+            fmt::format("{} is no device: it has neither {} nor var/mobile or a version in "
+                        "System/Library/CoreServices/SystemVersion.plist",
+                        directory, rootFolderName));
     }
-    const auto parsed = platform::parsePropertyList(readFile(folder / factsFileName));
-    const auto* facts = parsed ? parsed->as<platform::Dictionary>() : nullptr;
-    if (!facts) {
-        return std::unexpected(
-            fmt::format("{} is missing or no property list", (folder / factsFileName).string()));
-    }
-    const Counts counts = count(folder / rootFolderName);
+    const Counts counts = count(isPlainTree ? folder : folder / rootFolderName);
+    const platform::DeviceFacts& facts = device.facts();
+    // A text of the tree that is no version could be anything.
+    const bool tellsVersion = platform::versionNumbers(facts.systemVersion).has_value();
     return Description{
-        {"product version", textOf(*facts, "SystemVersion")},
-        {"foundation version", textOf(*facts, "FoundationVersion")},
-        {"core foundation version", textOf(*facts, "CoreFoundationVersion")},
-        {"model", textOf(*facts, "HardwareModel")},
-        {"time zone", textOf(*facts, "TimeZone")},
+        {"product version", tellsVersion ? facts.systemVersion : "unknown"},
+        {"foundation version", numberText(facts.foundationVersion)},
+        {"core foundation version", numberText(facts.coreFoundationVersion)},
+        {"model", orUnknown(facts.hardwareModel)},
+        {"time zone", facts.timeZone.value_or("unknown")},
         {"applications", std::to_string(counts.applications)},
-        {"packages", std::to_string(countPackages(folder / rootFolderName))},
+        {"packages", countPackages(device.fileManager())},
         {"files", std::to_string(counts.files)},
         {"folders", std::to_string(counts.folders)},
         {"links", std::to_string(counts.links)},
         {"bytes", std::to_string(counts.bytes)},
-        {"tools", fmt::format("{}", fmt::join(toolPaths(folder / toolsFolderName), " "))},
+        {"tools", isPlainTree ? "" : fmt::format("{}", fmt::join(toolPaths(folder / toolsFolderName), " "))},
     };
 }
 

@@ -6,7 +6,6 @@ namespace {
 // Files of applications, of packages (by their own names and by others), of nobody any more, and of the
 // system.
 constexpr TreeEntry preferences[] = {
-    {"/var/mobile/Library/Preferences/.GlobalPreferences.plist"},
     {"/var/mobile/Library/Preferences/UITextInputContextIdentifiers.plist"},
     {"/var/mobile/Library/Preferences/com.apple.Maps.plist"},
     {"/var/mobile/Library/Preferences/com.apple.mobilesafari.plist"},
@@ -34,6 +33,12 @@ constexpr TreeEntry preferences[] = {
 
 void addPreferences(DeviceBuild& build) {
     build.add(preferences);
+    // English in Germany, where the device's carrier is; since 9 a language has its region behind it.
+    const bool hasRegions = build.generation.major >= 9;
+    build.add("/var/mobile/Library/Preferences/.GlobalPreferences.plist",
+              platform::Dictionary{{"AppleLanguages", platform::Array{hasRegions ? "en-DE" : "en",
+                                                                      hasRegions ? "de-DE" : "de"}},
+                                   {"AppleLocale", "en_DE"}});
 }
 
 } // namespace ozdevice
