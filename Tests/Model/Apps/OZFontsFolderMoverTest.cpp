@@ -3,6 +3,7 @@
 #include "Tests/Support/Mounts.h"
 #include "Tests/Support/TemporaryDevice.h"
 
+#include <fstream>
 #include <functional>
 #include <map>
 
@@ -84,6 +85,11 @@ TEST(OZFontsFolderMover, MovesThereAndBack) {
     EXPECT_EQ(mover.folderLocation(), OZFontsFolderLocation::system);
     EXPECT_GE(mover.folderSize(), 40007U);
     EXPECT_THAT(mover.humanReadableFolderSize(), testing::MatchesRegex("[0-9]+ KiB"));
+    const auto sparse = fonts.device.hostPath("/System/Library/Fonts/Sparse.ttf");
+    std::ofstream(sparse).close();
+    fs::resize_file(sparse, uint64_t{2} << 40U);
+    EXPECT_THAT(mover.humanReadableFolderSize(), testing::EndsWith(" GiB"));
+    fs::remove(sparse);
 
     EXPECT_EQ(fonts.move(), "");
     EXPECT_EQ(fonts.tree(), inData);

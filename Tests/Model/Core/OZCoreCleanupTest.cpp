@@ -128,6 +128,26 @@ TEST(FreedSpace, IsSummedAnewByEachRun) {
     EXPECT_EQ(engine.core->freedSpace(), 0U);
 }
 
+TEST(FreedSpace, OfSparseFilesEndsNoRun) {
+    constexpr uint64_t tebi = uint64_t{1} << 40U;
+    for (const auto& [size, text] : {std::pair(tebi - 1, "1,024.00 GiB"),
+                                     {tebi, "1,024.00 GiB"},
+                                     {2 * tebi, "2,048.00 GiB"}}) {
+        EngineFixture engine;
+        engine.device.addFile("/var/tmp/zz");
+        std::error_code error;
+        std::filesystem::resize_file(engine.device.hostPath("/var/tmp/zz"), size, error);
+        if (error) {
+            GTEST_SKIP() << "needs a file system with sparse files of 2 TiB";
+        }
+        for (const auto mode : {OZCoreMode::analyze, OZCoreMode::test}) {
+            engine.clean({cleanupstep::tempFiles}, mode);
+            EXPECT_EQ(engine.core->freedSpaceString(), text);
+            EXPECT_THAT(engine.log(), testing::HasSubstr(std::string("Approximate size: ") + text));
+        }
+    }
+}
+
 TEST(Cleanup, LogTakesThePlaceOfWhateverStandsInItsWay) {
     EngineFixture engine;
     engine.device.addFile("/var/mobile/Library/Ozvarine", "a file where the folder belongs");
