@@ -23,3 +23,10 @@ struct ByteFormat {
 /// Throws platform::Exception ("NSRangeException") where a unit behind GiB is to be printed: for 1024 GiB and
 /// more, or a unit above 4.
 [[nodiscard]] std::string humanReadableStringFromBytes(uint64_t bytes, const ByteFormat& format = {});
+
+/// The unit to ask for where any size may come: GiB for those that have none of their own, else the one that
+/// suits the size.
+[[nodiscard]] constexpr unsigned unitForAnySize(uint64_t bytes) {
+    constexpr uint64_t tebibyte = uint64_t{1} << 40U;
+    return bytes < tebibyte ? 0 : 4;
+}

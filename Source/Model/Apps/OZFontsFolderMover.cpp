@@ -69,7 +69,8 @@ uint64_t OZFontsFolderMover::folderSize() {
 }
 
 std::string OZFontsFolderMover::humanReadableFolderSize() {
-    return humanReadableStringFromBytes(folderSize(), {.fractionalDigits = 0});
+    const uint64_t size = folderSize();
+    return humanReadableStringFromBytes(size, {.fractionalDigits = 0, .unit = unitForAnySize(size)});
 }
 
 /// One move: its steps, each of which says whether the next one may follow.

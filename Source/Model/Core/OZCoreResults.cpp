@@ -16,7 +16,7 @@ std::string OZCore::processFreedSpaceAndReturnResultsString(bool withSize) {
     if (_fileCount == 0) {
         _freedSpace = 0;
     }
-    _freedSpaceString = humanReadableStringFromBytes(_freedSpace);
+    _freedSpaceString = humanReadableStringFromBytes(_freedSpace, {.unit = unitForAnySize(_freedSpace)});
     return fmt::format("{}\n{} size: {}", counts, _mode == OZCoreMode::clean ? "Total" : "Approximate",
                        *_freedSpaceString);
 }

@@ -1,20 +1,19 @@
 #include "Model/Apps/OZFontsFolderMover.h"
 
+#include "Tests/Support/Mounts.h"
 #include "Tests/Support/TemporaryDevice.h"
 
-#include <array>
+#include <fstream>
 #include <functional>
 #include <map>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using tests::inMountNamespace;
+using tests::makeReadOnly;
 
 namespace {
 
@@ -65,44 +64,8 @@ const Tree inData = {{"/System/Library/Fonts", "-> /var/Fonts"},
                      {"/var/Fonts/Cache/Helvetica.ttc", "hhhhhhhhhh"},
                      {"/var/Fonts/Core/Courier.ttf", "courier"}};
 
-bool enterMountNamespace() {
-    return (::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
-           ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
-// Runs a block in a process with mounts of its own and gives what it tells; none where that is not allowed.
-std::optional<std::string> inMountNamespace(const std::function<std::string()>& block) {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) {
-        return std::nullopt;
-    }
-    const pid_t child = ::fork();
-    if (child == 0) {
-        if (!enterMountNamespace()) {
-            ::_exit(1);
-        }
-        const std::string text = block();
-        ::_exit(::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0 : 2);
-    }
-    ::close(ends[1]);
-    std::string text;
-    std::array<char, 4096> chunk{};
-    for (ssize_t count = 0; (count = ::read(ends[0], chunk.data(), chunk.size())) > 0;) {
-        text.append(chunk.data(), static_cast<size_t>(count));
-    }
-    ::close(ends[0]);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return status == 0 ? std::optional(text) : std::nullopt;
-}
-
 void mountPages(const fs::path& folder) {
-    ASSERT_EQ(::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=16k"), 0);
-}
-
-void makeReadOnly(const fs::path& folder) {
-    ASSERT_EQ(::mount(folder.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr), 0);
-    ASSERT_EQ(::mount(nullptr, folder.c_str(), nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr), 0);
+    tests::mountMemory(folder, 16384);
 }
 
 std::string described(const std::string& error, const Tree& tree) {
@@ -122,6 +85,11 @@ TEST(OZFontsFolderMover, MovesThereAndBack) {
     EXPECT_EQ(mover.folderLocation(), OZFontsFolderLocation::system);
     EXPECT_GE(mover.folderSize(), 40007U);
     EXPECT_THAT(mover.humanReadableFolderSize(), testing::MatchesRegex("[0-9]+ KiB"));
+    const auto sparse = fonts.device.hostPath("/System/Library/Fonts/Sparse.ttf");
+    std::ofstream(sparse).close();
+    fs::resize_file(sparse, uint64_t{2} << 40U);
+    EXPECT_THAT(mover.humanReadableFolderSize(), testing::EndsWith(" GiB"));
+    fs::remove(sparse);
 
     EXPECT_EQ(fonts.move(), "");
     EXPECT_EQ(fonts.tree(), inData);

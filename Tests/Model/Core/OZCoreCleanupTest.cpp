@@ -1,5 +1,10 @@
 #include "Model/Core/CleanupSteps.h"
 #include "Tests/Support/EngineFixture.h"
+#include "Tests/Support/Mounts.h"
+#include "Tests/Support/TemporaryFolder.h"
+
+#include <cstdlib>
+#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -73,6 +78,74 @@ TEST(Cleanup, SummaryStandsAtLineFourWhateverFollows) {
     EXPECT_THAT(engine.log(),
                 MatchesRegex("#+\n# PROCESSED FILES #\n#+\n" + summary +
                              "1\nApproximate size: 5.00 B\n\nTemporary Files\n#+\n\n/var/tmp/zz\n\n"));
+}
+
+TEST(FreedSpace, IsWhatTheFileSystemGained) {
+    constexpr uint64_t kibi = 1024;
+    const struct {
+        const char* name;
+        uint64_t junk;
+        // What another program does meanwhile.
+        const char* meanwhile;
+        uint64_t atLeast;
+        uint64_t atMost;
+    } cases[] = {
+        {"a file goes", 400 * kibi, "true", 350 * kibi, 400 * kibi},
+        {"others free more, and nothing is counted", 0, "rm \"$OZVARINE_DEVICE/ballast\"", 0, 0},
+        {"others take more", 4 * kibi, "head -c 400K /dev/zero > \"$OZVARINE_DEVICE/more\"", 0, 0},
+    };
+    for (const auto& [name, junk, meanwhile, atLeast, atMost] : cases) {
+        SCOPED_TRACE(name);
+        const tests::TemporaryFolder memory;
+        const auto freed = tests::inMountNamespace([&, junk = junk, meanwhile = meanwhile] {
+            tests::mountMemory(memory.path(), 4 * kibi * kibi);
+            ::setenv("TMPDIR", memory.path().c_str(), 1);
+            EngineFixture engine;
+            std::ofstream(engine.device.folder() / "ballast") << std::string(400 * kibi, 'b');
+            engine.device.addTool("/usr/bin/killall", meanwhile);
+            if (junk > 0) {
+                engine.device.addFile("/var/tmp/junk", std::string(junk, 'j'));
+            }
+            engine.clean({cleanupstep::cydia, cleanupstep::tempFiles});
+            return std::to_string(engine.core->freedSpace());
+        });
+        if (!freed) {
+            GTEST_SKIP() << "needs a namespace to mount in";
+        }
+        EXPECT_GE(std::stoull(*freed), atLeast);
+        EXPECT_LE(std::stoull(*freed), atMost);
+    }
+}
+
+TEST(FreedSpace, IsSummedAnewByEachRun) {
+    EngineFixture engine;
+    engine.device.addFile("/var/tmp/zz", "12345");
+    for (int run = 0; run < 2; ++run) {
+        engine.clean({cleanupstep::tempFiles}, OZCoreMode::analyze);
+        EXPECT_EQ(engine.core->freedSpace(), 5U);
+    }
+    engine.core->resetState();
+    EXPECT_EQ(engine.core->freedSpace(), 0U);
+}
+
+TEST(FreedSpace, OfSparseFilesEndsNoRun) {
+    constexpr uint64_t tebi = uint64_t{1} << 40U;
+    for (const auto& [size, text] : {std::pair(tebi - 1, "1,024.00 GiB"),
+                                     {tebi, "1,024.00 GiB"},
+                                     {2 * tebi, "2,048.00 GiB"}}) {
+        EngineFixture engine;
+        engine.device.addFile("/var/tmp/zz");
+        std::error_code error;
+        std::filesystem::resize_file(engine.device.hostPath("/var/tmp/zz"), size, error);
+        if (error) {
+            GTEST_SKIP() << "needs a file system with sparse files of 2 TiB";
+        }
+        for (const auto mode : {OZCoreMode::analyze, OZCoreMode::test}) {
+            engine.clean({cleanupstep::tempFiles}, mode);
+            EXPECT_EQ(engine.core->freedSpaceString(), text);
+            EXPECT_THAT(engine.log(), testing::HasSubstr(std::string("Approximate size: ") + text));
+        }
+    }
 }
 
 TEST(Cleanup, LogTakesThePlaceOfWhateverStandsInItsWay) {

@@ -90,6 +90,21 @@ TEST(CydiaStep, RemovesSnapshotsOfApplicationsThatAreGone) {
     EXPECT_NE(fixture.body().find("\n\norg.gone\n\norg.gone/1\n\n"), std::string::npos) << fixture.body();
 }
 
+TEST(CydiaStep, SnapshotsStayWhereNobodyCanTellWhichWebClipsThereAre) {
+    EngineFixture fixture;
+    fixture.addFiles({"/var/mobile/Library/Auxo/Snapshots/com.apple.webapp-A",
+                      "/var/mobile/Library/Auxo/Snapshots/org.gone/1"});
+    const auto snapshots = fixture.tree();
+    // A link to itself can be read by nobody.
+    fixture.device.addLink("/var/mobile/Library/WebClips", "WebClips");
+    fixture.run(cleanupstep::cydia);
+    EXPECT_THAT(fixture.tree(), testing::IsSupersetOf(snapshots));
+
+    std::filesystem::remove(fixture.device.hostPath("/var/mobile/Library/WebClips"));
+    fixture.run(cleanupstep::cydia);
+    EXPECT_THAT(fixture.tree(), ElementsAre("/var/mobile/Library/Auxo/Snapshots/"));
+}
+
 TEST(CydiaSourcesStep, TakesListsAndLeavesFolders) {
     EngineFixture fixture;
     fixture.addFiles({"/var/lib/apt/lists/a", "/var/lib/apt/lists/partial/b",

@@ -148,14 +148,24 @@ TEST(OZCorePrimitives, ATestRunSumsEachEntryThoughItGetsAnotherNameLater) {
 }
 
 TEST(OZCorePrimitives, TestModeReplacesAnOldBackupAndLeavesBackupsWhereTheyAre) {
-    EngineFixture engine;
-    engine.device.addFile("/f", "new");
-    engine.device.addFile(std::string("/f").append(backup), "old");
-    engine.enter(OZCoreMode::test);
-    engine.core->del(OZCore::Paths{std::string("/f").append(backup), "/f"});
-    EXPECT_EQ(engine.core->fileCount(), 2);
-    EXPECT_EQ(engine.device.contents(std::string("/f").append(backup)), "new");
-    EXPECT_FALSE(engine.exists("/f"));
+    using Primitive = void (*)(OZCore&, const OZCore::Paths&);
+    const Primitive primitives[] = {[](OZCore& core, auto& paths) { core.del(paths); },
+                                    [](OZCore& core, auto& paths) { core.delr(paths); },
+                                    [](OZCore& core, auto& paths) { core.quickDel(paths); },
+                                    [](OZCore& core, auto& paths) { core.quickDelLang(paths); }};
+    for (const auto primitive : primitives) {
+        EngineFixture engine;
+        engine.device.addFile("/f", "new");
+        engine.device.addFile("/f.OzvarineBackup", "old");
+        engine.enter(OZCoreMode::test);
+        primitive(*engine.core, {"/f.OzvarineBackup"});
+        EXPECT_EQ(engine.tree(), (std::set<std::string>{"/f", "/f.OzvarineBackup"}));
+        EXPECT_EQ(engine.core->fileCount(), 1U);
+        primitive(*engine.core, {"/f"});
+        EXPECT_EQ(engine.tree(), (std::set<std::string>{"/f.OzvarineBackup"}));
+        EXPECT_EQ(engine.device.contents("/f.OzvarineBackup"), "new");
+        EXPECT_EQ(engine.core->fileCount(), 2U);
+    }
 }
 
 TEST(OZCorePrimitives, ALaterStepSeesAnItemAgainInAnalysisAlone) {

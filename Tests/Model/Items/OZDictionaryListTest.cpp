@@ -111,6 +111,10 @@ TEST_F(DictionaryList, KeepsTheSizeThatItHasShown) {
     device.addFile(path + "/Body", "small");
     EXPECT_EQ(files.humanReadableSize(), humanReadableStringFromBytes(1024));
 
+    fs::resize_file(device.hostPath(path + "/Body"), uint64_t{2} << 40U);
+    EXPECT_EQ(OZDeletableItem(device.device(), path + "/Body").humanReadableSize(),
+              humanReadableStringFromBytes(uint64_t{2} << 40U, {.unit = 4}));
+
     EXPECT_THROW(OZDeletableItem(device.device(), {}, "id"), platform::AssertionFailure);
     EXPECT_THROW(OZDeletableItem(device.device(), {"/path"}, ""), platform::AssertionFailure);
 }

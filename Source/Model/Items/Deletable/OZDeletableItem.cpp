@@ -24,7 +24,7 @@ const std::string& OZDeletableItem::humanReadableSize() {
         for (const std::string& path : _paths) {
             size += sizeOfItemAtPath(fileManager, path);
         }
-        _humanReadableSize = humanReadableStringFromBytes(size, {.fractionalDigits = 2, .unit = 0});
+        _humanReadableSize = humanReadableStringFromBytes(size, {.unit = unitForAnySize(size)});
     }
     return *_humanReadableSize;
 }

@@ -28,8 +28,7 @@ class OZDeletableItem : public OZItem {
     [[nodiscard]] const std::vector<std::string>& paths() const { return _paths; }
 
     /// The size of all paths together as text, such as "1.50 KiB". The first call walks the folders among
-    /// them; what it found is kept, whatever becomes of the files. Throws what `humanReadableStringFromBytes`
-    /// throws, for 1024 GiB and more.
+    /// them; what it found is kept, whatever becomes of the files.
     [[nodiscard]] const std::string& humanReadableSize();
 
   private:
