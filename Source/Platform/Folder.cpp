@@ -4,7 +4,6 @@
 #include "Platform/DirectoryEnumerator.h"
 #include "Platform/TemporaryName.h"
 #include "Platform/TreeCopy.h"
-#include "Platform/TreeRemoval.h"
 
 #include <tuple>
 
@@ -90,8 +89,8 @@ std::unique_ptr<DirectoryEnumerator> Item::enumerate() const {
     return folder ? std::make_unique<DirectoryEnumerator>(std::move(folder)) : nullptr;
 }
 
-Result<void> Item::remove() const {
-    return removeTree(_parent->descriptor(), nameInside(_name));
+Result<void> Item::remove(const RemovalFailureHandler& failed) const {
+    return removeTree(_parent->descriptor(), nameInside(_name), failed);
 }
 
 Result<void> Item::rename(std::string_view newName) const {
@@ -108,8 +107,10 @@ Result<void> Item::renameReplacing(std::string_view newName) const {
     if (const auto own = attributes(); !own) {
         return std::unexpected(own.error());
     }
-    std::ignore = target.remove();
-    return moveTo(target);
+    const auto removed = target.remove();
+    renamed = moveTo(target);
+    const bool isInTheWay = !renamed && renamed.error().value() == EEXIST;
+    return isInTheWay && !removed ? removed : renamed;
 }
 
 Result<void> Item::moveTo(const Item& target) const {
