@@ -4,7 +4,6 @@
 #include "Platform/DirectoryEnumerator.h"
 #include "Platform/TemporaryName.h"
 #include "Platform/TreeCopy.h"
-#include "Platform/TreeRemoval.h"
 
 #include <tuple>
 
@@ -94,11 +93,11 @@ Result<void> Item::mayChange() const {
     return _parent->access() == Access::change ? Result<void>() : failure(EROFS);
 }
 
-Result<void> Item::remove() const {
+Result<void> Item::remove(const RemovalFailureHandler& failed) const {
     if (auto may = mayChange(); !may) {
         return may;
     }
-    return removeTree(_parent->descriptor(), nameInside(_name));
+    return removeTree(_parent->descriptor(), nameInside(_name), failed);
 }
 
 Result<void> Item::rename(std::string_view newName) const {
@@ -118,8 +117,10 @@ Result<void> Item::renameReplacing(std::string_view newName) const {
     if (const auto own = attributes(); !own) {
         return std::unexpected(own.error());
     }
-    std::ignore = target.remove();
-    return moveTo(target);
+    const auto removed = target.remove();
+    renamed = moveTo(target);
+    const bool isInTheWay = !renamed && renamed.error().value() == EEXIST;
+    return isInTheWay && !removed ? removed : renamed;
 }
 
 Result<void> Item::moveTo(const Item& target) const {

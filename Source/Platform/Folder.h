@@ -3,6 +3,7 @@
 #include "Platform/Descriptor.h"
 #include "Platform/Error.h"
 #include "Platform/FileAttributes.h"
+#include "Platform/TreeRemoval.h"
 
 #include <memory>
 #include <string>
@@ -56,13 +57,13 @@ class Item {
     /// Walks the item if it is a folder; null for anything else.
     [[nodiscard]] std::unique_ptr<DirectoryEnumerator> enumerate() const;
     /// Removes the item, a folder with all that is in it. Goes on past what cannot be removed and gives the
-    /// first error.
-    [[nodiscard]] Result<void> remove() const;
+    /// first error; the handler, if any, is told what stays inside of a folder.
+    [[nodiscard]] Result<void> remove(const RemovalFailureHandler& failed = {}) const;
     /// Gives the item another name in its folder, in one step. An existing item of that name is an error
     /// (EEXIST), and so is a folder that only a copy can move (EXDEV).
     [[nodiscard]] Result<void> rename(std::string_view newName) const;
     /// The same, by a copy where need be, and an existing item of that name is removed first, with all that
-    /// is in it.
+    /// is in it. Where that cannot be removed, the error tells why.
     [[nodiscard]] Result<void> renameReplacing(std::string_view newName) const;
     /// Moves the item, across file systems by copy and removal; owner, mode, times and extended attributes
     /// stay. An existing target is an error (EEXIST). A failed move leaves the item where it was; only where

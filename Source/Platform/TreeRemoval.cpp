@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -30,6 +31,9 @@ bool failedForBeingFolder(int error, int parent, const char* name) {
 // folders are kept by name and entered one after the other.
 class Remover {
   public:
+    explicit Remover(const RemovalFailureHandler& failed)
+        : _failed(failed) {}
+
     Result<void> run(int parent, const char* name) {
         removeFolder(parent, name);
         while (!_levels.empty()) {
@@ -47,11 +51,31 @@ class Remover {
         std::string name;
         std::vector<std::string> folders;
         FolderIdentity identity;
+        // Of what stays inside.
+        int firstError = 0;
     };
 
-    void note(int error) {
-        if (_firstError == 0 && error != ENOENT) {
+    // An entry of the innermost folder stays; the outermost one is the caller's to name.
+    void note(int error, std::string_view name) {
+        noteError(error);
+        if (_failed && error != ENOENT && !_levels.empty()) {
+            std::string path;
+            for (size_t index = 1; index < _levels.size(); ++index) {
+                path.append(_levels[index].name).append("/");
+            }
+            _failed(path.append(name), std::error_code(error, std::system_category()));
+        }
+    }
+
+    void noteError(int error) {
+        if (error == ENOENT) {
+            return;
+        }
+        if (_firstError == 0) {
             _firstError = error;
+        }
+        if (!_levels.empty() && _levels.back().firstError == 0) {
+            _levels.back().firstError = error;
         }
     }
 
@@ -65,12 +89,13 @@ class Remover {
         const int error = errno;
         const int flags = error == ENOTDIR || error == ELOOP ? 0 : AT_REMOVEDIR;
         if (::unlinkat(parent, name.c_str(), flags) < 0) {
-            note(errno == ENOTEMPTY || errno == EEXIST ? error : errno);
+            note(errno == ENOTEMPTY || errno == EEXIST ? error : errno, name);
         }
     }
 
     void enter(Descriptor folder, std::string name) {
-        Level level{.descriptor = std::move(folder), .name = std::move(name)};
+        Level& level = _levels.emplace_back(
+            Level{.descriptor = std::move(folder), .name = std::move(name), .folders = {}, .identity = {}});
         const int descriptor = level.descriptor.get();
         const bool read = forEachEntry(descriptor, [&](const DirectoryEntry& entry) {
             if (entry.type == DT_DIR) {
@@ -80,14 +105,13 @@ class Remover {
                 if (failedForBeingFolder(error, descriptor, entry.name.data())) {
                     level.folders.emplace_back(entry.name);
                 } else {
-                    note(error);
+                    note(error, entry.name);
                 }
             }
         });
         if (!read) {
-            note(errno);
+            noteError(errno);
         }
-        _levels.push_back(std::move(level));
         if (_levels.size() > openLevels) {
             giveUpDescriptor(_levels[_levels.size() - 1 - openLevels]);
         }
@@ -121,24 +145,25 @@ class Remover {
                 outer.descriptor = outer.identity.openAbove(left.descriptor.get());
             }
             if (!outer.descriptor) {
-                note(ESTALE);
+                noteError(ESTALE);
                 _levels.clear();
                 return;
             }
             parent = outer.descriptor.get();
         }
         if (::unlinkat(parent, left.name.c_str(), AT_REMOVEDIR) < 0) {
-            note(errno);
+            note(left.firstError != 0 && errno != ENOENT ? left.firstError : errno, left.name);
         }
     }
 
+    const RemovalFailureHandler& _failed;
     std::vector<Level> _levels;
     int _firstError = 0;
 };
 
 } // namespace
 
-Result<void> removeTree(int parent, const char* name) {
+Result<void> removeTree(int parent, const char* name, const RemovalFailureHandler& failed) {
     const std::string_view entry(name);
     // A folder seen from inside would be emptied before the system refused to remove it.
     if (entry == "." || entry == ".." || entry.find('/') != std::string_view::npos) {
@@ -151,7 +176,7 @@ Result<void> removeTree(int parent, const char* name) {
     if (!failedForBeingFolder(error, parent, name)) {
         return failure(error);
     }
-    return Remover().run(parent, name);
+    return Remover(failed).run(parent, name);
 }
 
 } // namespace platform

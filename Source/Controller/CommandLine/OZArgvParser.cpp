@@ -124,7 +124,7 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
         }
         break;
     }
-    return true;
+    return !_options.strict || core.stayedItems().count() == 0;
 }
 
 // What was enabled decides, not what was found.

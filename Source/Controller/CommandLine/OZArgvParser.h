@@ -38,7 +38,7 @@ class OZArgvParser {
 
     /// Whether a person sits at standard input.
     [[nodiscard]] static bool isInputInteractive();
-    /// Runs one cleanup; whether it ran.
+    /// Runs one cleanup; whether it ran, and with all that was asked of it.
     bool cleanWithAction(OZCleanAction action);
     /// Prints the user's language and the plug-ins of the home screen, for scripts: a key and its value a
     /// line.

@@ -25,6 +25,7 @@ void OZCore::resetState() {
     _cleanupStepCount = 0;
     _freedSpace = 0;
     _freedSpaceString.reset();
+    _stayedItems.clear();
     if (_cleanupLogger) {
         _cleanupLogger->closeLogFile();
     }

@@ -4,6 +4,7 @@
 #include "Model/Core/CustomFileRecord.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OnlyFiles.h"
+#include "Model/Core/StayedItems.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Platform/FileManager.h"
 #include "Platform/PropertyList.h"
@@ -17,6 +18,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace platform {
@@ -144,6 +146,8 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     [[nodiscard]] uint64_t freedSpace() const { return _freedSpace; }
     /// The same for people; none before the end of a run.
     [[nodiscard]] const std::optional<std::string>& freedSpaceString() const { return _freedSpaceString; }
+    /// What the last cleanup, test run, removal or restore tried and could not do.
+    [[nodiscard]] const StayedItems& stayedItems() const { return _stayedItems; }
     /// Back to the state before a run: counters at 0, current directory "/", log closed.
     void resetState();
     /// Completes the counters of a run and gives its summary; with the size when asked for it.
@@ -292,6 +296,13 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     /// `sizes` are those that are still being summed, if any.
     [[nodiscard]] platform::Result<void> moveToBackup(const platform::Item& item, std::string_view path,
                                                       platform::FileType type, SizeSum* sizes = nullptr);
+    // What could not be done is kept for the end of the run. The first two may be called on any thread.
+    platform::Result<void> removeItem(const platform::Item& item, std::string_view path, StayedItem kind);
+    void noteStayed(std::string_view path, const std::error_code& reason, StayedItem kind);
+    void noteStayedBelow(const platform::Item& folder, std::string_view path, const std::error_code& reason);
+    /// An item that a search has found and that cannot be reached.
+    void noteUnreached(std::string_view path, const std::error_code& reason);
+    void tellWhatStayed();
     void delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
                          const std::function<bool(std::string_view name)>& isWanted);
     void count(std::string_view path);
@@ -317,6 +328,7 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;
     std::optional<std::string> _freedSpaceString;
+    StayedItems _stayedItems;
 
     static inline bool _commandLineOutputEnabled = false;
 };

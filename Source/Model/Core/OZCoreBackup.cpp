@@ -47,6 +47,8 @@ void OZCore::restore(const platform::FoundPaths& backups) {
     for (const size_t index : deepestFirst(backups.names)) {
         if (const auto item = itemBelow(backups.folder, backups.names[index])) {
             restoreItem(*item, backups.path(index));
+        } else {
+            noteUnreached(backups.path(index), item.error());
         }
     }
     forgetLastFolder();
@@ -56,7 +58,12 @@ void OZCore::restoreItem(const platform::Item& backup, std::string_view path) {
     std::string oldName(backup.name());
     oldName.resize(oldName.size() - backupExtension.size());
     // A file that somebody has named like the extension alone is nobody's backup.
-    if (!oldName.empty() && backup.renameReplacing(oldName)) {
+    if (oldName.empty()) {
+        return;
+    }
+    if (const auto restored = backup.renameReplacing(oldName)) {
         count(path.substr(0, path.size() - backupExtension.size()));
+    } else {
+        noteUnreached(path, restored.error());
     }
 }

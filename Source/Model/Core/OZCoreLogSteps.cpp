@@ -62,7 +62,7 @@ void OZCore::cleanLinkedCrashReports() {
         const auto link = itemBelow(links.folder, name);
         const auto attributes = link ? link->attributes() : platform::failure(ENOENT);
         if (_mode == OZCoreMode::clean && attributes && attributes->type == FileType::symbolicLink) {
-            std::ignore = link->remove();
+            std::ignore = removeItem(*link, std::string(links.prefix).append(name), StayedItem::uncounted);
         }
     }
     del(reports);

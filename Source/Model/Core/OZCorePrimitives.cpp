@@ -95,7 +95,13 @@ void OZCore::quickDel(const FoundPaths& found) {
         countLooks(looks);
         return;
     }
-    forEachItem(*this, found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(*this, found, [&](const platform::Result<Item>& item, std::string_view path) {
+        if (item) {
+            quickDelItem(*item, path);
+        } else {
+            noteUnreached(path, item.error());
+        }
+    });
 }
 
 void OZCore::quickDelFound(const std::vector<std::string>& arguments) {
@@ -140,11 +146,13 @@ void OZCore::delItem(const Item& item, std::string_view path) {
     }
     count(path);
     if (_mode == OZCoreMode::clean) {
-        std::ignore = item.remove();
+        std::ignore = removeItem(item, path, StayedItem::counted);
         return;
     }
     addSize(attributes->size);
-    std::ignore = moveToBackup(item, path, attributes->type);
+    if (const auto moved = moveToBackup(item, path, attributes->type); !moved) {
+        noteStayed(path, moved.error(), StayedItem::counted);
+    }
 }
 
 void OZCore::delrItem(const Item& item, std::string_view path, SizeSum& sizes,
@@ -160,11 +168,16 @@ void OZCore::delrItem(const Item& item, std::string_view path, SizeSum& sizes,
         addSize(attributes->size);
     }
     if (_mode != OZCoreMode::clean) {
-        std::ignore = moveToBackup(item, path, attributes->type, &sizes);
+        if (const auto moved = moveToBackup(item, path, attributes->type, &sizes); !moved) {
+            noteStayed(path, moved.error(), StayedItem::counted);
+            noteStayedBelow(item, path, moved.error());
+        }
     } else if (removals != nullptr && attributes->type == FileType::directory) {
-        removals->add([item] { std::ignore = item.remove(); });
+        removals->add([this, item, path = std::string(path)] {
+            std::ignore = removeItem(item, path, StayedItem::counted);
+        });
     } else {
-        std::ignore = item.remove();
+        std::ignore = removeItem(item, path, StayedItem::counted);
     }
 }
 
@@ -186,24 +199,27 @@ void OZCore::countEntriesBelow(const Item& folder, std::string_view path, SizeSu
 
 void OZCore::quickDelItem(const Item& item, std::string_view path) {
     if (_mode == OZCoreMode::clean) {
-        if (item.remove()) {
+        if (removeItem(item, path, StayedItem::uncounted)) {
             count(path);
         }
         return;
     }
     const auto attributes = item.attributes();
     if (!attributes) {
+        noteUnreached(path, attributes.error());
         return;
     }
     addSize(attributes->size);
-    if (moveToBackup(item, path, attributes->type)) {
+    if (const auto moved = moveToBackup(item, path, attributes->type)) {
         count(path);
+    } else {
+        noteStayed(path, moved.error(), StayedItem::uncounted);
     }
 }
 
 void OZCore::quickDelLangItem(const platform::Result<Item>& item, std::string_view path) {
     if (_mode == OZCoreMode::clean) {
-        if (item && item->remove()) {
+        if (item && removeItem(*item, path, StayedItem::uncounted)) {
             count(path);
         }
         return;
@@ -215,8 +231,11 @@ void OZCore::quickDelLangItem(const platform::Result<Item>& item, std::string_vi
         }
     }
     // An analysis takes the caller's word for it that the folder is there.
-    if (_mode == OZCoreMode::analyze || (item && moveToBackup(*item, path, FileType::directory))) {
+    const auto moved = item ? moveToBackup(*item, path, FileType::directory) : std::unexpected(item.error());
+    if (_mode == OZCoreMode::analyze || moved) {
         count(path);
+    } else {
+        noteUnreached(path, moved.error());
     }
 }
 

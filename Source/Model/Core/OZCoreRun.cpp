@@ -64,6 +64,7 @@ void OZCore::endRun(std::optional<uint64_t> freeAtStart) {
         _freedSpace = freeAtEnd > *freeAtStart ? freeAtEnd - *freeAtStart : 0;
     }
     const std::string summary = processFreedSpaceAndReturnResultsString(freeAtStart.has_value());
+    tellWhatStayed();
     if (_cleanupLogger) {
         _cleanupLogger->closeLogFile();
         _cleanupLogger->logAtLine(summary, summaryLine);
