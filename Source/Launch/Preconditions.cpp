@@ -29,28 +29,37 @@ std::optional<Refusal> contradictingVersion(platform::Device& device, const Laun
 }
 
 // Nothing but a real name tells what a device needs: an iPad by any other name would count as none.
-std::optional<Refusal> malformedModel(platform::Device& /*device*/, const LauncherOptions& options) {
+std::optional<Refusal> wrongModel(platform::Device& device, const LauncherOptions& options) {
     const std::string& given = options.given.hardwareModel;
-    if (given.empty() || platform::isHardwareModel(given)) {
+    const std::string& told = device.facts().hardwareModel;
+    if (given.empty()) {
         return std::nullopt;
     }
-    return Refusal{
-        fmt::format("{} is no hardware model; name one as the device tells it, such as iPhone7,2 or "
-                    "iPad5,4",
-                    given)};
+    if (!platform::isHardwareModel(given)) {
+        return Refusal{
+            fmt::format("{} is no hardware model; name one as the device tells it, such as iPhone7,2 "
+                        "or iPad5,4",
+                        given)};
+    }
+    return told == given
+               ? std::nullopt
+               : std::optional(Refusal{fmt::format(
+                     "Device.plist tells {} as the device's model, and --model says {}; leave --model "
+                     "out, or mend Device.plist",
+                     told, given)});
 }
 
 bool isSameFolder(platform::FileManager& fileManager, std::string_view one, std::string_view other) {
     const auto first = fileManager.folderAtPath(one);
     const auto second = fileManager.folderAtPath(other);
-    struct stat a {};
-    struct stat b {};
+    struct stat a{};
+    struct stat b{};
     return first && second && ::fstat((*first)->descriptor(), &a) == 0 &&
            ::fstat((*second)->descriptor(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
-// Without them the stored choices and the excluded applications are unknown, and all that is known to be
-// anybody's data.
+// The stored choices and what belongs to applications are there: without it a run would go by the defaults,
+// and take for nobody's what is somebody's.
 std::optional<Refusal> missingData(platform::Device& device, const LauncherOptions& options) {
     const auto purpose = options.purpose();
     if (purpose == Purpose::tell || purpose == Purpose::show) {
@@ -153,7 +162,7 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
 using Check = std::optional<Refusal> (*)(platform::Device& device, const LauncherOptions& options);
 
 // In the order in which they are looked at.
-constexpr std::array checks = {Check{contradictingVersion}, Check{malformedModel}, Check{missingData},
+constexpr std::array checks = {Check{contradictingVersion}, Check{wrongModel}, Check{missingData},
                                Check{anotherAtWork}, Check{settingsThatCannotBeRead}};
 
 } // namespace

@@ -26,9 +26,8 @@ class Device {
     static std::expected<std::unique_ptr<Device>, std::string> open(const std::string& directory,
                                                                     const GivenFacts& given = {});
 
-    /// True for a folder that has the tree in a folder of its own, beside the facts; a plain tree is the
-    /// device's
-    /// "/" itself.
+    /// True for a folder that has the tree in a folder of its own, beside the facts; a plain tree is itself
+    /// the device's "/".
     static bool isDeviceFolder(const std::string& directory);
 
     /// A device over an opened root with given facts and no tools but `tools`; for those that know better

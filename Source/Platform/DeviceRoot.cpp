@@ -232,7 +232,7 @@ Result<DeviceRoot::Target> DeviceRoot::follow(std::string_view path) const {
 
 std::optional<std::string_view> DeviceRoot::targetOfMissingLink(std::string_view topName) const {
     for (const TopLink& link : topLinks) {
-        struct stat status {};
+        struct stat status{};
         if (link.name != topName ||
             ::fstatat(rootDescriptor(), std::string(topName).c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 ||
             errno != ENOENT) {

@@ -111,8 +111,8 @@ Result<Item> FileManager::newItemAtPath(std::string_view path) {
     if (!item || !_root->targetOfMissingLink(item->name())) {
         return item;
     }
-    struct stat top {};
-    struct stat parent {};
+    struct stat top{};
+    struct stat parent{};
     if (::fstat(_root->rootDescriptor(), &top) < 0 || ::fstat(item->parent()->descriptor(), &parent) < 0) {
         return lastError();
     }

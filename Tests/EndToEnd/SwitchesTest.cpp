@@ -77,7 +77,9 @@ TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
 
 TEST(Launcher, TakesAVersionAndAModelThatTheTreeDoesNotTell) {
     const TemporaryFolder folder;
-    folder.make("bare/var/mobile/");
+    folder.make("bare/var/mobile/\nfolder/Root/var/mobile/\n"
+                "folder/Device.plist: <plist version=\"1.0\"><dict><key>HardwareModel</key>"
+                "<string>iPad5,4</string></dict></plist>");
     makeTree(folder, "12.4");
     const std::string warning =
         "ozvarine: the device has iOS 12.4, which is newer than 11, the newest that this "
@@ -93,6 +95,8 @@ TEST(Launcher, TakesAVersionAndAModelThatTheTreeDoesNotTell) {
         {"bare", {"--ios", "nine", "-clean"}, 1, "\"nine\" is no iOS version from 4 on"},
         {"bare", {"--ios", "3.1", "-clean"}, 1, "\"3.1\" is no iOS version from 4 on"},
         {"bare", {"--ios", "9", "--model", "J81AP", "-clean"}, 1, "J81AP is no hardware model"},
+        {"folder", {"--ios", "9", "--model", "iPad5,4", "-clean"}, 0, ""},
+        {"folder", {"--ios", "9", "--model", "iPhone9,3", "-clean"}, 1, "tells iPad5,4"},
         {"tree", {"--ios", "9.3.5", "-clean"}, 1, "tells iOS 12.4 as its version, and --ios says 9.3.5"},
         {"tree", {"--ios", "12.4.0", "-clean"}, 0, warning},
         {"tree", {"--ios", "12.4", "-printsettings"}, 0, ""},

@@ -33,12 +33,12 @@ constexpr TreeEntry preferences[] = {
 
 void addPreferences(DeviceBuild& build) {
     build.add(preferences);
-    // English in Germany, where the device's carrier is; since 9 a language has its region behind it.
+    // Since 9 a language has its region behind it.
     const bool hasRegions = build.generation.major >= 9;
     build.add("/var/mobile/Library/Preferences/.GlobalPreferences.plist",
-              platform::Dictionary{{"AppleLanguages", platform::Array{hasRegions ? "en-DE" : "en",
+              platform::Dictionary{{"AppleLanguages", platform::Array{hasRegions ? "en-US" : "en",
                                                                       hasRegions ? "de-DE" : "de"}},
-                                   {"AppleLocale", "en_DE"}});
+                                   {"AppleLocale", "en_US"}});
 }
 
 } // namespace ozdevice

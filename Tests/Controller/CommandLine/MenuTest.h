@@ -23,8 +23,6 @@ class MenuTest : public testing::Test {
         std::vector<std::string> arguments = {"create", device, "--files", "20"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         ASSERT_EQ(runProgram("ozdevice", arguments).status, 0);
-        // The stored screens are those of a device that tells no language.
-        ::unlink((device + "/Root/private/var/mobile/Library/Preferences/.GlobalPreferences.plist").c_str());
     }
 
     [[nodiscard]] std::vector<std::string> menuArguments() const { return {"--device", device, "-cli"}; }
