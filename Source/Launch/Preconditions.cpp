@@ -87,6 +87,38 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
             : fmt::format("var/mobile in {} cannot be opened: {}", tree, folder.error().message())};
 }
 
+// Where none of these can be written, next to nothing could be removed, and no choice stored.
+constexpr std::array<std::string_view, 7> writtenFolders = {
+    "/",
+    "/var",
+    "/var/mobile",
+    "/var/mobile/Library",
+    "/var/mobile/Library/Preferences",
+    "/var/mobile/Library/Caches",
+    "/tmp",
+};
+
+std::optional<Refusal> treeThatCannotBeWritten(platform::Device& device, const LauncherOptions& options) {
+    constexpr int cannotCreate = 73;
+    if (options.purpose() != Purpose::change) {
+        return std::nullopt;
+    }
+    std::optional<std::error_code> reason;
+    for (const auto path : writtenFolders) {
+        const auto writable = device.fileManager().checkWritableAtPath(path);
+        if (writable) {
+            return std::nullopt;
+        }
+        if (!reason) {
+            reason = writable.error();
+        }
+    }
+    return Refusal{fmt::format("nothing was done: {} cannot be written ({}); mount it for writing or run as "
+                               "the user it belongs to, or look with --dry-run --log FILE -clean",
+                               options.device.value_or("the device's tree"), reason->message()),
+                   cannotCreate};
+}
+
 // Two that change things would overwrite each other's choices and mix one log.
 std::optional<Refusal> anotherAtWork(platform::Device& device, const LauncherOptions& options) {
     const auto purpose = options.purpose();
@@ -162,8 +194,9 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
 using Check = std::optional<Refusal> (*)(platform::Device& device, const LauncherOptions& options);
 
 // In the order in which they are looked at.
-constexpr std::array checks = {Check{contradictingVersion}, Check{wrongModel}, Check{missingData},
-                               Check{anotherAtWork}, Check{settingsThatCannotBeRead}};
+constexpr std::array checks = {Check{contradictingVersion}, Check{wrongModel},
+                               Check{missingData},          Check{treeThatCannotBeWritten},
+                               Check{anotherAtWork},        Check{settingsThatCannotBeRead}};
 
 } // namespace
 

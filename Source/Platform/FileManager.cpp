@@ -204,21 +204,26 @@ bool FileManager::fileExistsAtPath(std::string_view path, bool* isDirectory) {
     return attributes.has_value();
 }
 
-bool FileManager::mayAccess(std::string_view path, int mode) const {
-    if (mode == W_OK && _root->access() == Access::lookOnly) {
-        return false;
-    }
+Result<void> FileManager::checkAccess(std::string_view path, int mode) const {
     auto target = _root->follow(path);
-    return target && ::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(),
-                                 mode, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
+    if (!target) {
+        return std::unexpected(target.error());
+    }
+    return checked(::faccessat(target->folder.get(), target->leaf.empty() ? "." : target->leaf.c_str(), mode,
+                               AT_EACCESS | AT_SYMLINK_NOFOLLOW));
+}
+
+Result<void> FileManager::checkWritableAtPath(std::string_view path) const {
+    const auto writable = checkAccess(path, W_OK);
+    return writable && _root->access() == Access::lookOnly ? failure(EROFS) : writable;
 }
 
 bool FileManager::isWritableFileAtPath(std::string_view path) {
-    return mayAccess(path, W_OK);
+    return checkWritableAtPath(path).has_value();
 }
 
 bool FileManager::isExecutableFileAtPath(std::string_view path) {
-    return mayAccess(path, X_OK);
+    return checkAccess(path, X_OK).has_value();
 }
 
 Result<std::vector<std::string>> FileManager::contentsOfDirectoryAtPath(std::string_view path) {

@@ -82,6 +82,8 @@ class FileManager {
     /// Follows links; a link to nothing does not exist.
     [[nodiscard]] bool fileExistsAtPath(std::string_view path, bool* isDirectory = nullptr);
     [[nodiscard]] bool isWritableFileAtPath(std::string_view path);
+    /// Whether what a path leads to may be written, as the kernel sees it; the error says why not.
+    [[nodiscard]] Result<void> checkWritableAtPath(std::string_view path) const;
     [[nodiscard]] bool isExecutableFileAtPath(std::string_view path);
     [[nodiscard]] Result<std::vector<std::string>> contentsOfDirectoryAtPath(std::string_view path);
     /// Null when the path is no folder that can be read.
@@ -141,7 +143,7 @@ class FileManager {
     Result<std::shared_ptr<const Folder>> keepLastFolder(std::shared_ptr<const Folder> base,
                                                          std::string_view path, uint64_t generation,
                                                          Result<Descriptor> opened);
-    bool mayAccess(std::string_view path, int mode) const;
+    Result<void> checkAccess(std::string_view path, int mode) const;
 
     std::shared_ptr<DeviceRoot> _root;
     // The folder that the last path was in: lists of siblings are the common case.

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iostream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -259,6 +261,52 @@ TEST(Switches, SettingsThatAreFineAreNotReset) {
         EXPECT_THAT(outcome.errors, HasSubstr("com.ozdev90.ozvarine.plist"));
         EXPECT_TRUE(folder.exists(settings + "/kept"));
         EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+    }
+}
+
+TEST(Switches, ATreeThatCannotBeWrittenIsOnlyAnalysed) {
+    const TemporaryFolder folder;
+    makeTree(folder, "11.1");
+    ::chmod(folder.path().c_str(), 0755);
+    const std::string tree = folder.path("tree");
+    const std::string program = std::string(OZ_BINARY_DIRECTORY) + "/ozvarine";
+    const auto inNamespace = [&](const std::string& command) {
+        return tests::shell("unshare -rm sh -c \"mount --bind '" + tree + "' '" + tree + "' && mount -o " +
+                            "remount,bind,ro '" + tree + "' && " + command + "\"");
+    };
+    const auto asOther = [](const std::string& command) {
+        return tests::shell("setpriv --reuid=65534 --regid=65534 --clear-groups " + command);
+    };
+    const struct {
+        const char* name;
+        std::function<Outcome(const std::string&)> run;
+        const char* reason;
+    } worlds[] = {{"read-only mount", inNamespace, "Read-only file system"},
+                  {"somebody else's", asOther, "Permission denied"}};
+    const auto before = folder.listing();
+    for (const auto& [name, run, reason] : worlds) {
+        if (run("test -x '" + program + "'").status != 0 || run("unshare -r true").status != 0) {
+            std::cout << name << ": not possible here\n";
+            continue;
+        }
+        const auto ozvarine = [&](const std::string& words) {
+            return run("'" + program + "' --device '" + tree + "' " + words);
+        };
+        for (const char* words : {"-clean -printresults", "-cli", "-restore-togglable-items"}) {
+            const Outcome refused = ozvarine(words);
+            EXPECT_EQ(refused.status, 73) << name << words << refused.output;
+            EXPECT_THAT(refused.output, AllOf(HasSubstr(reason), HasSubstr("--dry-run --log FILE")));
+            EXPECT_EQ(std::ranges::count(refused.output, '\n'), 1) << refused.output;
+        }
+        const Outcome analysis = ozvarine("--dry-run -clean -printresults");
+        EXPECT_EQ(analysis.status, 0) << name;
+        EXPECT_THAT(analysis.output, HasSubstr("success=true"));
+        EXPECT_EQ(folder.listing(), before);
+    }
+    // One folder that can be written is enough.
+    const std::string mobile = folder.path("tree/var/mobile");
+    if (::chown(mobile.c_str(), 65534, 65534) == 0 && asOther("test -x '" + program + "'").status == 0) {
+        EXPECT_NE(asOther("'" + program + "' --device '" + tree + "' -clean").status, 73);
     }
 }
 

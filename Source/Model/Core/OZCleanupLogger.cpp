@@ -120,6 +120,11 @@ void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
         insertAtLine(text, line);
         return;
     }
+    // The tool goes past the file manager: where that may only look, the log is another run's.
+    const auto writable = _fileManager.checkWritableAtPath(logFilePath);
+    if (!writable && writable.error() == std::errc::read_only_file_system) {
+        return;
+    }
     const std::string escaped = escapedForSed(text);
     std::string script = fmt::format("{}i\\\n{}", line, escaped);
     if (line > 1) {

@@ -1,6 +1,7 @@
 #include "Tests/Controller/CommandLine/MenuTest.h"
 
 #include <csignal>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -104,15 +105,22 @@ TEST_F(MenuTest, HasTheDeviceForItself) {
                                        testing::HasSubstr("--dry-run --log")));
         }
     }
+    // The device's own tool, which puts a run's summary into the log.
+    const std::filesystem::path tool = device + "/Tools/usr/bin/sed";
+    std::filesystem::create_directories(tool.parent_path());
+    std::ofstream(tool) << "#!/bin/sh\necho >> '" << folder.path("edits") << "'\n";
+    std::filesystem::permissions(tool, std::filesystem::perms(0755));
     const auto looked = run({"--dry-run", "--log", folder.path("log"), "-clean", "-printresults"}, device);
     EXPECT_THAT(looked.output, testing::HasSubstr("success=true"));
     EXPECT_THAT(looked.errors, testing::HasSubstr(holder));
     EXPECT_EQ(run({"-printsettings"}, device).status, 0);
     EXPECT_THAT(differences(before, snapshotOf(path(""))), testing::IsEmpty());
+    EXPECT_FALSE(folder.exists("edits"));
 
     ::kill(terminal->process(), SIGKILL);
     EXPECT_TRUE(terminal->end());
     EXPECT_EQ(run({"-clean"}, device).status, 0);
+    EXPECT_TRUE(folder.exists("edits"));
 }
 
 TEST_F(MenuTest, ExcludesRunsOfOtherUsers) {
