@@ -11,6 +11,7 @@
 #include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZStdIO.h"
 #include "Platform/Device.h"
+#include "Platform/HostOutput.h"
 
 #include <csignal>
 #include <cstdio>
@@ -47,6 +48,13 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
         return fail(refusal->message, refusal->status);
     }
     OZModelBuilder modelBuilder(device);
+    if (options.logFile) {
+        auto output = platform::HostOutput::open(*options.logFile, device.fileManager().rootDescriptor());
+        if (!output) {
+            return fail(output.error());
+        }
+        modelBuilder.setHostOutput(std::move(*output));
+    }
     OZArgvParser parser(modelBuilder, {.analyze = options.dryRun, .strict = options.strict});
     if (const auto status = parser.parseArgumentVector(options.vector)) {
         return *status;
