@@ -53,15 +53,15 @@ bool isSame(const struct stat& first, const struct stat& second) {
 
 // Whether a folder is another one or lies below it, on whatever way; yes where nobody can tell.
 bool liesIn(int folder, int tree) {
-    struct stat top {};
-    struct stat here {};
+    struct stat top{};
+    struct stat here{};
     if (::fstat(tree, &top) < 0 || ::fstat(folder, &here) < 0) {
         return true;
     }
     Descriptor current(::openat(folder, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     while (current && !isSame(here, top)) {
         Descriptor above(::openat(current.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
-        struct stat status {};
+        struct stat status{};
         if (!above || ::fstat(above.get(), &status) < 0) {
             return true;
         }
@@ -142,7 +142,7 @@ Opened HostOutput::overFile(const std::string& path, int tree) {
     if (liesIn(folder.get(), tree)) {
         return refusal(path, "it is inside of the device's tree", "name a file outside of the device");
     }
-    struct stat status {};
+    struct stat status{};
     const bool isThere = ::fstatat(folder.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
     if (isThere && S_ISLNK(status.st_mode)) {
         return refusal(path, "it is a link, and could lead to another file than you mean");
@@ -240,7 +240,7 @@ Result<off_t> HostOutput::startOfLine(unsigned long line) const {
 
 // From the end on: the file grows before anything in it is written over, so that a full disk costs nothing.
 Result<void> HostOutput::moveEnd(off_t start, size_t distance) {
-    struct stat status {};
+    struct stat status{};
     if (::fstat(_file.descriptor(), &status) < 0) {
         return lastError();
     }
@@ -252,7 +252,8 @@ Result<void> HostOutput::moveEnd(off_t start, size_t distance) {
         if (!filled) {
             return std::unexpected(filled.error());
         }
-        if (const auto moved = writeAll(_file.descriptor(), {piece.data(), *filled}, from + static_cast<off_t>(distance));
+        if (const auto moved =
+                writeAll(_file.descriptor(), {piece.data(), *filled}, from + static_cast<off_t>(distance));
             !moved) {
             return moved;
         }

@@ -12,15 +12,16 @@
 
 namespace platform {
 
-/// A text that goes to a file of the host or to a stream of the process. A file has what was written at once or
-/// in large pieces, as a tree's file would; a stream, a pipe or a terminal gets the whole text at the end, since
-/// text may still be put between. The first error is kept, and what comes after it is tried all the same.
+/// A text that goes to a file of the host or to a stream of the process. A file has what was written at once
+/// or in large pieces, as a tree's file would; a stream, a pipe or a terminal gets the whole text at the end,
+/// since text may still be put between. The first error is kept, and what comes after it is tried all the
+/// same.
 class HostOutput {
   public:
     /// Makes the file where there is none; one that is there keeps its content until `start`. "-" is standard
-    /// output, and the names that the system has for streams ("/dev/stdout", "/dev/fd/N") mean them. What lies
-    /// inside of `tree` (a folder's descriptor), a link and a file of several names are refused: nobody can lead
-    /// the text to other people's files. The error is one line for the user.
+    /// output, and the names that the system has for streams ("/dev/stdout", "/dev/fd/N") mean them. What
+    /// lies inside of `tree` (a folder's descriptor), a link and a file of several names are refused: nobody
+    /// can lead the text to other people's files. The error is one line for the user.
     static std::expected<std::unique_ptr<HostOutput>, std::string> open(const std::string& path, int tree);
 
     HostOutput(const HostOutput&) = delete;
@@ -30,8 +31,8 @@ class HostOutput {
     void start(FileWriting writing);
     /// The second text follows the first.
     void write(std::string_view text, std::string_view more = {});
-    /// Puts a text and a line break before a line (the first is 1), or at the end where that is where the line
-    /// would begin. Nothing where the text is shorter.
+    /// Puts a text and a line break before a line (the first is 1), or at the end where that is where the
+    /// line would begin. Nothing where the text is shorter.
     void insertAtLine(std::string_view text, unsigned long line);
     /// Ends the text: all of it is where it belongs, or there is an error.
     void finish();
@@ -45,7 +46,8 @@ class HostOutput {
 
     static std::expected<std::unique_ptr<HostOutput>, std::string> overStream(Descriptor stream,
                                                                               const std::string& path);
-    static std::expected<std::unique_ptr<HostOutput>, std::string> overFile(const std::string& path, int tree);
+    static std::expected<std::unique_ptr<HostOutput>, std::string> overFile(const std::string& path,
+                                                                            int tree);
     void note(const Result<void>& outcome);
     Result<off_t> startOfLine(unsigned long line) const;
     Result<void> moveEnd(off_t start, size_t distance);

@@ -70,8 +70,12 @@ TEST(HostOutput, PutsTextBeforeALine) {
         unsigned long line;
         std::string result;
     } cases[] = {
-        {"1\n2\n3\n", 4, "1\n2\n3\n(\n)\n"},    {"1\n2\n3", 4, "1\n2\n3"},         {"1\n2\n3\n4", 4, "1\n2\n3\n(\n)\n4"},
-        {"1\n2\n", 1, "(\n)\n1\n2\n"},          {"", 1, "(\n)\n"},                 {"", 2, ""},
+        {"1\n2\n3\n", 4, "1\n2\n3\n(\n)\n"},
+        {"1\n2\n3", 4, "1\n2\n3"},
+        {"1\n2\n3\n4", 4, "1\n2\n3\n(\n)\n4"},
+        {"1\n2\n", 1, "(\n)\n1\n2\n"},
+        {"", 1, "(\n)\n"},
+        {"", 2, ""},
         {many, 4, "1\n2\n3\n(\n)\n" + many.substr(6)},
     };
     for (const auto& [text, line, result] : cases) {

@@ -175,10 +175,9 @@ void OZCleanupLogger::endLog() {
         _hostOutput->finish();
     }
     if (_error) {
-        _device.warnings().tell(fmt::format("The log {} could not be written in full: {}.{}", logFilePath,
-                                            _error->message(),
-                                            _hostOutput && !hostOutputFailed() ? " The one on this host is whole."
-                                                                               : ""));
+        _device.warnings().tell(
+            fmt::format("The log {} could not be written in full: {}.{}", logFilePath, _error->message(),
+                        _hostOutput && !hostOutputFailed() ? " The one on this host is whole." : ""));
     }
     if (hostOutputFailed()) {
         _device.warnings().tell(fmt::format("The log on this host could not be written in full: {}.",

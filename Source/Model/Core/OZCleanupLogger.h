@@ -39,8 +39,8 @@ class OZCleanupLogger {
 
     /// From now on the log of each run goes there, too, byte for byte.
     void setHostOutput(std::shared_ptr<platform::HostOutput> output) { _hostOutput = std::move(output); }
-    /// To be called when a run is over and its log is closed: ends the output on the host, and tells a person,
-    /// in one line each, what could not be written since the log was deleted.
+    /// To be called when a run is over and its log is closed: ends the output on the host, and tells a
+    /// person, in one line each, what could not be written since the log was deleted.
     void endLog();
     /// Whether an output on the host lacks something.
     [[nodiscard]] bool hostOutputFailed() const;
