@@ -13,6 +13,7 @@
 #include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZStdIO.h"
 #include "Platform/Device.h"
+#include "Platform/HostOutput.h"
 
 #include <csignal>
 #include <cstdio>
@@ -51,6 +52,13 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
     }
     warnBeforeRun(device, options);
     OZModelBuilder modelBuilder(device);
+    if (options.logFile) {
+        auto output = platform::HostOutput::open(*options.logFile, device.fileManager().rootDescriptor());
+        if (!output) {
+            return fail(output.error());
+        }
+        modelBuilder.setHostOutput(std::move(*output));
+    }
     OZArgvParser parser(modelBuilder, {.analyze = options.dryRun, .strict = options.strict});
     if (const auto status = parser.parseArgumentVector(options.vector)) {
         return *status;

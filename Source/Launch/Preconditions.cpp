@@ -191,12 +191,21 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
     return std::nullopt;
 }
 
+// Other switches have no run to write of.
+std::optional<Refusal> logWithoutCleanup(platform::Device& /*device*/, const LauncherOptions& options) {
+    const bool cleans = options.vector.size() > 1 && options.vector[1] == "-clean";
+    return options.logFile && !cleans
+               ? std::optional(Refusal{.message = "--log is for -clean alone; take it away, or name -clean"})
+               : std::nullopt;
+}
+
 using Check = std::optional<Refusal> (*)(platform::Device& device, const LauncherOptions& options);
 
 // In the order in which they are looked at.
-constexpr std::array checks = {Check{contradictingVersion}, Check{wrongModel},
-                               Check{missingData},          Check{treeThatCannotBeWritten},
-                               Check{anotherAtWork},        Check{settingsThatCannotBeRead}};
+constexpr std::array checks = {Check{logWithoutCleanup},     Check{contradictingVersion},
+                               Check{wrongModel},            Check{missingData},
+                               Check{treeThatCannotBeWritten}, Check{anotherAtWork},
+                               Check{settingsThatCannotBeRead}};
 
 } // namespace
 

@@ -61,3 +61,66 @@ TEST(RunReport, ItemsThatStayedFailAStrictRunAlone) {
     makeTree(folder);
     EXPECT_EQ(described(onTree(folder, {"--strict", "-clean"})), "0\n");
 }
+
+TEST(RunReport, TheLogGoesToTheHostToo) {
+    const TemporaryFolder folder;
+    makeTree(folder);
+    const std::string log = "tree/var/mobile/Library/Ozvarine/junk.txt";
+    const Outcome dryRun = onTree(folder, {"--log", "-", "--dry-run", "-clean", "-printresults"});
+    EXPECT_EQ(dryRun.status, 0);
+    EXPECT_EQ(dryRun.output,
+              folder.content(log) + "success=true\nfreed=4.00 B\ndeleted=1\nshouldrespring=true\n");
+    EXPECT_THAT(dryRun.output, HasSubstr("/var/tmp/zz\n"));
+    EXPECT_EQ(onTree(folder, {"--log=/dev/stdout", "--dry-run", "-clean"}).output, folder.content(log));
+
+    folder.make("log: of another run, and longer than this one's\n");
+    EXPECT_EQ(described(onTree(folder, {"--log", folder.path("log"), "-clean"})), "0\n");
+    EXPECT_EQ(folder.content("log"), folder.content(log));
+    EXPECT_THAT(folder.content("log"), HasSubstr("Number of files: 1\nTotal size: "));
+
+    const Outcome full = onTree(folder, {"--log", "/dev/full", "-clean", "-printresults"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_THAT(full.output, HasSubstr("success=true\n"));
+    EXPECT_EQ(full.errors, "The log on this host could not be written in full: No space left on device.\n");
+}
+
+TEST(RunReport, TheLogOfAReadOnlyTreeGoesToTheHostInstead) {
+    const TemporaryFolder folder;
+    makeTree(folder);
+    const auto outcome = tests::inMountNamespace([&] {
+        tests::makeReadOnly(folder.path("tree"));
+        return described(onTree(folder, {"--log", folder.path("log"), "--dry-run", "-clean"}));
+    });
+    if (!outcome) {
+        GTEST_SKIP() << "needs a namespace to mount in";
+    }
+    EXPECT_EQ(*outcome, "0\nThe log /var/mobile/Library/Ozvarine/junk.txt could not be written in full: "
+                        "Read-only file system. The one on this host is whole.\n");
+    EXPECT_THAT(folder.content("log"), HasSubstr("Number of files: 1\nApproximate size: 4.00 B\n"));
+    EXPECT_THAT(folder.content("log"), HasSubstr("\n/var/tmp/zz\n"));
+}
+
+TEST(RunReport, ALogThatCannotBeIsRefusedBeforeTheRun) {
+    const TemporaryFolder folder;
+    makeTree(folder);
+    folder.make("mine: content\nlink -> mine");
+    const struct {
+        std::vector<std::string> arguments;
+        const char* says;
+    } cases[] = {
+        {{"--log", folder.path("tree/log"), "-clean"}, "name a file outside of the device"},
+        {{"--log", folder.path("link"), "-clean"}, "it is a link"},
+        {{"--log", folder.path("missing/log"), "-clean"}, "No such file or directory"},
+        {{"--log", folder.path("mine"), "-respring"}, "--log is for -clean alone"},
+        {{"--log", folder.path("mine"), "-cli"}, "--log is for -clean alone"},
+    };
+    const auto before = folder.listing();
+    for (const auto& [arguments, says] : cases) {
+        const Outcome outcome = onTree(folder, arguments);
+        EXPECT_EQ(outcome.status, 1) << says;
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_THAT(outcome.errors, MatchesRegex("ozvarine: [^\n]*\n"));
+        EXPECT_THAT(outcome.errors, HasSubstr(says));
+    }
+    EXPECT_EQ(folder.listing(), before);
+}

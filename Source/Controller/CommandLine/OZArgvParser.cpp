@@ -124,7 +124,8 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
         }
         break;
     }
-    return !_options.strict || core.stayedItems().count() == 0;
+    const bool hasLog = core.cleanupLogger() == nullptr || !core.cleanupLogger()->hostOutputFailed();
+    return hasLog && (!_options.strict || core.stayedItems().count() == 0);
 }
 
 // What was enabled decides, not what was found.

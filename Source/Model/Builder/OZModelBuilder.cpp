@@ -142,7 +142,9 @@ OZPreferenceFileList& OZModelBuilder::preferenceFileList() {
 }
 
 std::unique_ptr<OZCleanupLogger> OZModelBuilder::cleanupLogger() const {
-    return std::make_unique<OZCleanupLogger>(_device);
+    auto logger = std::make_unique<OZCleanupLogger>(_device);
+    logger->setHostOutput(_hostOutput);
+    return logger;
 }
 
 std::unique_ptr<OZFontsFolderMover> OZModelBuilder::fontsFolderMover() const {

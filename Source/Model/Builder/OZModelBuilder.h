@@ -7,6 +7,7 @@
 namespace platform {
 class Bundle;
 class Device;
+class HostOutput;
 class UserDefaults;
 } // namespace platform
 class OZAppList;
@@ -35,6 +36,8 @@ class OZModelBuilder {
     ~OZModelBuilder();
 
     [[nodiscard]] platform::Device& device() const { return _device; }
+    /// Where the logs of runs go, too. To be set before a logger is asked for.
+    void setHostOutput(std::shared_ptr<platform::HostOutput> output) { _hostOutput = std::move(output); }
 
     /// Puts what is stored into force in all that was built, in place of choices that were never saved.
     void reloadDefaults();
@@ -59,6 +62,7 @@ class OZModelBuilder {
     platform::UserDefaults& standardUserDefaults();
 
     platform::Device& _device;
+    std::shared_ptr<platform::HostOutput> _hostOutput;
     std::unique_ptr<platform::Bundle> _bundle;
     std::unique_ptr<OZAppList> _appList;
     std::unique_ptr<OZLocalizationManager> _localizationManager;

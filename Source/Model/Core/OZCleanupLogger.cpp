@@ -2,10 +2,12 @@
 
 #include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
+#include "Platform/HostOutput.h"
 
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -44,6 +46,9 @@ OZCleanupLogger::OZCleanupLogger(platform::Device& device)
     , _fileManager(device.fileManager()) {}
 
 void OZCleanupLogger::openLogFileForWriting(platform::FileWriting writing) {
+    if (_hostOutput && std::exchange(_startsAnew, false)) {
+        _hostOutput->start(writing);
+    }
     if (_logFileHandle) {
         return;
     }
@@ -76,29 +81,48 @@ void OZCleanupLogger::makeLogFolder() {
     if (standing && standing->type != platform::FileType::directory) {
         std::ignore = _fileManager.removeItemAtPath(folder);
     }
-    std::ignore = _fileManager.createDirectoryAtPath(folder, platform::IntermediateFolders::create);
+    note(_fileManager.createDirectoryAtPath(folder, platform::IntermediateFolders::create));
 }
 
 void OZCleanupLogger::createLogFile() {
     if (auto file = _fileManager.createFileAtPath(logFilePath)) {
         _logFileHandle = std::move(*file);
+    } else {
+        note(std::unexpected(file.error()));
     }
 }
 
 void OZCleanupLogger::closeLogFile() {
-    _logFileHandle.reset();
+    if (_logFileHandle) {
+        note(_logFileHandle->flush());
+        _logFileHandle.reset();
+    }
 }
 
 void OZCleanupLogger::deleteLogFile() {
     closeLogFile();
-    std::ignore = _fileManager.removeItemAtPath(logFilePath);
+    _error.reset();
+    _startsAnew = true;
+    const auto removed = _fileManager.removeItemAtPath(logFilePath);
+    if (!removed && !platform::meansAbsence(removed.error())) {
+        note(removed);
+    }
+}
+
+void OZCleanupLogger::note(const platform::Result<void>& outcome) {
+    if (!outcome && !_error) {
+        _error = outcome.error();
+    }
 }
 
 void OZCleanupLogger::write(std::string_view text, std::string_view more) {
     const bool wasOpen = _logFileHandle.has_value();
     openLogFileForWriting();
     if (_logFileHandle) {
-        std::ignore = _logFileHandle->write(text, more);
+        note(_logFileHandle->write(text, more));
+    }
+    if (_hostOutput) {
+        _hostOutput->write(text, more);
     }
     if (!wasOpen) {
         closeLogFile();
@@ -110,6 +134,9 @@ void OZCleanupLogger::logWithSpacer(std::string_view text) {
 }
 
 void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
+    if (_hostOutput) {
+        _hostOutput->insertAtLine(text, line);
+    }
     const auto sed = OZTask::launchPathForExecutable(_device, "sed");
     if (!sed) {
         return;
@@ -138,9 +165,31 @@ void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
 // the tool to other people's files of that name.
 void OZCleanupLogger::insertAtLine(std::string_view text, unsigned long line) {
     auto content = _fileManager.contentsAtPath(logFilePath, std::numeric_limits<uint64_t>::max());
-    const auto start = content ? startOfLine(*content, line) : std::nullopt;
-    if (start) {
-        content->insert(*start, std::string(text).append("\n"));
-        std::ignore = _fileManager.writeContents(logFilePath, *content);
+    if (!content) {
+        note(std::unexpected(content.error()));
+        return;
     }
+    if (const auto start = startOfLine(*content, line)) {
+        content->insert(*start, std::string(text).append("\n"));
+        note(_fileManager.writeContents(logFilePath, *content));
+    }
+}
+
+void OZCleanupLogger::endLog() {
+    if (_hostOutput) {
+        _hostOutput->finish();
+    }
+    if (_error) {
+        _device.warnings().tell(
+            fmt::format("The log {} could not be written in full: {}.{}", logFilePath, _error->message(),
+                        _hostOutput && !hostOutputFailed() ? " The one on this host is whole." : ""));
+    }
+    if (hostOutputFailed()) {
+        _device.warnings().tell(fmt::format("The log on this host could not be written in full: {}.",
+                                            _hostOutput->error()->message()));
+    }
+}
+
+bool OZCleanupLogger::hostOutputFailed() const {
+    return _hostOutput && _hostOutput->error();
 }

@@ -2,15 +2,18 @@
 
 #include "Platform/FileManager.h"
 
+#include <memory>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 namespace platform {
 class Device;
-}
+class HostOutput;
+} // namespace platform
 
-/// Writes the log of a run: a text file that names each item touched. All of it is silent: what cannot be
-/// written is left out.
+/// Writes the log of a run: a text file that names each item touched. What cannot be written is left out, and
+/// told when the run is over.
 class OZCleanupLogger {
   public:
     explicit OZCleanupLogger(platform::Device& device);
@@ -34,7 +37,16 @@ class OZCleanupLogger {
     /// work.
     void logAtLine(std::string_view text, unsigned long line);
 
+    /// From now on the log of each run goes there, too, byte for byte.
+    void setHostOutput(std::shared_ptr<platform::HostOutput> output) { _hostOutput = std::move(output); }
+    /// To be called when a run is over and its log is closed: ends the output on the host, and tells a
+    /// person, in one line each, what could not be written since the log was deleted.
+    void endLog();
+    /// Whether an output on the host lacks something.
+    [[nodiscard]] bool hostOutputFailed() const;
+
   private:
+    void note(const platform::Result<void>& outcome);
     void write(std::string_view text, std::string_view more);
     void openOrCreateLogFile();
     void makeLogFolder();
@@ -44,4 +56,8 @@ class OZCleanupLogger {
     platform::Device& _device;
     platform::FileManager _fileManager;
     std::optional<platform::FileHandle> _logFileHandle;
+    // The first one of the run.
+    std::optional<std::error_code> _error;
+    std::shared_ptr<platform::HostOutput> _hostOutput;
+    bool _startsAnew = true;
 };

@@ -41,8 +41,8 @@ void OZCore::backup(BackupAction action) {
     }
 }
 
-// A backup inside of a folder that is itself a backup is reached by the path that the search has seen, as long
-// as that folder waits for it.
+// A backup inside of a folder that is itself a backup is reached by the path that the search has seen, as
+// long as that folder waits for it.
 void OZCore::restore(const platform::FoundPaths& backups) {
     for (const size_t index : deepestFirst(backups.names)) {
         if (const auto item = itemBelow(backups.folder, backups.names[index])) {

@@ -68,6 +68,7 @@ void OZCore::endRun(std::optional<uint64_t> freeAtStart) {
     if (_cleanupLogger) {
         _cleanupLogger->closeLogFile();
         _cleanupLogger->logAtLine(summary, summaryLine);
+        _cleanupLogger->endLog();
     }
     _isRunning = false;
 }

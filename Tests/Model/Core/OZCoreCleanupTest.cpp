@@ -130,9 +130,8 @@ TEST(FreedSpace, IsSummedAnewByEachRun) {
 
 TEST(FreedSpace, OfSparseFilesEndsNoRun) {
     constexpr uint64_t tebi = uint64_t{1} << 40U;
-    for (const auto& [size, text] : {std::pair(tebi - 1, "1,024.00 GiB"),
-                                     {tebi, "1,024.00 GiB"},
-                                     {2 * tebi, "2,048.00 GiB"}}) {
+    for (const auto& [size, text] :
+         {std::pair(tebi - 1, "1,024.00 GiB"), {tebi, "1,024.00 GiB"}, {2 * tebi, "2,048.00 GiB"}}) {
         EngineFixture engine;
         engine.device.addFile("/var/tmp/zz");
         std::error_code error;

@@ -153,7 +153,8 @@ TEST(StayedItems, AreToldInOneLineAndListedBelowTheLog) {
             GTEST_SKIP() << "needs a namespace to mount in";
         }
         std::string expected = *row.told == '\0' ? "" : std::string(row.told) + "\n";
-        expected += "counted " + std::to_string(row.fileCount) + ", logged " + std::to_string(row.fileCount) + "\n";
+        expected +=
+            "counted " + std::to_string(row.fileCount) + ", logged " + std::to_string(row.fileCount) + "\n";
         for (const auto& path : row.stayed) {
             expected += path + "\n";
         }
@@ -188,8 +189,9 @@ TEST(StayedItems, AreListedOnceAndWithinBounds) {
     items.add("/b", because(EROFS), StayedItem::uncounted);
     items.add("/gone", because(ENOENT), StayedItem::counted);
     EXPECT_EQ(items.sentence(5), "3 of 7 items stayed, most often for this reason: Permission denied.");
-    EXPECT_EQ(items.section(), std::string(heading) + "Permission denied: /a\n\nRead-only file system: /b/c\n\n"
-                                                      "Read-only file system: /b\n\n");
+    EXPECT_EQ(items.section(), std::string(heading) +
+                                   "Permission denied: /a\n\nRead-only file system: /b/c\n\n"
+                                   "Read-only file system: /b\n\n");
     for (size_t number = 0; number < StayedItems::mostPaths; ++number) {
         items.add("/" + std::to_string(number), because(EROFS), StayedItem::counted);
     }
