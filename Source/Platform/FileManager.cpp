@@ -69,6 +69,10 @@ Result<void> FileManager::lookOnly() {
     return _root->lookOnly();
 }
 
+bool FileManager::mayChange() const {
+    return _root->access() == Access::change;
+}
+
 Result<void> FileManager::changeCurrentDirectoryPath(std::string_view path) {
     return _root->changeCurrentDirectory(path);
 }
@@ -215,7 +219,7 @@ Result<void> FileManager::checkAccess(std::string_view path, int mode) const {
 
 Result<void> FileManager::checkWritableAtPath(std::string_view path) const {
     const auto writable = checkAccess(path, W_OK);
-    return writable && _root->access() == Access::lookOnly ? failure(EROFS) : writable;
+    return writable && !mayChange() ? failure(EROFS) : writable;
 }
 
 bool FileManager::isWritableFileAtPath(std::string_view path) {

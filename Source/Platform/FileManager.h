@@ -52,6 +52,8 @@ class FileManager {
     /// on a read-only file system (EROFS). To be called before anything else is done with the tree; what was
     /// found before knows nothing of it.
     Result<void> lookOnly();
+    /// Whether changes are not refused in this way; the file system may still refuse them.
+    [[nodiscard]] bool mayChange() const;
 
     // The current directory.
     Result<void> changeCurrentDirectoryPath(std::string_view path);

@@ -138,18 +138,14 @@ void OZCleanupLogger::logAtLine(std::string_view text, unsigned long line) {
         _hostOutput->insertAtLine(text, line);
     }
     const auto sed = OZTask::launchPathForExecutable(_device, "sed");
-    if (!sed) {
+    // The tool would go past the file manager: where that may only look, the log is another run's.
+    if (!sed || !_fileManager.mayChange()) {
         return;
     }
     closeLogFile();
     const auto tool = _device.tools().toolAt(*sed);
     if (tool && !tool->isStandIn()) {
         insertAtLine(text, line);
-        return;
-    }
-    // The tool goes past the file manager: where that may only look, the log is another run's.
-    const auto writable = _fileManager.checkWritableAtPath(logFilePath);
-    if (!writable && writable.error() == std::errc::read_only_file_system) {
         return;
     }
     const std::string escaped = escapedForSed(text);
@@ -179,7 +175,7 @@ void OZCleanupLogger::endLog() {
     if (_hostOutput) {
         _hostOutput->finish();
     }
-    if (_error) {
+    if (_error && _fileManager.mayChange()) {
         _device.warnings().tell(
             fmt::format("The log {} could not be written in full: {}.{}", logFilePath, _error->message(),
                         _hostOutput && !hostOutputFailed() ? " The one on this host is whole." : ""));

@@ -1,5 +1,6 @@
 #include "Tests/Controller/CommandLine/MenuTest.h"
 
+#include <algorithm>
 #include <csignal>
 #include <fstream>
 #include <functional>
@@ -112,7 +113,9 @@ TEST_F(MenuTest, HasTheDeviceForItself) {
     std::filesystem::permissions(tool, std::filesystem::perms(0755));
     const auto looked = run({"--dry-run", "--log", folder.path("log"), "-clean", "-printresults"}, device);
     EXPECT_THAT(looked.output, testing::HasSubstr("success=true"));
+    // One line: the log that was asked for is whole.
     EXPECT_THAT(looked.errors, testing::HasSubstr(holder));
+    EXPECT_EQ(std::ranges::count(looked.errors, '\n'), 1) << looked.errors;
     EXPECT_EQ(run({"-printsettings"}, device).status, 0);
     EXPECT_THAT(differences(before, snapshotOf(path(""))), testing::IsEmpty());
     EXPECT_FALSE(folder.exists("edits"));
