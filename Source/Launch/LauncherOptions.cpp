@@ -117,6 +117,7 @@ std::string LauncherOptions::help() {
            "  --dry-run          -clean only analyses: nothing is deleted, renamed, restarted or restored.\n"
            "                     Like every run it writes the log, closes Cydia, and takes three stale keys\n"
            "                     out of one application's preference file\n"
+           "  --log FILE         writes the log of the run to FILE, too; - is standard output\n"
            "  --strict           -clean ends with status 1 when items stayed that should have gone\n"
            "  --reset-settings   puts settings that cannot be read aside and goes on with the defaults\n"
            "  --ios VERSION      the device's version, where its tree does not tell it\n"
