@@ -3,6 +3,7 @@
 #include "Platform/DeviceFacts.h"
 
 #include "Platform/FileManager.h"
+#include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -28,6 +29,35 @@ std::string gestaltList(const std::string& model) {
 
 std::string networkList(const std::string& model) {
     return listOf("<key>Model</key>", model);
+}
+
+TEST(DeviceFacts, TakeNumbersFromTheTextFormat) {
+    TemporaryDevice device;
+    FileManager tree = device.device().fileManager();
+    const auto list = parsePropertyList("{ FoundationVersion = 1280.25; SystemVersion = 9.3.5; "
+                                        "Volumes = { \"/\" = { Size = 4000000000; Free = 100; }; }; }");
+    ASSERT_TRUE(list);
+    const auto facts = DeviceFacts::read(*list->as<Dictionary>(), tree);
+    EXPECT_EQ(facts.foundationVersion, 1280.25);
+    EXPECT_EQ(facts.systemVersion, "9.3.5");
+    EXPECT_EQ(facts.volumes.at("/").size, 4000000000U);
+    EXPECT_EQ(facts.volumes.at("/").free, 100U);
+}
+
+TEST(SystemVersion, IsTheNewestGenerationThatIsNotNewer) {
+    const auto foundation = [](std::string_view version) {
+        const auto found = systemVersionForProductVersion(version);
+        return found ? found->foundationVersion : 0;
+    };
+    EXPECT_EQ(foundation("9.3.5"), 1280.25);
+    EXPECT_EQ(foundation("10"), 1348.0);
+    EXPECT_EQ(foundation("10.1.1"), 1348.0);
+    EXPECT_EQ(foundation("4.2.1"), 751.49);
+    EXPECT_EQ(foundation("11.4"), 1452.23);
+    EXPECT_EQ(foundation("3.1"), 0);
+    for (const char* text : {"", "9.", "9.x", "-9", "nine"}) {
+        EXPECT_EQ(foundation(text), 0) << text;
+    }
 }
 
 } // namespace

@@ -1,26 +1,25 @@
 #include "Platform/PropertyList.h"
 
+#include "Tests/Platform/PropertyListTexts.h"
 #include "Tests/Support/Sanitized.h"
-#include "Tests/Support/TemporaryDevice.h"
-
-#include "Platform/DeviceFacts.h"
 
 #include <cmath>
 #include <fstream>
 #include <limits>
 #include <random>
-#include <sstream>
 
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/wait.h>
-#include <unicode/unistr.h>
 #include <unistd.h>
 
 namespace {
 
 using namespace platform;
 using namespace std::string_literals;
+using tests::encoded;
+using tests::repeated;
+using tests::xml;
 
 Value sample() {
     Dictionary dictionary;
@@ -38,10 +37,6 @@ Value sample() {
     dictionary[""] = "";
     dictionary["array"] = Array{1, Array{}, Dictionary{}, Dictionary{{"a", Array{"b"}}}};
     return dictionary;
-}
-
-std::string xml(const std::string& content) {
-    return "<?xml version=\"1.0\"?>\n<plist version=\"1.0\">" + content + "</plist>\n";
 }
 
 std::string bigEndian(uint64_t number, size_t size) {
@@ -193,118 +188,6 @@ TEST(PropertyList, RefusesMalformedLists) {
     EXPECT_TRUE(parsePropertyList(laughs(200, 1)));
 }
 
-std::string encoded(const std::string& text, const char* encoding) {
-    const auto units = icu::UnicodeString::fromUTF8(text);
-    std::string bytes(text.size() * 4, '\0');
-    bytes.resize(static_cast<size_t>(
-        units.extract(0, units.length(), bytes.data(), static_cast<uint32_t>(bytes.size()), encoding)));
-    return bytes;
-}
-
-std::string repeated(std::string_view part, size_t times) {
-    std::string text;
-    for (; times > 0; --times) {
-        text += part;
-    }
-    return text;
-}
-
-const char* const wideEncodings[] = {"UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"};
-const std::string mark = "\xEF\xBB\xBF";
-
-TEST(PropertyList, ReadsTheTextFormat) {
-    const struct {
-        std::string bytes;
-        Value value;
-    } rows[] = {
-        {"{ Filter = { Bundles = ( \"com.a\", com.b-c_$/:.1 ); Mode = Any; }; }\n",
-         Dictionary{{"Filter", Dictionary{{"Bundles", Array{"com.a", "com.b-c_$/:.1"}}, {"Mode", "Any"}}}}},
-        {"// a filter\n{/**/a /* }*/=/*=*/1;//;\n}// the end", Dictionary{{"a", "1"}}},
-        {"{ a = <0fbd77 1c2735\n00>; b = <>; c = <AF>; }",
-         Dictionary{{"a", Data{"\x0F\xBD\x77\x1C\x27\x35\0"s}}, {"b", Data{}}, {"c", Data{"\xAF"}}}},
-        {"({}, (), ((x,),),)", Array{Dictionary{}, Array{}, Array{Array{"x"}}}},
-        {R"({ "a b" = "\n\t\"\\\101\331\U00e4\Ud83d\Ude00"; 'it"s' = 'it\'s'; "" = ""; })",
-         Dictionary{{"a b", "\n\t\"\\Aää😀"}, {"it\"s", "it's"}, {"", ""}}},
-        {"{ a = \"one\ntwo <plist><true/></plist>\"; }",
-         Dictionary{{"a", "one\ntwo <plist><true/></plist>"}}},
-        {"{ a = 1; a = 2; alone; }", Dictionary{{"a", "2"}, {"alone", "alone"}}},
-        {"entry = { label = \"Größe\"; };\n\"b\" = c;\n",
-         Dictionary{{"entry", Dictionary{{"label", "Größe"}}}, {"b", "c"}}},
-        {R"({ half = "a\Ud83db"; })", Dictionary{{"half", "a\xEF\xBF\xBD"
-                                                          "b"}}},
-    };
-    for (const auto& [bytes, value] : rows) {
-        EXPECT_EQ(parsePropertyList(bytes), value) << bytes;
-        EXPECT_EQ(parsePropertyList(mark + bytes), value) << bytes;
-        for (const char* encoding : wideEncodings) {
-            EXPECT_EQ(parsePropertyList(encoded("\uFEFF" + bytes, encoding)), value) << bytes << encoding;
-        }
-        EXPECT_EQ(parsePropertyList(encoded(bytes, "UTF-16LE")), value) << bytes;
-        EXPECT_EQ(parsePropertyList(serializePropertyList(value, PropertyListFormat::xml)), value) << bytes;
-    }
-}
-
-TEST(PropertyList, RefusesTextThatIsNoList) {
-    const std::string whole = R"({ a = (b, "c \" \344"); /* d */ e = { f = <0a>; }; })";
-    for (size_t length = 0; length < whole.size(); ++length) {
-        EXPECT_FALSE(parsePropertyList(whole.substr(0, length))) << length;
-    }
-    std::vector<std::string> lists{"{ a = \"\0\"; }"s,
-                                   "{ a = \xC3; }",
-                                   "\xFF\xFE{\0}"s,
-                                   std::string(100000, '('),
-                                   "{" + repeated("a = {", 300),
-                                   std::string(300, '(') + std::string(300, ')')};
-    std::istringstream lines(R"(not a list
-alone;
-"a"
-<0a>
-// a
-a = 1
-a = 1; b
-{ a = 1 }
-{ a 1; }
-{ = 1; }
-{ a = ; }
-{ a = 1; } b
-(a b)
-(,)
-(a,,b)
-{ (a) = 1; }
-{ a = <0>; }
-{ a = <0g>; }
-{ a = <0 0>; }
-{ "a": 1 }
-{ a = "\0"; }
-{ "\U0000" = b; }
-<?xml version="1.0"?>{ a = 1; }
-bplist00{ a = 1; })");
-    for (std::string line; std::getline(lines, line);) {
-        lists.push_back(line);
-    }
-    for (const std::string& list : lists) {
-        const auto parsed = parsePropertyList(list);
-        ASSERT_FALSE(parsed) << list.substr(0, 100);
-        EXPECT_EQ(parsed.error(), std::errc::illegal_byte_sequence);
-    }
-    EXPECT_TRUE(parsePropertyList(std::string(200, '(') + std::string(200, ')')));
-}
-
-TEST(PropertyList, ReadsXmlInWideEncodings) {
-    const std::string list = "<?xml version=\"1.0\" encoding=\"UTF-16\"?>\n<plist version=\"1.0\"><dict>"
-                             "<key>Größe 😀</key><integer>5</integer></dict></plist>\n";
-    const Value value = Dictionary{{"Größe 😀", 5}};
-    for (const char* encoding : wideEncodings) {
-        EXPECT_EQ(parsePropertyList(encoded("\uFEFF" + list, encoding)), value) << encoding;
-    }
-    for (const char* encoding : {"UTF-16LE", "UTF-16BE"}) {
-        const std::string bytes = encoded(list, encoding);
-        EXPECT_EQ(parsePropertyList(bytes), value) << encoding;
-        EXPECT_FALSE(parsePropertyList(bytes.substr(0, bytes.size() - 8))) << "the list is cut off";
-        EXPECT_FALSE(parsePropertyList(bytes + "\n")) << "half a character";
-    }
-}
-
 long peakKilobytes() {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -430,35 +313,6 @@ TEST(PropertyList, NumbersConvertAsThePlatformDoes) {
                 {"nan", {}}, {"1e999", {}}, {Dictionary{}, {}},  {"inf", {}}};
     for (const auto& [value, said] : rows) {
         EXPECT_EQ(value.numberValue(), said);
-    }
-}
-
-TEST(DeviceFacts, TakeNumbersFromTheTextFormat) {
-    TemporaryDevice device;
-    FileManager tree = device.device().fileManager();
-    const auto list = parsePropertyList("{ FoundationVersion = 1280.25; SystemVersion = 9.3.5; "
-                                        "Volumes = { \"/\" = { Size = 4000000000; Free = 100; }; }; }");
-    ASSERT_TRUE(list);
-    const auto facts = DeviceFacts::read(*list->as<Dictionary>(), tree);
-    EXPECT_EQ(facts.foundationVersion, 1280.25);
-    EXPECT_EQ(facts.systemVersion, "9.3.5");
-    EXPECT_EQ(facts.volumes.at("/").size, 4000000000U);
-    EXPECT_EQ(facts.volumes.at("/").free, 100U);
-}
-
-TEST(SystemVersion, IsTheNewestGenerationThatIsNotNewer) {
-    const auto foundation = [](std::string_view version) {
-        const auto found = systemVersionForProductVersion(version);
-        return found ? found->foundationVersion : 0;
-    };
-    EXPECT_EQ(foundation("9.3.5"), 1280.25);
-    EXPECT_EQ(foundation("10"), 1348.0);
-    EXPECT_EQ(foundation("10.1.1"), 1348.0);
-    EXPECT_EQ(foundation("4.2.1"), 751.49);
-    EXPECT_EQ(foundation("11.4"), 1452.23);
-    EXPECT_EQ(foundation("3.1"), 0);
-    for (const char* text : {"", "9.", "9.x", "-9", "nine"}) {
-        EXPECT_EQ(foundation(text), 0) << text;
     }
 }
 

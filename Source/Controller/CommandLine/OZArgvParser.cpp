@@ -144,7 +144,7 @@ void OZArgvParser::respring() {
     _modelBuilder.deviceActions().rebuildUICacheAndRespring();
     if (!_modelBuilder.deviceActions().canRestart()) {
         _modelBuilder.device().warnings().tell(
-            "Nothing was restarted: there was nothing to ask, since this device has neither su nor killall.");
+            "Nothing was restarted: there was nothing to ask, since this device has no su, launchctl or killall.");
     }
 }
 

@@ -4,6 +4,8 @@
 #include "Model/Tasks/OZTaskManager.h"
 #include "Platform/Device.h"
 
+#include <algorithm>
+#include <array>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -38,7 +40,9 @@ OZDeviceActions::OZDeviceActions(platform::Device& device, std::function<bool(st
     , _prepareToClose(std::move(prepareToClose)) {}
 
 bool OZDeviceActions::canRestart() const {
-    return OZTask::launchPathForExecutable(_device, "su") || OZTask::launchPathForExecutable(_device, "killall");
+    return std::ranges::any_of(std::array{"su", "launchctl", "killall"}, [&](std::string_view name) {
+        return OZTask::launchPathForExecutable(_device, name).has_value();
+    });
 }
 
 void OZDeviceActions::performAction(OZDeviceAction action) {
