@@ -35,8 +35,9 @@ std::string described(const Outcome& outcome) {
 } // namespace
 
 TEST(RunReport, ItemsThatStayedFailAStrictRunAlone) {
-    const std::string record = "success=true\nfreed=0.00 B\ndeleted=1\nshouldrespring=true\n";
-    const std::string line = "1 of 1 items stayed: Read-only file system.\n";
+    // What a cleanup freed is the file system's own count, which other programs change too.
+    const std::string record = "success=true\nfreed=[^\n]*\ndeleted=1\nshouldrespring=true\n";
+    const std::string line = "1 of 1 items stayed: Read-only file system\\.\n";
     const struct {
         std::vector<std::string> arguments;
         std::string outcome;
@@ -55,7 +56,7 @@ TEST(RunReport, ItemsThatStayedFailAStrictRunAlone) {
         if (!outcome) {
             GTEST_SKIP() << "needs a namespace to mount in";
         }
-        EXPECT_EQ(*outcome, row.outcome);
+        EXPECT_THAT(*outcome, MatchesRegex(row.outcome));
     }
     const TemporaryFolder folder;
     makeTree(folder);
