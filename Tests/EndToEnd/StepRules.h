@@ -21,12 +21,17 @@ enum class Goes {
 struct StepRule {
     Goes goes;
     const char* pattern;
+    /// The first version of iOS that has it, and the first that no longer does.
+    int from = 4;
+    int below = 12;
 };
 
 struct StepCase {
     std::string_view key;
     int number;
     std::span<const StepRule> rules;
+    /// The first version of iOS that has the step.
+    int from = 4;
 
     friend std::ostream& operator<<(std::ostream& out, const StepCase& step);
 };
