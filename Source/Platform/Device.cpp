@@ -30,9 +30,10 @@ bool isFolder(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-bool isFile(const std::string& path) {
+/// Whatever it is, or leads to.
+bool isThere(const std::string& path) {
     struct stat status{};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    return ::lstat(path.c_str(), &status) == 0;
 }
 
 std::string realPath(const std::string& path) {
@@ -46,8 +47,8 @@ std::string realPath(const std::string& path) {
 }
 
 bool isHostRoot(int folder) {
-    struct stat host{};
-    struct stat device{};
+    struct stat host {};
+    struct stat device {};
     return ::stat("/", &host) != 0 || ::fstat(folder, &device) != 0 ||
            (host.st_dev == device.st_dev && host.st_ino == device.st_ino);
 }
@@ -68,11 +69,20 @@ std::string explain(const std::string& directory, const std::error_code& error) 
 }
 
 std::expected<Dictionary, std::string> readDeviceDictionary(const std::string& path) {
+    if (!isThere(path)) {
+        return Dictionary{};
+    }
+    struct stat status{};
+    if (::stat(path.c_str(), &status) < 0 && errno == ENOENT) {
+        return std::unexpected(fmt::format("{} is a link that leads nowhere; repair or remove it", path));
+    }
+    // Whoever opens a pipe waits for somebody to write into it.
+    if (status.st_mode != 0 && !S_ISREG(status.st_mode)) {
+        return std::unexpected(fmt::format("{} is no regular file; remove it", path));
+    }
     std::ifstream file(path, std::ios::binary);
     if (!file) {
-        return isFile(path) ? std::expected<Dictionary, std::string>(std::unexpected(
-                                  fmt::format("{} cannot be read; change its permissions", path)))
-                            : Dictionary{};
+        return std::unexpected(fmt::format("{} cannot be read; change its permissions", path));
     }
     const std::string content{std::istreambuf_iterator<char>(file), {}};
     auto parsed = parsePropertyList(content);
@@ -109,17 +119,23 @@ Result<void> Device::lock() {
 
 bool Device::isDeviceFolder(const std::string& directory) {
     return isFolder(directory + "/Root") &&
-           (isFile(directory + "/Device.plist") || isFolder(directory + "/Tools"));
+           (isThere(directory + "/Device.plist") || isFolder(directory + "/Tools"));
 }
 
 std::expected<std::unique_ptr<Device>, std::string> Device::open(const std::string& directory,
-                                                                    const GivenFacts& given) {
+                                                                 const GivenFacts& given) {
     // A folder that cannot be entered looks like one without a tree inside; say what is wrong with the
     // folder.
     if (auto opened = FileManager::atRoot(directory); !opened) {
         return std::unexpected(explain(directory, opened.error()));
     }
     const bool isFolderWithFacts = isDeviceFolder(directory);
+    if (isThere(directory + "/Device.plist") && !isThere(directory + "/Root")) {
+        return std::unexpected(
+            fmt::format("{} has a Device.plist and no folder Root with the device's tree; put "
+                        "the tree there, or name its own folder",
+                        directory));
+    }
     const std::string rootDirectory = realPath(isFolderWithFacts ? directory + "/Root" : directory);
     auto root = FileManager::atRoot(rootDirectory);
     if (!root) {

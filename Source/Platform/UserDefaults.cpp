@@ -14,6 +14,7 @@ namespace {
 
 constexpr int noPropertyList = EILSEQ;
 constexpr int noDictionary = EBADMSG;
+constexpr int noTarget = ENOLINK;
 
 std::string inWords(const std::error_code& error) {
     switch (error.value()) {
@@ -21,6 +22,10 @@ std::string inWords(const std::error_code& error) {
         return "they are no whole property list";
     case noDictionary:
         return "they are a property list, but no dictionary";
+    case noTarget:
+        return "it is a link that leads nowhere";
+    case EINVAL:
+        return "it is no regular file";
     default:
         return error.message();
     }
@@ -128,9 +133,12 @@ std::optional<std::error_code> UserDefaults::readError() const {
 
 Result<Dictionary> UserDefaults::readFile() const {
     const auto bytes = _fileManager.contentsAtPath(_path, maximumPropertyListSize);
+    if (!bytes && !meansAbsence(bytes.error())) {
+        return std::unexpected(bytes.error());
+    }
     if (!bytes) {
-        return meansAbsence(bytes.error()) ? Result<Dictionary>(Dictionary{})
-                                           : std::unexpected(bytes.error());
+        return _fileManager.attributesOfItemAtPath(_path) ? failure(noTarget)
+                                                          : Result<Dictionary>(Dictionary{});
     }
     if (bytes->empty()) {
         return Dictionary{};

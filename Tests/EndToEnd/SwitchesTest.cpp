@@ -38,7 +38,9 @@ Outcome onTree(const TemporaryFolder& folder, std::vector<std::string> arguments
 TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
     const TemporaryFolder folder;
     makeTree(folder, "11.1");
-    folder.make("file: x\nempty/\nbroken/Root/\nbroken/Device.plist: not a list");
+    folder.make("file: x\nempty/\nbroken/Root/\nbroken/Device.plist: not a list\n"
+                "folder/Root/\nfolder/Device.plist/\npipe/Root/\npipe/Device.plist |\n"
+                "lost/Root/\nlost/Device.plist -> none\nrootless/Device.plist: <plist/>");
     const struct {
         std::vector<std::string> arguments;
         const char* says;
@@ -51,6 +53,10 @@ TEST(Launcher, RefusesWhatIsNoDeviceInOneLine) {
         {{"--device", folder.path("file"), "-clean"}, "is not a folder"},
         {{"--device", folder.path("empty"), "-clean"}, "does not tell its iOS version"},
         {{"--device", folder.path("broken"), "-clean"}, "repair it or remove it"},
+        {{"--device", folder.path("folder"), "-clean"}, "Device.plist is no regular file"},
+        {{"--device", folder.path("pipe"), "-clean"}, "Device.plist is no regular file"},
+        {{"--device", folder.path("lost"), "-clean"}, "Device.plist is a link that leads nowhere"},
+        {{"--device", folder.path("rootless"), "-clean"}, "has a Device.plist and no folder Root"},
         {{"--device", folder.path("tree"), "-clean", "--dry-run"},
          "--dry-run belongs in front of the switch"},
         {{"-clean", "-printresults", "--device", folder.path("tree")}, "--device belongs in front"},
@@ -250,17 +256,32 @@ TEST(Switches, SettingsThatAreFineAreNotReset) {
         EXPECT_EQ(folder.content(settings), content);
         EXPECT_EQ(onTree(folder, {"-clean"}).errors, "");
     }
-    // What is no file at all stays for its owner to look at.
-    const TemporaryFolder folder;
-    makeTree(folder, "11.1");
-    folder.make(settings + "/kept: x");
-    for (const std::vector<std::string>& words :
-         {std::vector<std::string>{"-clean"}, {"--reset-settings", "-clean"}}) {
-        const Outcome outcome = onTree(folder, words);
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_THAT(outcome.errors, HasSubstr("com.ozdev90.ozvarine.plist"));
-        EXPECT_TRUE(folder.exists(settings + "/kept"));
-        EXPECT_TRUE(folder.exists("tree/var/tmp/zz"));
+}
+
+// Nor does a list that lies elsewhere by now count as none: the choices were made.
+TEST(Switches, SettingsThatAreNoFileStayForTheirOwnerToLookAt) {
+    const struct {
+        std::string settings;
+        const char* reason;
+        int statusOfReset;
+    } cases[] = {{settings + "/kept: x", "Is a directory", 1},
+                 {settings + " |", "it is no regular file", 1},
+                 {settings + " -> /none", "it is a link that leads nowhere", 0},
+                 {settings + " -> com.ozdev90.ozvarine.plist", "Too many levels of symbolic links", 0}};
+    for (const auto& [line, reason, statusOfReset] : cases) {
+        const TemporaryFolder folder;
+        makeTree(folder, "11.1");
+        folder.make(line);
+        const auto before = folder.listing();
+        const Outcome refused = onTree(folder, {"-clean"});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_THAT(refused.errors, AllOf(HasSubstr("com.ozdev90.ozvarine.plist"), HasSubstr(reason)));
+        EXPECT_EQ(folder.listing(), before);
+        const Outcome reset = onTree(folder, {"--reset-settings", "-clean"});
+        EXPECT_EQ(reset.status, statusOfReset) << reset.errors;
+        EXPECT_THAT(reset.errors, HasSubstr(reason));
+        EXPECT_EQ(folder.exists("tree/var/tmp/zz"), statusOfReset == 1);
+        EXPECT_EQ(folder.listing() == before, statusOfReset == 1);
     }
 }
 
@@ -322,11 +343,13 @@ TEST(Switches, UnknownOnesGetTheUsageText) {
 }
 
 TEST(Switches, EachExecutableServesItsGenerationAndNewerOnesTheLauncherAll) {
-    const std::vector<std::string> names = {"iOS4_Ozvarine", "iOS6_Ozvarine", "iOS7_Ozvarine", "iOS8_Ozvarine"};
+    const std::vector<std::string> names = {"iOS4_Ozvarine", "iOS6_Ozvarine", "iOS7_Ozvarine",
+                                            "iOS8_Ozvarine"};
     const struct {
         const char* version;
         size_t served;
-    } cases[] = {{"4.0", 1}, {"5.1", 1}, {"6.0", 2}, {"6.1.3", 2}, {"7.0", 3}, {"7.1", 3}, {"8.0", 4}, {"11.1", 4}};
+    } cases[] = {{"4.0", 1}, {"5.1", 1}, {"6.0", 2}, {"6.1.3", 2},
+                 {"7.0", 3}, {"7.1", 3}, {"8.0", 4}, {"11.1", 4}};
     for (const auto& [version, served] : cases) {
         const TemporaryFolder folder;
         makeTree(folder, version);
@@ -334,10 +357,10 @@ TEST(Switches, EachExecutableServesItsGenerationAndNewerOnesTheLauncherAll) {
             const Outcome outcome =
                 runProgram("../libexec/" + names[index], {"--device", folder.path("tree"), "-clean"});
             EXPECT_EQ(outcome.status, index < served ? 0 : 1) << version << names[index];
-            EXPECT_EQ(outcome.errors, index < served
-                                          ? ""
-                                          : "This executable is not meant to be run on the current iOS version, "
-                                            "aborting...\n");
+            EXPECT_EQ(outcome.errors,
+                      index < served ? ""
+                                     : "This executable is not meant to be run on the current iOS version, "
+                                       "aborting...\n");
             EXPECT_EQ(folder.exists("tree/var/tmp/zz"), index >= served) << version << names[index];
             folder.make("tree/var/tmp/zz: junk");
         }
@@ -353,9 +376,11 @@ TEST(Switches, OutputThatCannotBeWrittenIsAFailureOfEachSwitch) {
     for (const std::string words : {" -printsettings", " -clean -printresults", " --help", " --version"}) {
         // The last one is a pipe whose reader has gone.
         for (const std::string stream : {" >/dev/full", " >&-", " >&3"}) {
-            const std::string line = "bash -c 'exec 3> >(:); sleep 0.1; " + program + words + stream + "; echo $?'";
-            EXPECT_THAT(tests::shell(line).output, testing::EndsWith("could be written; what the switch does was "
-                                                                     "done all the same\n1\n"))
+            const std::string line =
+                "bash -c 'exec 3> >(:); sleep 0.1; " + program + words + stream + "; echo $?'";
+            EXPECT_THAT(tests::shell(line).output,
+                        testing::EndsWith("could be written; what the switch does was "
+                                          "done all the same\n1\n"))
                 << line;
         }
     }

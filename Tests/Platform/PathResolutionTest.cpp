@@ -104,6 +104,7 @@ TEST_P(PathResolutionTest, TopFoldersWhoseLinksAreMissingAreThoseBelowPrivate) {
 TEST_P(PathResolutionTest, TopFoldersThatAreThereMeanThemselves) {
     make(R"(private/var/file: private
             private/etc -> /private/none
+            private/tmp/
             var/file: own
             tmp -> /none)");
     EXPECT_EQ(*files->contentsAtPath("/var/file"), "own");
