@@ -15,17 +15,19 @@
 #include "Platform/Device.h"
 #include "Platform/HostOutput.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
 #include <fmt/format.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 
 int fail(const std::string& message, int status = 1) {
-    fmt::print(stderr, "ozvarine: {}\n", message);
+    std::fputs(fmt::format("ozvarine: {}\n", message).c_str(), stderr);
     return status;
 }
 
@@ -35,6 +37,18 @@ bool gainRoot() {
     }
     std::fputs("Failed to gain root privileges, aborting...\n", stderr);
     return false;
+}
+
+// Walks and tools hold descriptors; short of them, a run would pass over most of a device as if nobody could
+// read it.
+bool haveDescriptors() {
+    constexpr rlim_t fewest = 64;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) < 0 || limit.rlim_cur >= fewest) {
+        return true;
+    }
+    limit.rlim_cur = std::min(fewest, limit.rlim_max);
+    return limit.rlim_cur == fewest && ::setrlimit(RLIMIT_NOFILE, &limit) == 0;
 }
 
 int runOnDevice(platform::Device& device, const LauncherOptions& options) {
@@ -84,6 +98,9 @@ int run(const std::vector<std::string>& arguments) {
     }
     if (const auto missing = missingPartOfInstallation()) {
         return fail(*missing);
+    }
+    if (!haveDescriptors()) {
+        return fail("too few files may be open at a time; allow more with ulimit -n 1024 and start again");
     }
     enterUserNamespaceUnlessRoot();
     const auto device = platform::Device::open(*options->device, options->given);

@@ -9,6 +9,8 @@
 
 void secureStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
+    // A limit for the size of files is an error of the write, told like a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
     for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
         // The lowest free number is the one that was found closed.
         if (::fcntl(number, F_GETFD) < 0 && ::open("/dev/null", O_RDONLY) < 0) {

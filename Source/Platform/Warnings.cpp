@@ -10,7 +10,7 @@ void Warnings::tell(const std::string& line) const {
     if (_receiver) {
         _receiver(line);
     } else {
-        fmt::print(stderr, "{}\n", line);
+        std::fputs((line + "\n").c_str(), stderr);
     }
 }
 

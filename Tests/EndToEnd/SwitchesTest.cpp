@@ -384,7 +384,28 @@ TEST(Switches, OutputThatCannotBeWrittenIsAFailureOfEachSwitch) {
                 << line;
         }
     }
-    EXPECT_THAT(tests::shell(program + " -clean >&- 2>&-; echo $?").output, "0\n");
+    EXPECT_EQ(tests::shell(program + " -clean >&- 2>&-; echo $?").output, "0\n");
+    EXPECT_EQ(tests::shell(program + " -clean -printresults >&- 2>&-; echo $?").output, "1\n");
+    EXPECT_THAT(tests::shell("ulimit -f 0; " + program + " -clean 2>&1; echo $?").output,
+                AllOf(HasSubstr("File too large"), testing::EndsWith("\n0\n")));
+}
+
+TEST(Switches, ARunWithoutTheMeansToLookIsNotOneThatFoundNothing) {
+    const TemporaryFolder folder;
+    folder.make("device/Tools/usr/bin/find: #!/bin/sh\n");
+    makeTree(folder, "11.1");
+    std::filesystem::rename(folder.path("tree"), folder.path("device/Root"));
+    std::ofstream(folder.path("device/Tools/usr/bin/find")) << "#!/bin/sh\nexit 126\n";
+    ::chmod(folder.path("device/Tools/usr/bin/find").c_str(), 0755);
+    const std::string program = OZ_BINARY_DIRECTORY "/ozvarine --device " + folder.path("device");
+    const std::string says = "A search was not made in full (\"find\" ended with status 126): what it would "
+                             "have found stayed.\n";
+    EXPECT_EQ(tests::shell(program + " -clean 2>&1; echo $?").output, says + "0\n");
+    EXPECT_EQ(tests::shell(program + " --strict -clean 2>&1; echo $?").output, says + "1\n");
+    EXPECT_THAT(tests::shell("ulimit -n 12; " + program + " -clean 2>&1; echo $?").output,
+                AllOf(HasSubstr("too few files may be open"), testing::EndsWith("\n1\n")));
+    // As many as anybody may ask for are taken.
+    EXPECT_EQ(tests::shell("ulimit -Sn 12; " + program + " -clean 2>&1; echo $?").output, says + "0\n");
 }
 
 TEST(Switches, TellWhereThereWasNothingToAsk) {

@@ -125,7 +125,7 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
         break;
     }
     const bool hasLog = core.cleanupLogger() == nullptr || !core.cleanupLogger()->hostOutputFailed();
-    return hasLog && (!_options.strict || core.stayedItems().count() == 0);
+    return hasLog && (!_options.strict || core.stayedItems().empty());
 }
 
 // What was enabled decides, not what was found.

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 using platform::FoundPaths;
 
 namespace {
@@ -50,6 +52,7 @@ std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<s
                                        const FoundHandler& handler) {
     const auto launchPath = OZTask::launchPathForExecutable(_device, "find");
     if (!launchPath) {
+        _stayedItems.addFailedSearch("there is no \"find\"");
         return {};
     }
     std::vector<std::string> arguments;
@@ -83,6 +86,12 @@ std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<s
             }
         });
     });
-    task->launchSynchronously();
+    // With 1 the tool has passed over what it could not read, as everybody does here.
+    constexpr long mostPassedOver = 1;
+    if (!task->launchSynchronously()) {
+        _stayedItems.addFailedSearch("\"find\" could not be run to its end");
+    } else if (task->terminationStatus() > mostPassedOver) {
+        _stayedItems.addFailedSearch(fmt::format("\"find\" ended with status {}", task->terminationStatus()));
+    }
     return found;
 }

@@ -3,6 +3,8 @@
 
 #include <functional>
 
+#include <fmt/format.h>
+
 // Items that a run could not remove, rename or restore.
 
 using platform::Item;
@@ -62,5 +64,9 @@ void OZCore::tellWhatStayed() {
     log(_stayedItems.section());
     if (const auto sentence = _stayedItems.sentence(_fileCount)) {
         _device.warnings().tell(*sentence);
+    }
+    if (const auto& reason = _stayedItems.failedSearch()) {
+        _device.warnings().tell(
+            fmt::format("A search was not made in full ({}): what it would have found stayed.", *reason));
     }
 }

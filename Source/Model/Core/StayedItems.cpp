@@ -20,6 +20,10 @@ void StayedItems::add(std::string path, const std::error_code& reason, StayedIte
         return;
     }
     const std::lock_guard lock(_mutex);
+    // Two steps may name one item.
+    if (_paths.contains(path)) {
+        return;
+    }
     if (kind != StayedItem::part) {
         ++_count;
         ++_reasons[reason.value()];
@@ -31,9 +35,6 @@ void StayedItems::add(std::string path, const std::error_code& reason, StayedIte
 }
 
 void StayedItems::list(std::string path, const std::error_code& reason) {
-    if (_paths.contains(path)) {
-        return;
-    }
     if (_paths.size() == mostPaths || _pathBytes + path.size() > mostPathBytes) {
         ++_unlisted;
         return;
@@ -42,7 +43,15 @@ void StayedItems::list(std::string path, const std::error_code& reason) {
     _entries.push_back({.path = *_paths.insert(std::move(path)).first, .reason = reason.value()});
 }
 
+void StayedItems::addFailedSearch(std::string reason) {
+    const std::lock_guard lock(_mutex);
+    if (!_failedSearch) {
+        _failedSearch = std::move(reason);
+    }
+}
+
 void StayedItems::clear() {
+    _failedSearch.reset();
     _count = _uncounted = _unlisted = 0;
     _pathBytes = 0;
     _reasons.clear();

@@ -28,12 +28,16 @@ class StayedItems {
     static constexpr size_t mostPaths = 10'000;
     static constexpr size_t mostPathBytes = size_t{4} << 20U;
 
-    /// A path that is there already is listed once. What is gone (ENOENT) has not stayed and is passed over.
+    /// A path that is there already is passed over. What is gone (ENOENT) has not stayed and is passed over.
     void add(std::string path, const std::error_code& reason, StayedItem kind);
+    /// Keeps the first reason.
+    void addFailedSearch(std::string reason);
     void clear();
 
     // To be asked when nobody adds any more.
-    [[nodiscard]] uint64_t count() const { return _count; }
+    [[nodiscard]] bool empty() const { return _count == 0 && !_failedSearch; }
+    /// Why a search was not made in full, whose finds nobody knows; none where all were.
+    [[nodiscard]] const std::optional<std::string>& failedSearch() const { return _failedSearch; }
     /// One line for people: how many of the run's items stayed, and the commonest reason; none where nothing
     /// did. `counted` is the run's own count.
     [[nodiscard]] std::optional<std::string> sentence(uint64_t counted) const;
@@ -56,4 +60,5 @@ class StayedItems {
     std::vector<Entry> _entries;
     size_t _pathBytes = 0;
     uint64_t _unlisted = 0;
+    std::optional<std::string> _failedSearch;
 };
