@@ -2,10 +2,13 @@
 //   rows test-and-restore DEVICE   moves the temporary files to backup names and back again
 //   rows graph DEVICE              asks for the packages and links them, and tells the seconds of that
 //   rows files FOLDER FOLDERS FILES   makes that many folders with that many small files in each
+#include "Model/Apps/OZAppList.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Packages/OZPackageList.h"
+#include "Model/Services/OZLocalizationManager.h"
+#include "Platform/Bundle.h"
 #include "Platform/Device.h"
 
 #include <charconv>
@@ -26,9 +29,12 @@ int fail(std::string_view message) {
 }
 
 int testAndRestore(platform::Device& device) {
-    OZCore core(device, nullptr, nullptr);
+    const OZAppList apps(device);
+    const platform::Bundle bundle;
+    const OZLocalizationManager languages(device, device.standardUserDefaults(), bundle);
+    OZCore core(device, apps, languages);
     core.setCleanupLogger(std::make_unique<OZCleanupLogger>(device));
-    core.setTestMode(true);
+    core.choices().setTestMode(true);
     const platform::Dictionary settings{{std::string(cleanupstep::tempFiles), true}};
     core.clean(&settings, Analyze::no);
     const uint64_t moved = core.fileCount();

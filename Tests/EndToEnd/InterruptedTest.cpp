@@ -5,6 +5,7 @@
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Packages/OZPackageList.h"
 #include "Platform/UserDefaults.h"
+#include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
@@ -65,7 +66,8 @@ TreeSnapshot treeOf(const TemporaryDevice& device) {
 
 void withEngine(platform::Device& device, const std::function<void(OZCore&)>& work) {
     OZAppList apps(device);
-    OZCore core(device, &apps, nullptr);
+    const tests::NoLanguages languages(device);
+    OZCore core(device, apps, languages.manager);
     core.setCleanupLogger(std::make_unique<OZCleanupLogger>(device));
     work(core);
 }
@@ -75,7 +77,7 @@ Work cleanup(bool testMode) {
         withEngine(device, [&](OZCore& core) {
             const platform::Dictionary settings{
                 {"LOGFILES", true}, {"CACHEFILES", true}, {"TEMPFILES", true}, {"FILETYPECLEANUP", true}};
-            core.setTestMode(testMode);
+            core.choices().setTestMode(testMode);
             core.clean(&settings, Analyze::no);
         });
     };

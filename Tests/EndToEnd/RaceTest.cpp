@@ -91,14 +91,15 @@ class RaceGround {
         _manager = std::make_unique<OZLocalizationManager>(_device.device(),
                                                            _device.device().standardUserDefaults(), _bundle);
         _apps = std::make_unique<OZAppList>(_device.device());
-        core = std::make_unique<OZCore>(_device.device(), _apps.get(), _manager.get());
+        core = std::make_unique<OZCore>(_device.device(), *_apps, *_manager);
         core->setCleanupLogger(std::make_unique<OZCleanupLogger>(_device.device()));
-        core->setLanguagesToRemove({"French"});
-        core->setCustomFilesExcludingInvalid({platform::Dictionary{{"filePath", "/var/mobile/Documents/Mine"},
-                                                                   {"fileType", "NSFileTypeDirectory"},
-                                                                   {"customFolderSetting", 2},
-                                                                   {"recursive", true},
-                                                                   {"startPattern", "f"}}});
+        core->choices().setLanguagesToRemove({"French"});
+        core->choices().setCustomFilesExcludingInvalid(
+            {platform::Dictionary{{"filePath", "/var/mobile/Documents/Mine"},
+                                  {"fileType", "NSFileTypeDirectory"},
+                                  {"customFolderSetting", 2},
+                                  {"recursive", true},
+                                  {"startPattern", "f"}}});
     }
 
     /// The attacked folders as they were in the beginning.
@@ -169,7 +170,7 @@ class RaceGround {
         for (const auto step : steps) {
             settings[std::string(step)] = true;
         }
-        core->setTestMode(testMode);
+        core->choices().setTestMode(testMode);
         core->clean(&settings, Analyze::no);
     }
 

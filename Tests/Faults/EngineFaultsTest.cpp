@@ -34,8 +34,8 @@ class EngineFaults : public testing::Test {
         }
         fixture->device.addLink("/var/log/link", "/d");
         fixture->device.addLink("/custom/b/link", "/var/mobile/Media");
-        fixture->core->setFileTypesExcludingIllegal({"log", "tmp"});
-        fixture->core->setCustomFilesExcludingInvalid(platform::Array{
+        fixture->core->choices().setFileTypesExcludingIllegal({"log", "tmp"});
+        fixture->core->choices().setCustomFilesExcludingInvalid(platform::Array{
             platform::Dictionary{{"filePath", "/custom"}, {"fileType", "NSFileTypeDirectory"}}});
         before = treeOf(fixture->device);
         std::ignore = fixture->device.device();

@@ -55,7 +55,7 @@ EngineFixture::EngineFixture(double foundationVersion, const std::vector<ListedA
     }
     device.addNotingTool("/usr/bin/killall");
     apps = std::make_unique<OZAppList>(device.device());
-    core = std::make_unique<OZCore>(device.device(), apps.get(), nullptr);
+    core = std::make_unique<OZCore>(device.device(), *apps, languages.manager);
     core->setCleanupLogger(std::make_unique<OZCleanupLogger>(device.device()));
 }
 
@@ -84,7 +84,7 @@ void EngineFixture::run(std::string_view step, OZCoreMode mode, uint64_t number)
 }
 
 void EngineFixture::run(const platform::Dictionary& settings, OZCoreMode mode) {
-    core->setTestMode(mode == OZCoreMode::test);
+    core->choices().setTestMode(mode == OZCoreMode::test);
     core->clean(&settings, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
 }
 

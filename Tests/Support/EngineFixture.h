@@ -2,6 +2,8 @@
 
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Services/OZLocalizationManager.h"
+#include "Platform/Bundle.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <memory>
@@ -24,6 +26,15 @@ struct ListedApp {
     platform::Dictionary groups{};
     platform::Dictionary plugins{};
     bool hasIcon = true;
+};
+
+/// What an engine knows of languages without any resources of the program: a device that speaks English.
+struct NoLanguages {
+    explicit NoLanguages(platform::Device& device)
+        : manager(device, device.standardUserDefaults(), resources) {}
+
+    platform::Bundle resources{std::filesystem::path()};
+    OZLocalizationManager manager;
 };
 
 /// An engine with its log, applications and a killall that notes its calls, on a small device of some
@@ -54,8 +65,11 @@ class EngineFixture {
     /// The items of the log's body, in their order; the directory that some lie in comes first, with a ":".
     [[nodiscard]] std::vector<std::string> loggedItems() const;
 
+    [[nodiscard]] CleanupChoices& choices() const { return core->choices(); }
+
     TemporaryDevice device;
     std::unique_ptr<OZAppList> apps;
+    NoLanguages languages{device.device()};
     std::unique_ptr<OZCore> core;
 };
 

@@ -131,7 +131,7 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
 // What was enabled decides, not what was found.
 bool OZArgvParser::shouldRespring() const {
     const auto isEnabled = [&](std::string_view key) {
-        const auto number = _modelBuilder.core().numberForCleanupSetting(key);
+        const auto number = _modelBuilder.core().choices().numberForCleanupSetting(key);
         return number && number->boolValue().value_or(false);
     };
     return isEnabled(cleanupstep::cacheFiles) || isEnabled(cleanupstep::tempFiles);
@@ -143,8 +143,8 @@ void OZArgvParser::respring() {
     }
     _modelBuilder.deviceActions().rebuildUICacheAndRespring();
     if (!_modelBuilder.deviceActions().canRestart()) {
-        _modelBuilder.device().warnings().tell(
-            "Nothing was restarted: there was nothing to ask, since this device has no su, launchctl or killall.");
+        _modelBuilder.device().warnings().tell("Nothing was restarted: there was nothing to ask, since this "
+                                               "device has no su, launchctl or killall.");
     }
 }
 
@@ -162,7 +162,8 @@ void OZArgvParser::restoreTogglableItems() {
     _modelBuilder.systemRestore()->restore();
     auto& device = _modelBuilder.device();
     if (OZDaemon::usesLaunchCtl(device) && !OZTask::launchPathForExecutable(device, "launchctl")) {
-        device.warnings().tell("Launch daemons that launchctl has disabled were left alone: there was nothing to "
-                               "ask, since this device has no launchctl.");
+        device.warnings().tell(
+            "Launch daemons that launchctl has disabled were left alone: there was nothing to "
+            "ask, since this device has no launchctl.");
     }
 }

@@ -58,12 +58,12 @@ void OZCLIController::showFileTypesMenu() {
     if (line.empty()) {
         return;
     }
-    core().setFileTypesExcludingIllegal(line == deleteWord ? std::vector<std::string>()
-                                                           : wordsOf(line, core().fileTypes()));
+    core().choices().setFileTypesExcludingIllegal(
+        line == deleteWord ? std::vector<std::string>() : wordsOf(line, core().choices().fileTypes()));
 }
 
 void OZCLIController::showLanguagesToRemoveMenu() {
-    const std::vector<std::string> languages = core().removableLanguages();
+    const std::vector<std::string> languages = core().choices().removableLanguages();
     for (;;) {
         printLanguages(languages);
         const int64_t choice = readChoice();
@@ -78,7 +78,7 @@ void OZCLIController::showLanguagesToRemoveMenu() {
 void OZCLIController::printLanguages(const std::vector<std::string>& languages) {
     std::string text = yellow("Languages to remove:") + "\n\n" + warnings();
     for (size_t index = 0; index < languages.size(); ++index) {
-        const bool isSelected = core().languagesToRemove().contains(languages[index]);
+        const bool isSelected = core().choices().languagesToRemove().contains(languages[index]);
         text += fmt::format("{}) {}{}\n", yellow(fmt::to_string(index + 1)), languages[index],
                             isSelected ? " " + green("v") : "");
     }
@@ -90,17 +90,17 @@ void OZCLIController::printLanguages(const std::vector<std::string>& languages) 
 void OZCLIController::changeLanguages(const std::vector<std::string>& languages, int64_t choice) {
     if (choice == std::ssize(languages) + 1) {
         // The numbers decide, whatever languages they are.
-        if (core().languagesToRemove().size() == languages.size()) {
-            core().removeAllLanguagesToRemove();
+        if (core().choices().languagesToRemove().size() == languages.size()) {
+            core().choices().removeAllLanguagesToRemove();
         } else {
-            core().setLanguagesToRemove({languages.begin(), languages.end()});
+            core().choices().setLanguagesToRemove({languages.begin(), languages.end()});
         }
     } else if (choice > 0 && choice <= std::ssize(languages)) {
         const std::string& language = languages[static_cast<size_t>(choice) - 1];
-        if (core().languagesToRemove().contains(language)) {
-            core().removeLanguageToRemove(language);
+        if (core().choices().languagesToRemove().contains(language)) {
+            core().choices().removeLanguageToRemove(language);
         } else {
-            core().addLanguageToRemove(language);
+            core().choices().addLanguageToRemove(language);
         }
     }
 }

@@ -104,7 +104,7 @@ bool isNoDeviceOf(const Context& context) {
 }
 
 bool hasLanguages(const Context& context) {
-    return !context.core().languagesToRemove().empty();
+    return !context.core().choices().languagesToRemove().empty();
 }
 
 bool hasMovableFonts(const Context& context) {

@@ -46,13 +46,13 @@ std::string line(size_t index) {
     return fmt::format("{} {}", number(index + 1), labels[index]);
 }
 
-uint64_t attachments(OZCore& core) {
-    const auto value = core.numberForCleanupSetting(cleanupstep::attachments);
+uint64_t attachments(const CleanupChoices& choices) {
+    const auto value = choices.numberForCleanupSetting(cleanupstep::attachments);
     return value ? value->unsignedValue().value_or(0) : 0;
 }
 
-bool isOn(OZCore& core, std::string_view key) {
-    const auto value = core.numberForCleanupSetting(key);
+bool isOn(const CleanupChoices& choices, std::string_view key) {
+    const auto value = choices.numberForCleanupSetting(key);
     return value && value->boolValue().value_or(false);
 }
 
@@ -69,15 +69,15 @@ void OZCLIController::showSettingsMenu() {
 }
 
 void OZCLIController::printSettings() {
-    const auto keys = OZCore::cleanupStepKeys(_modelBuilder.device());
+    const auto keys = CleanupChoices::cleanupStepKeys(_modelBuilder.device());
     std::string text = yellow("Settings:") + "\n\n" + warnings();
-    text += line(0) + ": " + onOrOff(core().testMode());
-    text += line(1) + ": " + attachmentsText(attachments(core()));
+    text += line(0) + ": " + onOrOff(core().choices().testMode());
+    text += line(1) + ": " + attachmentsText(attachments(core().choices()));
     for (size_t index = firstStepWithTwoStates; index < labels.size(); ++index) {
-        text += line(index) + " cleanup: " + onOrOff(isOn(core(), keys[index - 1]));
+        text += line(index) + " cleanup: " + onOrOff(isOn(core().choices(), keys[index - 1]));
     }
     text += fmt::format("{} Filetypes to clean: {}\n", number(fileTypesChoice),
-                        yellow(fmt::to_string(fmt::join(core().fileTypes(), " "))));
+                        yellow(fmt::to_string(fmt::join(core().choices().fileTypes(), " "))));
     text += fmt::format(
         "{} Excluded apps: {}\n", number(excludedAppsChoice),
         yellow(fmt::to_string(fmt::join(_modelBuilder.appList().excludedAppsIdentifiers(), " "))));
@@ -88,11 +88,12 @@ void OZCLIController::printSettings() {
 
 void OZCLIController::changeSetting(int64_t choice) {
     if (choice == 1) {
-        core().setTestMode(!core().testMode());
+        core().choices().setTestMode(!core().choices().testMode());
     } else if (choice == 2) {
-        core().setNumberForCleanupSetting((attachments(core()) + 1) % 3, cleanupstep::attachments);
+        core().choices().setNumberForCleanupSetting((attachments(core().choices()) + 1) % 3,
+                                                    cleanupstep::attachments);
     } else if (choice > 2 && choice <= std::ssize(labels)) {
-        const auto keys = OZCore::cleanupStepKeys(_modelBuilder.device());
+        const auto keys = CleanupChoices::cleanupStepKeys(_modelBuilder.device());
         flipCleanupSetting(keys[static_cast<size_t>(choice) - 2]);
     } else if (choice == fileTypesChoice) {
         showFileTypesMenu();
@@ -104,5 +105,5 @@ void OZCLIController::changeSetting(int64_t choice) {
 }
 
 void OZCLIController::flipCleanupSetting(std::string_view key) {
-    core().setNumberForCleanupSetting(!isOn(core(), key), key);
+    core().choices().setNumberForCleanupSetting(!isOn(core().choices(), key), key);
 }

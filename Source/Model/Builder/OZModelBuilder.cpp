@@ -37,8 +37,8 @@ void OZModelBuilder::reloadDefaults() {
         _appList->loadDefaults();
     }
     if (_core) {
-        _core->removeAllLanguagesToRemove();
-        _core->loadDefaults();
+        _core->choices().removeAllLanguagesToRemove();
+        _core->choices().loadDefaults();
     }
     if (_pluginLoader) {
         _pluginLoader->loadDefaults();
@@ -72,12 +72,12 @@ OZLocalizationManager& OZModelBuilder::localizationManager() {
 OZCore& OZModelBuilder::core() {
     if (!_core) {
         auto& installedApps = appList();
-        _core = std::make_unique<OZCore>(_device, &installedApps, &localizationManager());
+        _core = std::make_unique<OZCore>(_device, installedApps, localizationManager());
         _core->setCleanupLogger(cleanupLogger());
-        registerObject(standardUserDefaults(), *_core);
+        registerObject(standardUserDefaults(), _core->choices());
         _languageChange =
             platform::Observation(_device.notificationCenter(), OZLocalizationNotification, nullptr,
-                                  [this](const platform::Notification&) { _core->localize(); });
+                                  [this](const platform::Notification&) { _core->choices().localize(); });
     }
     return *_core;
 }

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "Model/Core/CleanupAction.h"
+#include "Model/Core/CleanupChoices.h"
 #include "Model/Core/CustomFileRecord.h"
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OnlyFiles.h"
 #include "Model/Core/StayedItems.h"
-#include "Model/Services/OZUserDefaultsSync.h"
 #include "Platform/FileManager.h"
 #include "Platform/PropertyList.h"
 
@@ -14,7 +14,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -53,81 +52,26 @@ enum class BackupAction : bool { remove, restore };
 /// The cleanup engine. One long-lived object serves all front ends; one run at a time occupies the calling
 /// thread, and the device's current directory belongs to it. While it runs, another thread may poll
 /// `isRunning`, `cleanupStepCount` and `fileCount`.
-class OZCore : public platform::FileManager, public OZUserDefaultsSync {
+class OZCore : public platform::FileManager {
   public:
     using Paths = std::vector<std::string>;
-    using LanguageNames = std::set<std::string, std::less<>>;
 
-    /// The collaborators may be absent (null) and outlive the engine: steps that need them then find nothing.
-    OZCore(platform::Device& device, OZAppList* appList, OZLocalizationManager* localizationManager);
-    ~OZCore() override;
+    /// The collaborators outlive the engine.
+    OZCore(platform::Device& device, const OZAppList& appList,
+           const OZLocalizationManager& localizationManager);
+    ~OZCore();
 
     static constexpr std::string_view backupExtension = ".OzvarineBackup";
 
-    // Settings of the steps: a dictionary from step key to number.
-    /// The steps that this generation of the platform has, in the order of the run.
-    static std::vector<std::string_view> cleanupStepKeys(const platform::Device& device);
-    static platform::Dictionary defaultCleanupSettings(const platform::Device& device);
-    [[nodiscard]] const platform::Dictionary& cleanupSettings() const { return _cleanupSettings; }
-    /// The keys whose value is not 0, in the order of the run.
-    [[nodiscard]] std::vector<std::string_view> enabledCleanupStepKeys() const;
-    /// None for a key that is no step's.
-    [[nodiscard]] std::optional<platform::Value> numberForCleanupSetting(std::string_view key) const;
-    void setNumberForCleanupSetting(const platform::Value& number, std::string_view key);
-    void resetCleanupSettings();
-    /// Takes the numbers at known keys; everything else gets its default or falls away.
-    void setCleanupSettingsResettingInvalid(const platform::Dictionary& settings);
+    /// What the user chose; whoever shows or changes choices asks them alone.
+    [[nodiscard]] CleanupChoices& choices() { return _choices; }
+    [[nodiscard]] const CleanupChoices& choices() const { return _choices; }
 
-    [[nodiscard]] bool testMode() const { return _testMode; }
-    void setTestMode(bool testMode) { _testMode = testMode; }
     [[nodiscard]] OZCleanupLogger* cleanupLogger() const { return _cleanupLogger.get(); }
     void setCleanupLogger(std::unique_ptr<OZCleanupLogger> logger) { _cleanupLogger = std::move(logger); }
     /// Whether the steps print their headings; one switch for all engines of the process.
     [[nodiscard]] bool commandLineOutputEnabled() const { return _commandLineOutputEnabled; }
     void setCommandLineOutputEnabled(bool enabled) { _commandLineOutputEnabled = enabled; }
-
-    // Choices of the user beyond the steps.
-    /// In the user's order.
-    [[nodiscard]] const std::vector<CustomFileRecord>& customFiles() const { return _customFiles; }
-    /// Takes the dictionaries that are complete records; everything else falls away.
-    void setCustomFilesExcludingInvalid(const platform::Array& customFiles);
-    /// A record without path or file type is passed over.
-    void addCustomFile(const CustomFileRecord& record);
-    /// The same. Throws AssertionFailure for an index behind the end; so do the next two.
-    void insertCustomFile(const CustomFileRecord& record, size_t index);
-    void removeCustomFile(size_t index);
-    /// Removes the record at the index, then inserts the other: an incomplete one leaves nothing there.
-    void replaceCustomFile(size_t index, const CustomFileRecord& record);
-    /// Extensions without their dot.
-    static std::vector<std::string> defaultFileTypes();
-    [[nodiscard]] const std::vector<std::string>& fileTypes() const { return _fileTypes; }
-    void resetFileTypes();
-    /// Takes the types that may be cleaned; true if any was refused. Nothing but empty texts means the
-    /// defaults.
-    bool setFileTypesExcludingIllegal(std::vector<std::string> fileTypes);
-    /// English names of languages.
-    [[nodiscard]] const LanguageNames& languagesToRemove() const { return _languagesToRemove; }
-    void setLanguagesToRemove(LanguageNames languages) { _languagesToRemove = std::move(languages); }
-    void addLanguageToRemove(std::string_view language) { _languagesToRemove.emplace(language); }
-    void removeLanguageToRemove(const std::string& language) { _languagesToRemove.erase(language); }
-    void removeAllLanguagesToRemove() { _languagesToRemove.clear(); }
-    /// Unmarks the languages whose name is a part of one of these, without regard to case and diacritics.
-    void removeLanguagesInUse(std::span<const std::string> names);
-    /// Unmarks English and the languages of the device and of the user; for when the language changes.
-    void localize();
-    /// The languages that may be chosen, in the order of the language table: not English, nor those in use.
-    [[nodiscard]] std::vector<std::string> removableLanguages();
-    /// The lines of the language table, "lang" of the program's resources: a language's English name and the
-    /// other forms of it in names of files, each a regular expression. Empty where it cannot be read; kept
-    /// otherwise.
-    const std::vector<std::string>& languageRegexFileLines();
-    /// Regular expressions for the languages to remove: all forms, or the two-letter codes alone.
-    [[nodiscard]] std::vector<std::string> languageRegexComponentsShort(bool codesOnly);
-
-    // All choices, as they outlive the process.
-    void registerDefaults() override;
-    void loadDefaults() override;
-    void writeDefaults() override;
 
     // A run and what it tells.
     /// Walks the steps that the settings (the engine's own, if none are given) switch on. Returns when it is
@@ -317,14 +261,9 @@ class OZCore : public platform::FileManager, public OZUserDefaultsSync {
     std::atomic<uint64_t> _fileCount = 0;
     std::atomic<uint64_t> _freedSpace = 0;
     std::atomic<bool> _isRunning = false;
-    OZAppList* _appList;
-    OZLocalizationManager* _localizationManager;
-    platform::Dictionary _cleanupSettings;
-    std::vector<CustomFileRecord> _customFiles;
-    std::vector<std::string> _fileTypes;
-    LanguageNames _languagesToRemove;
-    std::vector<std::string> _languageRegexFileLines;
-    bool _testMode = false;
+    const OZAppList& _appList;
+    const OZLocalizationManager& _localizationManager;
+    CleanupChoices _choices;
     std::unique_ptr<OZCleanupLogger> _cleanupLogger;
     std::atomic<uint64_t> _cleanupStepCount = 0;
     std::optional<std::string> _freedSpaceString;

@@ -61,7 +61,7 @@ void OZCore::cleanApplications(const Run& run) {
     if (!knowsApplications()) {
         return;
     }
-    const auto apps = _appList->appList(
+    const auto apps = _appList.appList(
         {.typeMask = OZAppTypeMask::user,
          .includingIdentifiers = {std::begin(appleApplications), std::end(appleApplications)},
          .exclusionMask = OZExclusionMask::cleanup});
@@ -91,7 +91,7 @@ void OZCore::quitApplication(const OZApp& app, const Run& run) {
 
 void OZCore::cleanBatteryData(const Run& /*run*/) {
     perform(batteryActions);
-    const auto containers = _appList != nullptr ? _appList->systemGroupDataContainerDir() : std::nullopt;
+    const auto containers = _appList.systemGroupDataContainerDir();
     if (containers && isNotEmptyOrWhitespace(*containers)) {
         quickDel(
             find({*containers, "-mindepth", "5", "-maxdepth", "5", "-regextype", "posix-extended", "-regex",

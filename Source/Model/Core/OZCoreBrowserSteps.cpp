@@ -56,7 +56,7 @@ void OZCore::cleanSafari(const Run& /*run*/) {
     }
     perform(sharedFolderActions);
     performInDirectory({"/var/mobile/Library/Caches/com.apple.mobilesafari", cacheActions});
-    const auto safari = _appList != nullptr ? _appList->appWithIdentifier("com.apple.mobilesafari") : nullptr;
+    const auto safari = _appList.appWithIdentifier("com.apple.mobilesafari");
     if (safari && safari->dataContainer()) {
         performInDirectory({*safari->dataContainer(), containerActions});
     }

@@ -17,7 +17,7 @@ std::optional<std::string_view> firstOf(std::span<const std::string_view> patter
 } // namespace
 
 void OZCore::clean(const platform::Dictionary* settings, Analyze analyze) {
-    const Run run{.settings = settings != nullptr ? *settings : _cleanupSettings,
+    const Run run{.settings = settings != nullptr ? *settings : _choices.cleanupSettings(),
                   .outputIsTerminal = ::isatty(STDOUT_FILENO) == 1};
     const OZCoreMode mode = modeFor(analyze);
     const uint64_t freeAtStart = beginRun(mode);

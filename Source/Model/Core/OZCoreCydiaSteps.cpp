@@ -79,10 +79,7 @@ void OZCore::cleanCydia(const Run& run) {
 }
 
 void OZCore::cleanSystemApplications(const Run& run) {
-    if (_appList == nullptr) {
-        return;
-    }
-    const auto apps = _appList->appList(
+    const auto apps = _appList.appList(
         {.typeMask = OZAppTypeMask::system,
          .excludingIdentifiers = {std::string(programIdentifier), std::string(cydiaIdentifier)},
          .filterMask = OZAppFilterMask::noApple | OZAppFilterMask::validIcon,
@@ -110,7 +107,7 @@ void OZCore::cleanAuxoSnapshots() {
         return;
     }
     std::set<std::string, std::less<>> names{std::string(webApplication)};
-    for (const auto& app : _appList->appList({.typeMask = OZAppTypeMask::all})) {
+    for (const auto& app : _appList.appList({.typeMask = OZAppTypeMask::all})) {
         names.insert(app->identifier());
     }
     const auto clips = contentsOfDirectoryAtPath(webClips);

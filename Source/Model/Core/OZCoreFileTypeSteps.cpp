@@ -38,7 +38,8 @@ std::vector<std::string> containerDirectories(const OZAppList& appList) {
 } // namespace
 
 void OZCore::cleanFileTypes(const Run& run) {
-    if (_fileTypes.empty()) {
+    const auto& fileTypes = _choices.fileTypes();
+    if (fileTypes.empty()) {
         print(fmt::format("\n{}No filetypes specified. Skipping step...{}\n", OZStdIO::red, OZStdIO::reset));
         log("\nNo filetypes specified. Skipping step...\n");
         return;
@@ -52,7 +53,7 @@ void OZCore::cleanFileTypes(const Run& run) {
         arguments.insert(arguments.end(),
                          {"-regex", fmt::format("{}", fmt::join(patterns, "|")), "-prune", "-o"});
     }
-    arguments.insert(arguments.end(), {"-regex", fmt::format("^.*\\.({})$", fmt::join(_fileTypes, "|")),
+    arguments.insert(arguments.end(), {"-regex", fmt::format("^.*\\.({})$", fmt::join(fileTypes, "|")),
                                        "-type", "f", "-print"});
     quickDelFound(arguments);
 }
@@ -61,11 +62,11 @@ void OZCore::cleanFileTypes(const Run& run) {
 std::vector<std::string> OZCore::prunePatterns(const Run& run) const {
     std::vector<std::string> patterns;
     if (run.isOn(cleanupstep::applications)) {
-        if (const auto names = excludedFolderNames(*_appList); !names.empty()) {
+        if (const auto names = excludedFolderNames(_appList); !names.empty()) {
             patterns.push_back(fmt::format("^.*/({})$", fmt::join(names, "|")));
         }
     } else {
-        patterns.push_back(fmt::format("^(/private)?({})$", fmt::join(containerDirectories(*_appList), "|")));
+        patterns.push_back(fmt::format("^(/private)?({})$", fmt::join(containerDirectories(_appList), "|")));
     }
     if (_mode == OZCoreMode::analyze) {
         patterns.insert(patterns.end(), std::begin(countedFolders), std::end(countedFolders));
@@ -74,7 +75,7 @@ std::vector<std::string> OZCore::prunePatterns(const Run& run) const {
 }
 
 void OZCore::cleanCustomFiles(const Run& /*run*/) {
-    for (const auto& record : _customFiles) {
+    for (const auto& record : _choices.customFiles()) {
         cleanCustomFile(record);
     }
 }

@@ -56,13 +56,11 @@ std::string suffixesBetween(unsigned best, unsigned worst) {
 
 OZCore::Paths OZCore::bundlePathsForImageRemoval() const {
     Paths paths;
-    if (_appList != nullptr) {
-        for (const auto& app : _appList->appList({.typeMask = OZAppTypeMask::all,
-                                                  .excludingIdentifiers = {jailbreakApplication},
-                                                  .filterMask = OZAppFilterMask::noApple,
-                                                  .exclusionMask = OZExclusionMask::images})) {
-            paths.push_back(app->bundlePath());
-        }
+    for (const auto& app : _appList.appList({.typeMask = OZAppTypeMask::all,
+                           .excludingIdentifiers = {jailbreakApplication},
+                           .filterMask = OZAppFilterMask::noApple,
+                           .exclusionMask = OZExclusionMask::images})) {
+        paths.push_back(app->bundlePath());
     }
     return paths;
 }

@@ -190,11 +190,11 @@ void forgetBoxUploads(const Target& target) {
         keys->erase(key);
     }
     const auto format = bytes->starts_with("bplist") ? PropertyListFormat::binary : PropertyListFormat::xml;
-    // Written even if nothing is forgotten, and with its owner and mode from the start: both are then those of a new
-    // file, never of another name's or of what somebody puts there meanwhile.
+    // Written even if nothing is forgotten, and with its owner and mode from the start: both are then those
+    // of a new file, never of another name's or of what somebody puts there meanwhile.
     const auto content = platform::serializePropertyList(*preferences, format);
-    std::ignore = target.core.writeContents(
-        path, content, {.owner = mobile, .group = mobile, .permissions = ownerOnly});
+    std::ignore = target.core.writeContents(path, content,
+                                            {.owner = mobile, .group = mobile, .permissions = ownerOnly});
 }
 
 void removeICaughtULogs(const Target& target) {
@@ -253,7 +253,7 @@ static_assert(std::size(knownApps) == 30);
 } // namespace
 
 void OZCore::cleanKnownApp(std::string_view identifier) {
-    const auto app = _appList != nullptr ? _appList->appWithIdentifier(identifier) : nullptr;
+    const auto app = _appList.appWithIdentifier(identifier);
     const auto* known = std::ranges::find(knownApps, identifier, &KnownApp::identifier);
     if (!app || known == std::end(knownApps)) {
         return;

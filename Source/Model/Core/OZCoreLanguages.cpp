@@ -1,12 +1,10 @@
-// Which languages may go, and what goes with them.
+// What goes with the languages that the user has no need of.
 #include "Categories/NSStringAdditions.h"
-#include "Categories/NSStringFolding.h"
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/LanguageTable.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
@@ -17,13 +15,10 @@
 #include <fmt/ranges.h>
 
 using languagetable::isCode;
-using languagetable::nameOfLine;
 using platform::FoundPaths;
 
 namespace {
 
-constexpr std::string_view languageTable = "lang";
-constexpr std::string_view protectedLanguage = "English";
 constexpr std::string_view languageFileExtension = ".strings";
 constexpr double sinceCarrierBundles = 1047.2;
 
@@ -51,40 +46,9 @@ std::string languageOfFile(std::string_view fileName) {
 
 } // namespace
 
-const std::vector<std::string>& OZCore::languageRegexFileLines() {
-    if (_languageRegexFileLines.empty() && _localizationManager != nullptr) {
-        const auto text = _localizationManager->bundle().contentsOfResource(languageTable);
-        _languageRegexFileLines = languagetable::lines(text.value_or(""));
-    }
-    return _languageRegexFileLines;
-}
-
-std::vector<std::string> OZCore::languageRegexComponentsShort(bool codesOnly) {
-    std::vector<std::string> components;
-    for (const auto& line : languageRegexFileLines()) {
-        if (_languagesToRemove.contains(nameOfLine(line))) {
-            std::ranges::move(languagetable::regexComponents(line, codesOnly),
-                              std::back_inserter(components));
-        }
-    }
-    return components;
-}
-
-std::vector<std::string> OZCore::removableLanguages() {
-    std::vector<std::string> names;
-    std::ranges::transform(languageRegexFileLines(), std::back_inserter(names), nameOfLine);
-    const auto isInUse = [this](const std::string& name) {
-        return containsIgnoringCaseAndDiacritics(protectedLanguage, name) ||
-               containsIgnoringCaseAndDiacritics(_localizationManager->systemLanguage(), name) ||
-               containsIgnoringCaseAndDiacritics(_localizationManager->userLanguage().value_or(""), name);
-    };
-    std::erase_if(names, isInUse);
-    return names;
-}
-
 // What the device speaks is spared only by those who know it.
 bool OZCore::knowsLanguageInUse() const {
-    if (_localizationManager == nullptr || _localizationManager->isSystemLanguageKnown()) {
+    if (_localizationManager.isSystemLanguageKnown()) {
         return true;
     }
     _device.warnings().tell(fmt::format("Nobody can tell the language in use, since {} cannot be read; no "
@@ -94,7 +58,7 @@ bool OZCore::knowsLanguageInUse() const {
 }
 
 void OZCore::removeLanguages() {
-    auto components = languageRegexComponentsShort(false);
+    auto components = _choices.languageRegexComponentsShort(false);
     // Without an inventory nobody knows which applications are to be spared.
     if (components.empty() || !knowsApplications()) {
         return;
@@ -110,7 +74,7 @@ void OZCore::removeLanguages() {
     std::erase_if(components, std::not_fn(isCode));
     std::ranges::move(findLanguageData(components), std::back_inserter(found));
     quickDelLangAll(found);
-    if (!_appList->isAppExcluded(programIdentifier, OZExclusionMask::languages)) {
+    if (!_appList.isAppExcluded(programIdentifier, OZExclusionMask::languages)) {
         removeOwnLanguages();
     }
 }
@@ -123,7 +87,7 @@ std::string OZCore::prunePatternForLanguages() const {
         pattern = "^/System/Library/Carrier Bundles$";
     }
     std::vector<std::string> names;
-    for (const auto& path : _appList->pathsForExcludedApps(OZExclusionMask::languages, OZAppTypeMask::all)) {
+    for (const auto& path : _appList.pathsForExcludedApps(OZExclusionMask::languages, OZAppTypeMask::all)) {
         names.push_back(stringByEscapingForRegex(platform::lastPathComponent(path)));
     }
     if (!names.empty()) {
@@ -165,7 +129,8 @@ void OZCore::removeOwnLanguages() {
     }
     Paths paths;
     for (const auto& name : *names) {
-        if (name.ends_with(languageFileExtension) && _languagesToRemove.contains(languageOfFile(name))) {
+        if (name.ends_with(languageFileExtension) &&
+            _choices.languagesToRemove().contains(languageOfFile(name))) {
             paths.push_back(platform::joinPath(programBundlePath, name));
         }
     }
@@ -173,8 +138,8 @@ void OZCore::removeOwnLanguages() {
 }
 
 void OZCore::removeKeyboards() {
-    const auto components = languageRegexComponentsShort(false);
-    const auto codes = languageRegexComponentsShort(true);
+    const auto components = _choices.languageRegexComponentsShort(false);
+    const auto codes = _choices.languageRegexComponentsShort(true);
     const auto search = [this](const std::string& folder, const std::string& regex) {
         return find({folder, "-maxdepth", "1", "-regextype", "posix-extended", "-regex", regex, "-type", "d",
                      "-print"});
@@ -193,7 +158,7 @@ void OZCore::removeKeyboards() {
 }
 
 void OZCore::removeVoiceControlLanguages() {
-    auto codes = languageRegexComponentsShort(true);
+    auto codes = _choices.languageRegexComponentsShort(true);
     if (codes.empty()) {
         return;
     }

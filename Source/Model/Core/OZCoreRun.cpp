@@ -35,7 +35,7 @@ OZCoreMode OZCore::modeFor(Analyze analyze) const {
     if (analyze == Analyze::yes) {
         return OZCoreMode::analyze;
     }
-    return _testMode ? OZCoreMode::test : OZCoreMode::clean;
+    return _choices.testMode() ? OZCoreMode::test : OZCoreMode::clean;
 }
 
 // Where items go, the log tells what was touched even when the run is killed. What a test run moves and what

@@ -27,14 +27,16 @@ void EngineTest::addApp(const std::string& identifier, OZAppType type, const std
 OZCore& EngineTest::engine(OZCoreMode mode) {
     const auto folder = temporary.folder();
     _core.reset();
+    _languages.reset();
     _appList.reset();
     _device =
         std::make_unique<platform::Device>(platform::FileManager::atRoot(folder / "Root").value(), facts,
                                            platform::ToolTable(folder / "Tools", folder, folder / "Root"));
     _appList = std::make_unique<OZAppList>(*_device);
-    _core = std::make_unique<OZCore>(*_device, _appList.get(), nullptr);
+    _languages = std::make_unique<tests::NoLanguages>(*_device);
+    _core = std::make_unique<OZCore>(*_device, *_appList, _languages->manager);
     _core->setCleanupLogger(std::make_unique<OZCleanupLogger>(*_device));
-    _core->setTestMode(mode == OZCoreMode::test);
+    _core->choices().setTestMode(mode == OZCoreMode::test);
     const platform::Dictionary nothing;
     _core->clean(&nothing, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
     return *_core;

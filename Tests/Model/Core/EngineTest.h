@@ -43,6 +43,7 @@ class EngineTest : public testing::Test {
   private:
     std::unique_ptr<platform::Device> _device;
     std::unique_ptr<OZAppList> _appList;
+    std::unique_ptr<tests::NoLanguages> _languages;
     std::unique_ptr<OZCore> _core;
 };
 

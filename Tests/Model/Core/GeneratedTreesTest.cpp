@@ -75,8 +75,8 @@ class Specimen {
         , _tree((_outside.make("file: outside\nfolder/inner: outside\nlink -> file"), seed), rootPath(),
                 _outside.path()) {
         _settings = _tree.settings();
-        _device.core->setCustomFilesExcludingInvalid(_tree.customFiles());
-        _device.core->setFileTypesExcludingIllegal(_tree.fileTypes());
+        _device.core->choices().setCustomFilesExcludingInvalid(_tree.customFiles());
+        _device.core->choices().setFileTypesExcludingIllegal(_tree.fileTypes());
         _before = snapshot();
         _outsideBefore = tests::snapshotOf(_outside.path());
     }

@@ -41,31 +41,31 @@ TEST_F(OZCoreChoicesTest, refusesFileTypesThatADeviceNeeds) {
         {{}, false, {"log", "logs", "tmp", "temp"}},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(core->setFileTypesExcludingIllegal(row.given), row.refused);
-        EXPECT_EQ(core->fileTypes(), row.kept);
+        EXPECT_EQ(choices().setFileTypesExcludingIllegal(row.given), row.refused);
+        EXPECT_EQ(choices().fileTypes(), row.kept);
     }
 }
 
 TEST_F(OZCoreChoicesTest, editsCustomFilesInTheUsersOrder) {
-    core->addCustomFile({.filePath = "/a", .fileType = fileType});
-    core->addCustomFile({.filePath = "/c", .fileType = fileType});
-    core->insertCustomFile({.filePath = "/b", .fileType = folderType}, 1);
-    core->addCustomFile({.filePath = "/d"});
-    core->addCustomFile({.fileType = fileType});
+    choices().addCustomFile({.filePath = "/a", .fileType = fileType});
+    choices().addCustomFile({.filePath = "/c", .fileType = fileType});
+    choices().insertCustomFile({.filePath = "/b", .fileType = folderType}, 1);
+    choices().addCustomFile({.filePath = "/d"});
+    choices().addCustomFile({.fileType = fileType});
     const auto paths = [&] {
         std::string joined;
-        for (const auto& record : core->customFiles()) {
+        for (const auto& record : choices().customFiles()) {
             joined += *record.filePath;
         }
         return joined;
     };
     EXPECT_EQ(paths(), "/a/b/c");
-    core->replaceCustomFile(0, core->customFiles()[2]);
+    choices().replaceCustomFile(0, choices().customFiles()[2]);
     EXPECT_EQ(paths(), "/c/b/c");
-    core->replaceCustomFile(1, {.filePath = "/incomplete"});
+    choices().replaceCustomFile(1, {.filePath = "/incomplete"});
     EXPECT_EQ(paths(), "/c/c");
-    EXPECT_THROW(core->removeCustomFile(2), platform::AssertionFailure);
-    EXPECT_THROW(core->insertCustomFile(core->customFiles()[0], 3), platform::AssertionFailure);
+    EXPECT_THROW(choices().removeCustomFile(2), platform::AssertionFailure);
+    EXPECT_THROW(choices().insertCustomFile(choices().customFiles()[0], 3), platform::AssertionFailure);
 }
 
 TEST_F(OZCoreChoicesTest, repairsWhatWasStoredBadly) {
@@ -80,24 +80,24 @@ TEST_F(OZCoreChoicesTest, repairsWhatWasStoredBadly) {
     store("cleanupSettings", platform::Dictionary{{std::string(cleanupstep::cydiaSources), 1},
                                                   {std::string(cleanupstep::safari), "no number"},
                                                   {"UNKNOWN", true}});
-    core->loadDefaults();
-    EXPECT_THAT(core->customFiles(), ElementsAre(CustomFileRecord{.filePath = "/kept",
-                                                                  .fileType = folderType,
-                                                                  .recursive = true,
-                                                                  .startPattern = "",
-                                                                  .other = {{"endPattern", 5}}}));
-    EXPECT_THAT(core->fileTypes(), ElementsAre("bak"));
-    EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::safari), platform::Value(true));
-    EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::cydiaSources), platform::Value(1));
-    EXPECT_FALSE(core->numberForCleanupSetting("UNKNOWN"));
+    choices().loadDefaults();
+    EXPECT_THAT(choices().customFiles(), ElementsAre(CustomFileRecord{.filePath = "/kept",
+                                                                      .fileType = folderType,
+                                                                      .recursive = true,
+                                                                      .startPattern = "",
+                                                                      .other = {{"endPattern", 5}}}));
+    EXPECT_THAT(choices().fileTypes(), ElementsAre("bak"));
+    EXPECT_EQ(choices().numberForCleanupSetting(cleanupstep::safari), platform::Value(true));
+    EXPECT_EQ(choices().numberForCleanupSetting(cleanupstep::cydiaSources), platform::Value(1));
+    EXPECT_FALSE(choices().numberForCleanupSetting("UNKNOWN"));
 
     for (const auto* key : {"customFiles", "fileTypes", "cleanupSettings"}) {
         store(key, "of another type");
     }
-    core->loadDefaults();
-    EXPECT_THAT(core->customFiles(), IsEmpty());
-    EXPECT_EQ(core->fileTypes(), OZCore::defaultFileTypes());
-    EXPECT_EQ(core->cleanupSettings(), OZCore::defaultCleanupSettings(device.device()));
+    choices().loadDefaults();
+    EXPECT_THAT(choices().customFiles(), IsEmpty());
+    EXPECT_EQ(choices().fileTypes(), CleanupChoices::defaultFileTypes());
+    EXPECT_EQ(choices().cleanupSettings(), CleanupChoices::defaultCleanupSettings(device.device()));
 }
 
 TEST_F(OZCoreChoicesTest, recordsThatCannotBeReadWholeTakeNothingMoreAndStay) {
@@ -112,44 +112,45 @@ TEST_F(OZCoreChoicesTest, recordsThatCannotBeReadWholeTakeNothingMoreAndStay) {
         platform::Dictionary{{"filePath", "/single"}, {"fileType", ""}},
         platform::Dictionary{{"filePath", "/untyped"}, {"fileType", 4}}};
     store("customFiles", stored);
-    core->loadDefaults();
+    choices().loadDefaults();
     clean({cleanupstep::customFiles});
     EXPECT_THAT(tree(), ElementsAre("/f/log", "/f/other"));
-    core->writeDefaults();
+    choices().writeDefaults();
     EXPECT_EQ(defaults().arrayForKey("customFiles"), stored);
 }
 
 TEST_F(OZCoreChoicesTest, settingsWithEveryStepOffDoNotSurvive) {
-    auto settings = OZCore::defaultCleanupSettings(device.device());
+    auto settings = CleanupChoices::defaultCleanupSettings(device.device());
     for (auto& [key, number] : settings) {
         number = 0;
     }
     store("cleanupSettings", settings);
-    core->loadDefaults();
-    EXPECT_EQ(core->cleanupSettings(), OZCore::defaultCleanupSettings(device.device()));
+    choices().loadDefaults();
+    EXPECT_EQ(choices().cleanupSettings(), CleanupChoices::defaultCleanupSettings(device.device()));
 
     settings[std::string(cleanupstep::attachments)] = 2;
     store("cleanupSettings", settings);
-    core->loadDefaults();
-    EXPECT_THAT(core->enabledCleanupStepKeys(), ElementsAre(cleanupstep::attachments));
-    EXPECT_EQ(core->numberForCleanupSetting(cleanupstep::attachments)->unsignedValue(), 2);
+    choices().loadDefaults();
+    EXPECT_THAT(choices().enabledCleanupStepKeys(), ElementsAre(cleanupstep::attachments));
+    EXPECT_EQ(choices().numberForCleanupSetting(cleanupstep::attachments)->unsignedValue(), 2);
 }
 
 TEST_F(OZCoreChoicesTest, emptyListsLeaveNoKeyBehind) {
-    core->addCustomFile({.filePath = "/a", .fileType = fileType});
-    core->addLanguageToRemove("French");
-    core->writeDefaults();
+    choices().addCustomFile({.filePath = "/a", .fileType = fileType});
+    choices().addLanguageToRemove("French");
+    choices().writeDefaults();
     EXPECT_TRUE(defaults().objectForKey("customFiles") && defaults().objectForKey("languagesToRemove"));
-    core->removeCustomFile(0);
-    core->removeAllLanguagesToRemove();
-    core->writeDefaults();
+    choices().removeCustomFile(0);
+    choices().removeAllLanguagesToRemove();
+    choices().writeDefaults();
     EXPECT_FALSE(defaults().objectForKey("customFiles") || defaults().objectForKey("languagesToRemove"));
 }
 
 TEST_F(OZCoreChoicesTest, aLanguageInUseCannotStayMarked) {
-    core->setLanguagesToRemove({"english", "Francais", "FRANÇ", "German", "Portuguese (Brazil)", "", "ish"});
-    core->removeLanguagesInUse(std::vector<std::string>{"English", "Français", "Portuguese"});
-    EXPECT_THAT(core->languagesToRemove(), ElementsAre("", "German", "Portuguese (Brazil)"));
+    choices().setLanguagesToRemove(
+        {"english", "Francais", "FRANÇ", "German", "Portuguese (Brazil)", "", "ish"});
+    choices().removeLanguagesInUse(std::vector<std::string>{"English", "Français", "Portuguese"});
+    EXPECT_THAT(choices().languagesToRemove(), ElementsAre("", "German", "Portuguese (Brazil)"));
 }
 
 /// One process after another over the same tree.
@@ -183,24 +184,24 @@ TEST_F(StoredChoicesTest, theNextProcessDoesWhatTheUserChose) {
     {
         Process process(files);
         auto& core = process.builder.core();
-        core.setNumberForCleanupSetting(uint64_t{2}, cleanupstep::attachments);
-        core.setNumberForCleanupSetting(false, cleanupstep::safari);
-        core.addCustomFile(record);
-        std::ignore = core.setFileTypesExcludingIllegal({"bak"});
-        core.setLanguagesToRemove({"French", "German"});
-        core.setTestMode(true);
+        core.choices().setNumberForCleanupSetting(uint64_t{2}, cleanupstep::attachments);
+        core.choices().setNumberForCleanupSetting(false, cleanupstep::safari);
+        core.choices().addCustomFile(record);
+        std::ignore = core.choices().setFileTypesExcludingIllegal({"bak"});
+        core.choices().setLanguagesToRemove({"French", "German"});
+        core.choices().setTestMode(true);
         process.builder.appList().setExclusionMask(OZExclusionMask::all, "com.apple.Maps");
         ASSERT_TRUE(process.device->standardUserDefaults().synchronize());
-        core.setTestMode(false);
+        core.choices().setTestMode(false);
     }
     Process process(files);
     auto& core = process.builder.core();
-    EXPECT_EQ(core.numberForCleanupSetting(cleanupstep::attachments)->unsignedValue(), 2);
-    EXPECT_EQ(core.numberForCleanupSetting(cleanupstep::safari)->boolValue(), false);
-    EXPECT_THAT(core.customFiles(), ElementsAre(record));
-    EXPECT_THAT(core.fileTypes(), ElementsAre("bak"));
-    EXPECT_THAT(core.languagesToRemove(), ElementsAre("French", "German"));
-    EXPECT_TRUE(core.testMode()) << "what is not saved is not stored";
+    EXPECT_EQ(core.choices().numberForCleanupSetting(cleanupstep::attachments)->unsignedValue(), 2);
+    EXPECT_EQ(core.choices().numberForCleanupSetting(cleanupstep::safari)->boolValue(), false);
+    EXPECT_THAT(core.choices().customFiles(), ElementsAre(record));
+    EXPECT_THAT(core.choices().fileTypes(), ElementsAre("bak"));
+    EXPECT_THAT(core.choices().languagesToRemove(), ElementsAre("French", "German"));
+    EXPECT_TRUE(core.choices().testMode()) << "what is not saved is not stored";
     EXPECT_TRUE(process.builder.appList().isAppExcluded("com.apple.Maps"));
     EXPECT_TRUE(process.device->standardUserDefaults().boolForKey("warningPopups"));
 }
@@ -208,34 +209,35 @@ TEST_F(StoredChoicesTest, theNextProcessDoesWhatTheUserChose) {
 TEST_F(StoredChoicesTest, aLanguageThatTheUserChoosesIsUnmarked) {
     Process process(files);
     auto& core = process.builder.core();
-    core.setLanguagesToRemove({"English", "French", "German"});
+    core.choices().setLanguagesToRemove({"English", "French", "German"});
     process.builder.localizationManager().setUserLanguage("German");
-    EXPECT_THAT(core.languagesToRemove(), ElementsAre("French"));
+    EXPECT_THAT(core.choices().languagesToRemove(), ElementsAre("French"));
 }
 
 TEST_F(StoredChoicesTest, aLanguageThatTheDeviceSpeaksByNowIsUnmarked) {
     {
         Process process(files);
-        process.builder.core().setLanguagesToRemove({"French", "German"});
+        process.builder.core().choices().setLanguagesToRemove({"French", "German"});
         ASSERT_TRUE(process.device->standardUserDefaults().synchronize());
     }
     tests::AppTree(files).addPlist("/var/mobile/Library/Preferences/.GlobalPreferences.plist",
                                    {{"AppleLanguages", platform::Array{"de-AT"}}});
     Process next(files);
     EXPECT_EQ(next.builder.localizationManager().userLanguage(), "English");
-    EXPECT_THAT(next.builder.core().languagesToRemove(), ElementsAre("French"));
+    EXPECT_THAT(next.builder.core().choices().languagesToRemove(), ElementsAre("French"));
 }
 
 TEST_F(StoredChoicesTest, defaultsServeUntilSomethingIsSaved) {
     Process process(files);
-    EXPECT_EQ(process.builder.core().cleanupSettings(), OZCore::defaultCleanupSettings(*process.device));
+    EXPECT_EQ(process.builder.core().choices().cleanupSettings(),
+              CleanupChoices::defaultCleanupSettings(*process.device));
     EXPECT_FALSE(std::filesystem::exists(files.hostPath(defaultsFile)));
     // The interface may take the program with it when it restarts.
     process.device->setSleep([](double) {});
-    process.builder.core().setTestMode(true);
+    process.builder.core().choices().setTestMode(true);
     process.builder.deviceActions().respring();
     Process next(files);
-    EXPECT_TRUE(next.builder.core().testMode());
+    EXPECT_TRUE(next.builder.core().choices().testMode());
 }
 
 } // namespace

@@ -193,7 +193,7 @@ TEST(Cleanup, ManyFoldersGoAndAreLoggedInTheOrderOfTheirListing) {
 
 TEST(Cleanup, StepsThatAreOnAreEnteredInTheirOrder) {
     EngineFixture engine;
-    platform::Dictionary settings = OZCore::defaultCleanupSettings(engine.device.device());
+    platform::Dictionary settings = CleanupChoices::defaultCleanupSettings(engine.device.device());
     settings["ATTACHMENTS"] = uint64_t{2};
     settings.erase("CYDIA");
     engine.core->clean(&settings, Analyze::yes);
@@ -211,13 +211,13 @@ TEST(Cleanup, StepsThatAreOnAreEnteredInTheirOrder) {
 
 TEST(CleanupSettings, AreRepairedFromDefaults) {
     EngineFixture engine;
-    engine.core->setCleanupSettingsResettingInvalid(
+    engine.core->choices().setCleanupSettingsResettingInvalid(
         {{"ATTACHMENTS", 2}, {"SAFARI", "text"}, {"TEMPFILES", false}, {"NOSTEP", true}});
-    const auto& settings = engine.core->cleanupSettings();
+    const auto& settings = engine.core->choices().cleanupSettings();
     EXPECT_EQ(settings.size(), 13);
     EXPECT_EQ(settings.at("ATTACHMENTS").unsignedValue(), 2);
     EXPECT_EQ(settings.at("SAFARI").boolValue(), true);
     EXPECT_EQ(settings.at("TEMPFILES").boolValue(), false);
-    EXPECT_EQ(engine.core->enabledCleanupStepKeys().front(), "ATTACHMENTS");
-    EXPECT_EQ(EngineFixture(1047.2).core->cleanupSettings().count("BATTERYDATA"), 0);
+    EXPECT_EQ(engine.core->choices().enabledCleanupStepKeys().front(), "ATTACHMENTS");
+    EXPECT_EQ(EngineFixture(1047.2).core->choices().cleanupSettings().count("BATTERYDATA"), 0);
 }

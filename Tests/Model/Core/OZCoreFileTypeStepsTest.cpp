@@ -38,7 +38,7 @@ TEST(FileTypeStep, TheSearchPassesByWhatIsToBeSpared) {
         "Application|/var/mobile/Containers/Shared/AppGroup)$";
     constexpr const char* counted = "^(/private)?/var/([Ll]ogs?|tmp)$|^.*/Library/Logs$";
     EngineFixture fixture(1445.32, {{"org.user", "User", "User", "/c/ABC"}});
-    fixture.core->setFileTypesExcludingIllegal({"log", "tmp"});
+    fixture.core->choices().setFileTypesExcludingIllegal({"log", "tmp"});
     EXPECT_EQ(searchArguments(fixture, false, OZCoreMode::clean), withPrune(containers));
     EXPECT_EQ(searchArguments(fixture, false, OZCoreMode::test), withPrune(containers));
     EXPECT_EQ(searchArguments(fixture, false, OZCoreMode::analyze),
@@ -52,7 +52,7 @@ TEST(FileTypeStep, TheSearchPassesByWhatIsToBeSpared) {
     EXPECT_EQ(searchArguments(fixture, true, OZCoreMode::analyze), withPrune(excluded + "|" + counted));
 
     EngineFixture older(1140.10);
-    older.core->setFileTypesExcludingIllegal({"log", "tmp"});
+    older.core->choices().setFileTypesExcludingIllegal({"log", "tmp"});
     EXPECT_EQ(searchArguments(older, false, OZCoreMode::clean),
               withPrune("^(/private)?(/var/mobile/Applications|/var/mobile/Applications)$"));
 }
@@ -90,7 +90,7 @@ TEST(FileTypeStep, TakesFilesByTheirExtension) {
 
 TEST(FileTypeStep, WithoutTypesTheStepSaysSo) {
     EngineFixture fixture;
-    fixture.core->setFileTypesExcludingIllegal({"png"});
+    fixture.core->choices().setFileTypesExcludingIllegal({"png"});
     fixture.run(cleanupstep::fileTypeCleanup);
     EXPECT_EQ(fixture.body(), "\nNo filetypes specified. Skipping step...\n");
     EXPECT_EQ(fixture.core->cleanupStepCount(), 1);

@@ -34,7 +34,7 @@ class OZCoreLanguages : public EngineTest {
                               platform::PropertyListFormat::binary));
     }
 
-    OZCore& engineFor(OZCore::LanguageNames languages, OZCoreMode mode = OZCoreMode::clean) {
+    OZCore& engineFor(CleanupChoices::LanguageNames languages, OZCoreMode mode = OZCoreMode::clean) {
         const auto folder = temporary.folder();
         _core.reset();
         _manager.reset();
@@ -47,10 +47,10 @@ class OZCoreLanguages : public EngineTest {
         _manager =
             std::make_unique<OZLocalizationManager>(*_device, _device->standardUserDefaults(), *_bundle);
         _inventory = std::make_unique<OZAppList>(*_device);
-        _core = std::make_unique<OZCore>(*_device, _inventory.get(), _manager.get());
+        _core = std::make_unique<OZCore>(*_device, *_inventory, *_manager);
         _core->setCleanupLogger(std::make_unique<OZCleanupLogger>(*_device));
-        _core->setLanguagesToRemove(std::move(languages));
-        _core->setTestMode(mode == OZCoreMode::test);
+        _core->choices().setLanguagesToRemove(std::move(languages));
+        _core->choices().setTestMode(mode == OZCoreMode::test);
         return *_core;
     }
     // What an action takes out of the tree.
@@ -83,14 +83,14 @@ class OZCoreLanguageRemoval : public OZCoreLanguages {
 TEST_F(OZCoreLanguages, TurnNamesIntoExpressions) {
     setTable("German de\n\n \t \r\nChinese\tzh  zh[-_]Han[st] yue\nFrench fr\n");
     auto& core = engineFor({"German", "Klingon"});
-    EXPECT_THAT(core.languageRegexComponentsShort(false), ElementsAre("German", "de", "de[-_].."));
-    EXPECT_THAT(core.languageRegexComponentsShort(true), ElementsAre("de"));
-    core.setLanguagesToRemove({"Chinese"});
-    EXPECT_THAT(core.languageRegexComponentsShort(false),
+    EXPECT_THAT(core.choices().languageRegexComponentsShort(false), ElementsAre("German", "de", "de[-_].."));
+    EXPECT_THAT(core.choices().languageRegexComponentsShort(true), ElementsAre("de"));
+    core.choices().setLanguagesToRemove({"Chinese"});
+    EXPECT_THAT(core.choices().languageRegexComponentsShort(false),
                 ElementsAre("Chinese", "zh", "zh[-_]..", "zh[-_]Han[st]", "yue"));
-    EXPECT_THAT(core.languageRegexComponentsShort(true), ElementsAre("zh"));
-    core.removeAllLanguagesToRemove();
-    EXPECT_THAT(core.languageRegexComponentsShort(false), IsEmpty());
+    EXPECT_THAT(core.choices().languageRegexComponentsShort(true), ElementsAre("zh"));
+    core.choices().removeAllLanguagesToRemove();
+    EXPECT_THAT(core.choices().languageRegexComponentsShort(false), IsEmpty());
 }
 
 TEST_F(OZCoreLanguageRemoval, TakesNothingWhereNobodyCanTellTheLanguageInUse) {
@@ -116,34 +116,34 @@ TEST_F(OZCoreLanguages, AreReadAgainUntilTheTableIsThere) {
     setTable("Fran\xC3\xA7"
              "ais fr\n");
     auto& core = engineFor({"German"});
-    EXPECT_THAT(core.removableLanguages(), IsEmpty());
+    EXPECT_THAT(core.choices().removableLanguages(), IsEmpty());
     setTable("\n \n");
-    EXPECT_THAT(core.languageRegexFileLines(), IsEmpty());
+    EXPECT_THAT(core.choices().languageRegexFileLines(), IsEmpty());
     setTable("German de\n");
-    EXPECT_THAT(core.removableLanguages(), ElementsAre("German"));
+    EXPECT_THAT(core.choices().removableLanguages(), ElementsAre("German"));
     setTable("Italian it\n");
-    EXPECT_THAT(core.removableLanguages(), ElementsAre("German"));
+    EXPECT_THAT(core.choices().removableLanguages(), ElementsAre("German"));
 }
 
 TEST_F(OZCoreLanguages, InUseCannotBeChosen) {
     setTable("Norwegian no\nEnglish en\nGerman de\nFrench fr\nBokmal nb\nDutch nl\n");
     setSystemLanguage("nb");
     auto& core = engineFor({});
-    EXPECT_THAT(core.removableLanguages(), ElementsAre("German", "French", "Dutch"));
+    EXPECT_THAT(core.choices().removableLanguages(), ElementsAre("German", "French", "Dutch"));
     manager().setUserLanguage("French");
-    EXPECT_THAT(core.removableLanguages(), ElementsAre("German", "Dutch"));
+    EXPECT_THAT(core.choices().removableLanguages(), ElementsAre("German", "Dutch"));
 }
 
 TEST_F(OZCoreLanguages, OfTheProgramsTableAreSafeToRemove) {
     auto& core = engineFor({});
     std::set<std::string> names;
-    for (const auto& name : core.removableLanguages()) {
+    for (const auto& name : core.choices().removableLanguages()) {
         EXPECT_TRUE(names.insert(name).second) << name << " twice";
-        core.setLanguagesToRemove({name});
+        core.choices().setLanguagesToRemove({name});
         // Without a code, whole folders of other languages would go.
-        EXPECT_FALSE(core.languageRegexComponentsShort(true).empty()) << name;
+        EXPECT_FALSE(core.choices().languageRegexComponentsShort(true).empty()) << name;
         std::string expression = "^.*(";
-        for (const auto& component : core.languageRegexComponentsShort(false)) {
+        for (const auto& component : core.choices().languageRegexComponentsShort(false)) {
             expression += component + "|";
         }
         expression.back() = ')';
@@ -235,7 +235,7 @@ TEST_F(OZCoreLanguageRemoval, WithoutACodeTakesAllInputData) {
     EXPECT_TRUE(tree().contains("/usr/share/mecabra.OzvarineBackup/ja/a"));
     core.backup(BackupAction::restore);
     EXPECT_EQ(tree(), before);
-    core.setTestMode(false);
+    core.choices().setTestMode(false);
     EXPECT_EQ(goneAfter(core, OZAction::removeLanguages),
               (Tree{"/usr/share/mecabra/ja/a", "/usr/share/mecabra/file", "/usr/share/tokenizer/zh/a"}));
     EXPECT_EQ(core.fileCount(), 2U);

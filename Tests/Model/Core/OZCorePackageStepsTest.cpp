@@ -3,9 +3,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using testing::ElementsAre;
 using tests::EngineFixture;
+using tests::NoLanguages;
 
 namespace {
 
@@ -23,6 +25,18 @@ void addDpkg(EngineFixture& fixture) {
     fixture.device.addTool("/usr/bin/dpkg",
                            std::string(note) + R"sh([ "$1" = -l ] || { echo loud; echo loud >&2; exit 1; }
 printf '||/ Name  Version\nii  kept  1\nrc  first:arm\t1  text\nrc\nrc   second 2\n rc third 3\n')sh");
+}
+
+// What the process cannot open is not there to tell, and nobody knows which applications there are.
+std::unique_ptr<OZAppList> inventoryThatCannotBeRead(platform::Device& device) {
+    rlimit files{};
+    ::getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none{.rlim_cur = 0, .rlim_max = files.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    auto inventory = std::make_unique<OZAppList>(device);
+    ::setrlimit(RLIMIT_NOFILE, &files);
+    EXPECT_FALSE(inventory->isComplete());
+    return inventory;
 }
 
 } // namespace
@@ -73,7 +87,9 @@ TEST(CleanupSteps, AllOfThemEndWithoutToolsAndInventory) {
     fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1"});
     const auto before = fixture.tree();
     platform::Device bare(fixture.device.device().fileManager(), {.foundationVersion = 1445.32}, {});
-    OZCore core(bare, nullptr, nullptr);
+    const auto unread = inventoryThatCannotBeRead(bare);
+    const NoLanguages languages(bare);
+    OZCore core(bare, *unread, languages.manager);
     core.setCleanupLogger(std::make_unique<OZCleanupLogger>(bare));
     platform::Dictionary settings;
     for (const auto& step : cleanupSteps) {

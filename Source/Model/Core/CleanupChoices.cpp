@@ -1,9 +1,8 @@
-// What the user chose to clean, and how it outlives the process.
+#include "Model/Core/CleanupChoices.h"
+
 #include "Categories/NSStringAdditions.h"
-#include "Categories/NSStringFolding.h"
+#include "Model/Core/CleanupSteps.h"
 #include "Model/Core/CustomFileRecordStorage.h"
-#include "Model/Core/OZCore.h"
-#include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Device.h"
 
 #include <algorithm>
@@ -73,7 +72,68 @@ void storeUnlessEmpty(platform::UserDefaults& defaults, std::string_view key, pl
 
 } // namespace
 
-void OZCore::setCustomFilesExcludingInvalid(const platform::Array& customFiles) {
+CleanupChoices::CleanupChoices(platform::Device& device, const OZLocalizationManager& localizationManager)
+    : _device(device)
+    , _localizationManager(localizationManager)
+    , _cleanupSettings(defaultCleanupSettings(device))
+    , _fileTypes(defaultFileTypes()) {}
+
+std::vector<std::string_view> CleanupChoices::cleanupStepKeys(const platform::Device& device) {
+    std::vector<std::string_view> keys;
+    for (const auto& step : cleanupSteps) {
+        if (device.facts().foundationVersion >= step.sinceFoundationVersion) {
+            keys.push_back(step.key);
+        }
+    }
+    return keys;
+}
+
+platform::Dictionary CleanupChoices::defaultCleanupSettings(const platform::Device& device) {
+    platform::Dictionary settings;
+    for (const auto key : cleanupStepKeys(device)) {
+        const auto* step = std::ranges::find(cleanupSteps, key, &CleanupStepDescription::key);
+        // Attachments know more than on and off.
+        settings[std::string(key)] = key == cleanupstep::attachments
+                                         ? platform::Value(uint64_t{0})
+                                         : platform::Value(step->byDefault == StepDefault::on);
+    }
+    return settings;
+}
+
+std::vector<std::string_view> CleanupChoices::enabledCleanupStepKeys() const {
+    auto keys = cleanupStepKeys(_device);
+    std::erase_if(keys, [&](std::string_view key) {
+        const auto number = numberForCleanupSetting(key);
+        return !number || number->unsignedValue().value_or(0) == 0;
+    });
+    return keys;
+}
+
+std::optional<platform::Value> CleanupChoices::numberForCleanupSetting(std::string_view key) const {
+    const auto found = _cleanupSettings.find(key);
+    return found == _cleanupSettings.end() ? std::nullopt : std::optional(found->second);
+}
+
+void CleanupChoices::setNumberForCleanupSetting(const platform::Value& number, std::string_view key) {
+    _cleanupSettings.insert_or_assign(std::string(key), number);
+}
+
+void CleanupChoices::resetCleanupSettings() {
+    _cleanupSettings = defaultCleanupSettings(_device);
+}
+
+void CleanupChoices::setCleanupSettingsResettingInvalid(const platform::Dictionary& settings) {
+    auto repaired = defaultCleanupSettings(_device);
+    for (auto& [key, number] : repaired) {
+        const auto given = settings.find(key);
+        if (given != settings.end() && given->second.isNumber()) {
+            number = given->second;
+        }
+    }
+    _cleanupSettings = std::move(repaired);
+}
+
+void CleanupChoices::setCustomFilesExcludingInvalid(const platform::Array& customFiles) {
     _customFiles.clear();
     for (const auto& value : customFiles) {
         if (const auto record = customFileRecordFromValue(value)) {
@@ -82,37 +142,37 @@ void OZCore::setCustomFilesExcludingInvalid(const platform::Array& customFiles) 
     }
 }
 
-void OZCore::addCustomFile(const CustomFileRecord& record) {
+void CleanupChoices::addCustomFile(const CustomFileRecord& record) {
     insertCustomFile(record, _customFiles.size());
 }
 
-void OZCore::insertCustomFile(const CustomFileRecord& record, size_t index) {
+void CleanupChoices::insertCustomFile(const CustomFileRecord& record, size_t index) {
     OZ_REQUIRE(index <= _customFiles.size());
     if (isCompleteRecord(record)) {
         _customFiles.insert(_customFiles.begin() + static_cast<ptrdiff_t>(index), record);
     }
 }
 
-void OZCore::removeCustomFile(size_t index) {
+void CleanupChoices::removeCustomFile(size_t index) {
     OZ_REQUIRE(index < _customFiles.size());
     _customFiles.erase(_customFiles.begin() + static_cast<ptrdiff_t>(index));
 }
 
-void OZCore::replaceCustomFile(size_t index, const CustomFileRecord& record) {
+void CleanupChoices::replaceCustomFile(size_t index, const CustomFileRecord& record) {
     const auto copy = record;
     removeCustomFile(index);
     insertCustomFile(copy, index);
 }
 
-std::vector<std::string> OZCore::defaultFileTypes() {
+std::vector<std::string> CleanupChoices::defaultFileTypes() {
     return {std::begin(standardFileTypes), std::end(standardFileTypes)};
 }
 
-void OZCore::resetFileTypes() {
+void CleanupChoices::resetFileTypes() {
     _fileTypes = defaultFileTypes();
 }
 
-bool OZCore::setFileTypesExcludingIllegal(std::vector<std::string> fileTypes) {
+bool CleanupChoices::setFileTypesExcludingIllegal(std::vector<std::string> fileTypes) {
     std::erase(fileTypes, "");
     if (fileTypes.empty()) {
         resetFileTypes();
@@ -123,30 +183,13 @@ bool OZCore::setFileTypesExcludingIllegal(std::vector<std::string> fileTypes) {
     return refused != 0;
 }
 
-void OZCore::removeLanguagesInUse(std::span<const std::string> names) {
-    std::erase_if(_languagesToRemove, [&](const std::string& language) {
-        return std::ranges::any_of(names, [&](const std::string& name) {
-            return containsIgnoringCaseAndDiacritics(name, language);
-        });
-    });
-}
-
-void OZCore::localize() {
-    std::vector<std::string> names{"English"};
-    if (_localizationManager != nullptr) {
-        names.push_back(_localizationManager->systemLanguage());
-        names.push_back(_localizationManager->userLanguage().value_or(""));
-    }
-    removeLanguagesInUse(names);
-}
-
-void OZCore::registerDefaults() {
+void CleanupChoices::registerDefaults() {
     _device.standardUserDefaults().registerDefaults(
         {{std::string(key::cleanupSettings), defaultCleanupSettings(_device)},
          {std::string(key::fileTypes), arrayOfTexts(defaultFileTypes())}});
 }
 
-void OZCore::loadDefaults() {
+void CleanupChoices::loadDefaults() {
     const auto& defaults = _device.standardUserDefaults();
     setCleanupSettingsResettingInvalid(
         defaults.dictionaryForKey(key::cleanupSettings).value_or(platform::Dictionary{}));
@@ -164,7 +207,7 @@ void OZCore::loadDefaults() {
     setTestMode(defaults.boolForKey(key::testMode));
 }
 
-void OZCore::writeDefaults() {
+void CleanupChoices::writeDefaults() {
     auto& defaults = _device.standardUserDefaults();
     defaults.setObject(key::cleanupSettings, _cleanupSettings);
     defaults.setObject(key::fileTypes, arrayOfTexts(_fileTypes));
