@@ -40,7 +40,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Work = std::function<void(platform::Device&)>;
 
-constexpr std::string_view backupExtension = OZCore::backupExtension;
+constexpr std::string_view backupExtension = CleanupRun::backupExtension;
 constexpr std::string_view preferences = "/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
 
 std::unique_ptr<TemporaryDevice> newDevice() {

@@ -128,8 +128,8 @@ TEST_F(EngineFaults, TestModeAndRestoreLoseNothing) {
 }
 
 TEST_F(EngineFaults, WhatIsCountedAfterTheFactIsGone) {
-    const OZCore::Paths paths = {"/var/log/x",    "/custom",  "/d/deep",
-                                 "/var/log/link", "/missing", "/custom/a"};
+    const CleanupRun::Paths paths = {"/var/log/x",    "/custom",  "/d/deep",
+                                     "/var/log/link", "/missing", "/custom/a"};
     const auto judge = [&] {
         judgeRun();
         for (const auto& path : fixture->loggedPaths()) {
@@ -142,12 +142,12 @@ TEST_F(EngineFaults, WhatIsCountedAfterTheFactIsGone) {
         fixture->enter(OZCoreMode::clean);
     };
     everyFault("quickDel", {.prepare = prepare,
-                            .run = [&] { fixture->core->quickDel(paths); },
+                            .run = [&] { fixture->run().quickDel(paths); },
                             .judge = judge,
                             .release = [&] { fixture.reset(); },
                             .judgeWithoutFault = nullptr});
     everyFault("quickDelLang", {.prepare = prepare,
-                                .run = [&] { fixture->core->quickDelLang(paths); },
+                                .run = [&] { fixture->run().quickDelLang(paths); },
                                 .judge = judge,
                                 .release = [&] { fixture.reset(); },
                                 .judgeWithoutFault = nullptr});
@@ -163,7 +163,7 @@ TEST_F(EngineFaults, FolderThatCannotBeReadIsNotEmpty) {
                               before = treeOf(fixture->device);
                               fixture->enter(OZCoreMode::clean);
                           },
-                      .run = [&] { fixture->core->delEmptyDirs("/empty"); },
+                      .run = [&] { fixture->run().delEmptyDirs("/empty"); },
                       .judge =
                           [&] {
                               judgeRun();
@@ -197,7 +197,7 @@ TEST_F(EngineFaults, SearchThatBreaksOffNamesNoHalfPath) {
     // As a search is left by whoever kills it: the tool writes its output in blocks, not in paths.
     fixture->device.addTool("/usr/bin/find", R"(printf '/var/log/x\0/var/mobile'; kill -9 $$)");
     fixture->enter(OZCoreMode::clean);
-    const auto found = fixture->core->find({"/", "-name", "*"});
+    const auto found = fixture->run().find({"/", "-name", "*"});
     EXPECT_THAT(found.names, testing::ElementsAre("var/log/x"));
 }
 
@@ -214,9 +214,9 @@ TEST_F(EngineFaults, AllocationsThatFailLoseNothing) {
                                                       },
                                                   .run =
                                                       [&] {
-                                                          fixture->core->delFilesInFolderRecursive("/custom");
-                                                          fixture->core->delEmptyDirs("/var");
-                                                          fixture->core->delr(OZCore::Paths{"/d/deep"});
+                                                          fixture->run().delFilesInFolderRecursive("/custom");
+                                                          fixture->run().delEmptyDirs("/var");
+                                                          fixture->run().delr(CleanupRun::Paths{"/d/deep"});
                                                       },
                                                   .judge = judge,
                                                   .release = [&] { fixture.reset(); },

@@ -104,8 +104,8 @@ Tree withoutBackupNames(const Tree& tree) {
     Tree result;
     for (const auto& [backup, content] : tree) {
         std::string path = backup;
-        for (size_t found = 0; (found = path.find(OZCore::backupExtension)) != std::string::npos;) {
-            path.erase(found, OZCore::backupExtension.size());
+        for (size_t found = 0; (found = path.find(CleanupRun::backupExtension)) != std::string::npos;) {
+            path.erase(found, CleanupRun::backupExtension.size());
         }
         result.emplace(std::move(path), content);
     }

@@ -66,6 +66,8 @@ class EngineFixture {
     [[nodiscard]] std::vector<std::string> loggedItems() const;
 
     [[nodiscard]] CleanupChoices& choices() const { return core->choices(); }
+    /// The last run, for its primitives.
+    [[nodiscard]] CleanupRun& run() const { return core->run(); }
 
     TemporaryDevice device;
     std::unique_ptr<OZAppList> apps;

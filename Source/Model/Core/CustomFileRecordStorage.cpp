@@ -9,7 +9,7 @@ constexpr std::string_view recursiveKey = "recursive";
 
 struct PatternField {
     std::string_view key;
-    std::optional<std::string> CustomFileRecord::* pattern;
+    std::optional<std::string> CustomFileRecord::*pattern;
 };
 
 constexpr PatternField patternFields[] = {

@@ -23,9 +23,8 @@ std::string bytes(const icu::UnicodeString& characters) {
 
 } // namespace
 
-ImageTwins::ImageTwins(platform::FileManager& fileManager, std::string_view suffixes,
-                       std::string_view twinsSuffix)
-    : _fileManager(fileManager)
+ImageTwins::ImageTwins(TreeView& tree, std::string_view suffixes, std::string_view twinsSuffix)
+    : _tree(tree)
     , _suffixes(characters(suffixes), UREGEX_CASE_INSENSITIVE, _status)
     , _twinsSuffix(characters(twinsSuffix)) {}
 
@@ -64,8 +63,6 @@ bool ImageTwins::exists(const std::string& path, const std::shared_ptr<const pla
 
 ImageTwins::Names ImageTwins::namesIn(const std::string& folder,
                                       const std::shared_ptr<const platform::Folder>& top) const {
-    const auto item = _fileManager.itemBelow(top, folder);
-    const auto opened = item ? item->openFolder() : platform::failure(ENOENT);
-    const auto names = opened ? (*opened)->entries() : platform::failure(ENOENT);
+    const auto names = _tree.contentsOfDirectoryBelow(top, folder);
     return names ? Names(names->begin(), names->end()) : Names();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileManager.h"
+#include "Model/Core/TreeView.h"
 
 #include <memory>
 #include <string>
@@ -14,9 +14,9 @@
 class ImageTwins {
   public:
     /// `suffixes` is a regular expression of the images' suffixes, compared without regard to case;
-    /// `twinsSuffix` is what stands in their place in a twin's name, empty for the lowest scale. The file
-    /// manager outlives the object.
-    ImageTwins(platform::FileManager& fileManager, std::string_view suffixes, std::string_view twinsSuffix);
+    /// `twinsSuffix` is what stands in their place in a twin's name, empty for the lowest scale. The view
+    /// outlives the object.
+    ImageTwins(TreeView& tree, std::string_view suffixes, std::string_view twinsSuffix);
 
     /// The twins that are there, in the order of the images; one for each image, so that two images may give
     /// the same twin. A folder with a suffix in its name is looked for under its twin's name, as an image is.
@@ -33,7 +33,7 @@ class ImageTwins {
     [[nodiscard]] Names namesIn(const std::string& folder,
                                 const std::shared_ptr<const platform::Folder>& top) const;
 
-    platform::FileManager& _fileManager;
+    TreeView& _tree;
     UErrorCode _status = U_ZERO_ERROR;
     icu::RegexMatcher _suffixes;
     icu::UnicodeString _twinsSuffix;

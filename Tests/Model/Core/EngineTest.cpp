@@ -1,5 +1,7 @@
 #include "Tests/Model/Core/EngineTest.h"
 
+#include "Model/Core/Removal/KnownApps.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -40,6 +42,10 @@ OZCore& EngineTest::engine(OZCoreMode mode) {
     const platform::Dictionary nothing;
     _core->clean(&nothing, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
     return *_core;
+}
+
+void EngineTest::cleanKnownApp(OZCore& core, std::string_view identifier) {
+    ::cleanKnownApp(core.run(), *_appList, identifier);
 }
 
 void EngineTest::addFiles(const Paths& paths, std::string_view content) {

@@ -29,6 +29,8 @@ class EngineTest : public testing::Test {
     /// Opens the tree as a device of the present facts, with an inventory and an engine that logs. The engine
     /// is in the mode that a run with every step off has left it in.
     OZCore& engine(OZCoreMode mode = OZCoreMode::clean);
+    /// By the inventory of the last engine.
+    void cleanKnownApp(OZCore& core, std::string_view identifier);
     [[nodiscard]] OZAppList& appList() { return *_appList; }
 
     /// The tree's leaves, without the log.

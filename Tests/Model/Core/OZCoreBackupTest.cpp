@@ -24,7 +24,7 @@ class Backups : public EngineTest {
     [[nodiscard]] std::map<std::string, Item> items() const {
         std::map<std::string, Item> items;
         for (const auto& entry : fs::recursive_directory_iterator(temporary.hostPath("/d"))) {
-            struct stat status{};
+            struct stat status {};
             EXPECT_EQ(::lstat(entry.path().c_str(), &status), 0);
             const bool isFolder = entry.is_directory() && !entry.is_symlink();
             const std::string path =
@@ -68,7 +68,7 @@ TEST_F(Backups, RestoreGivesEveryItemBack) {
     addItems();
     const auto before = items();
     auto& core = engine(OZCoreMode::test);
-    core.delr({"/d/file", "/d/folder", "/d/empty", "/d/missing"});
+    core.run().delr({"/d/file", "/d/folder", "/d/empty", "/d/missing"});
     EXPECT_NE(items(), before);
 
     core.backup(BackupAction::restore);
@@ -112,8 +112,8 @@ TEST_F(Backups, BackupsInsideOfABackupComeBackWithTheSameCall) {
     const auto before = items();
     const Tree treeBefore = tree();
     auto& core = engine(OZCoreMode::test);
-    core.del(OZCore::Paths{"/top", "/d/folder/sub/\xff\n name"});
-    core.delr(OZCore::Paths{"/d/folder/sub", "/d/empty", "/d/folder", "/d"});
+    core.run().del(CleanupRun::Paths{"/top", "/d/folder/sub/\xff\n name"});
+    core.run().delr(CleanupRun::Paths{"/d/folder/sub", "/d/empty", "/d/folder", "/d"});
     core.backup(BackupAction::restore);
     EXPECT_EQ(core.fileCount(), 6);
     EXPECT_EQ(tree(), treeBefore);

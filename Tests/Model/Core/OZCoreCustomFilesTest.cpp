@@ -1,6 +1,7 @@
 // What the files and folders that a user has added to a cleanup take with them.
 
 #include "Model/Core/CustomFileRecord.h"
+#include "Model/Core/Removal/CustomFiles.h"
 #include "Tests/Model/Core/EngineTest.h"
 
 using testing::IsEmpty;
@@ -36,7 +37,7 @@ class CustomFiles : public EngineTest {
         temporary.addLink("/f/log-link.txt", "/outside/log-kept.txt");
         temporary.addLink("/f/sub/log-folder", "/outside");
         const Tree before = tree();
-        engine().cleanCustomFile(record);
+        cleanCustomFile(engine().run(), record);
         return difference(before, tree());
     }
 };
@@ -109,7 +110,7 @@ TEST_F(CustomFiles, RecordWithoutAFolderToSearchTakesNothing) {
 TEST_F(CustomFiles, FolderWhoseNameIsAnOptionIsNotSearched) {
     addFiles({"/-delete/a", "/b"});
     const Tree before = tree();
-    EXPECT_THAT(engine().find({"-delete"}).names, IsEmpty());
+    EXPECT_THAT(engine().run().find({"-delete"}).names, IsEmpty());
     EXPECT_EQ(tree(), before);
 }
 
@@ -118,12 +119,12 @@ TEST_F(CustomFiles, OtherModesOnlyLookOrRename) {
     const Tree before = tree();
     const auto record = filtered(folder(onlyFiles, true), "log", none, none);
     auto& analysis = engine(OZCoreMode::analyze);
-    analysis.cleanCustomFile(record);
+    cleanCustomFile(analysis.run(), record);
     EXPECT_EQ(tree(), before);
     EXPECT_EQ(analysis.fileCount(), 2);
     EXPECT_EQ(analysis.freedSpace(), 10);
 
-    engine(OZCoreMode::test).cleanCustomFile(record);
+    cleanCustomFile(engine(OZCoreMode::test).run(), record);
     EXPECT_THAT(loggedPaths(), testing::UnorderedElementsAre("/f/log-a", "/f/sub/log-b"));
     EXPECT_EQ(tree(), (Tree{"/f/log-a.OzvarineBackup", "/f/sub/log-b.OzvarineBackup", "/f/sub/c"}));
 }

@@ -25,7 +25,7 @@ class KnownApps : public EngineTest {
     Paths logged(const std::string& identifier, const Paths& files, OZCoreMode mode = OZCoreMode::clean) {
         addUserApp(identifier);
         addFiles(files);
-        engine(mode).cleanKnownApp(identifier);
+        cleanKnownApp(engine(mode), identifier);
         return loggedPaths();
     }
 };
@@ -81,7 +81,7 @@ TEST_F(KnownApps, OtherApplicationsAndMissingContainersAreLeftAlone) {
     auto& core = engine();
     for (const char* identifier : {"com.facebook.Messenger", "com.badoo.Badoo", "org.example.unknown",
                                    "com.spotify.client", "com.tigisoftware.Filza"}) {
-        core.cleanKnownApp(identifier);
+        cleanKnownApp(core, identifier);
     }
     EXPECT_EQ(core.fileCount(), 0);
     EXPECT_THAT(log(), Not(HasSubstr("In dir")));
@@ -107,9 +107,9 @@ TEST_F(KnownApps, SystemApplicationsAreCleanedWhereTheyKeepTheirThings) {
               "/Applications/iCU.app/kept.dat", "/Applications/iCU.app/.data/kept",
               "/var/mobile/Library/Filza/.Trash/z"});
     auto& core = engine(OZCoreMode::analyze);
-    core.cleanKnownApp("eu.heinelt.ifile");
-    core.cleanKnownApp("com.itaysoft.icaughtuproapp");
-    core.cleanKnownApp("com.tigisoftware.Filza");
+    cleanKnownApp(core, "eu.heinelt.ifile");
+    cleanKnownApp(core, "com.itaysoft.icaughtuproapp");
+    cleanKnownApp(core, "com.tigisoftware.Filza");
     EXPECT_THAT(loggedPaths(),
                 ElementsAre("/var/mobile/Library/iFile/Trash/f", "/var/mobile/Library/iFile/Trash/f/y",
                             "/var/mobile/Library/iFile/Cache/x", "/Applications/iCU.app/log.txt",
@@ -134,10 +134,10 @@ TEST_F(KnownApps, PreferencesForgetThreeKeysInEveryModeAndKeepTheRest) {
         for (const auto mode : {OZCoreMode::clean, OZCoreMode::analyze, OZCoreMode::test}) {
             temporary.addFile(preferences, platform::serializePropertyList(full, format));
             auto& core = engine(mode);
-            core.cleanKnownApp("net.box.BoxNet");
+            cleanKnownApp(core, "net.box.BoxNet");
             EXPECT_EQ(temporary.contents(preferences), platform::serializePropertyList(kept, format));
             EXPECT_EQ(core.fileCount(), 0);
-            struct stat status{};
+            struct stat status {};
             ASSERT_EQ(::stat(temporary.hostPath(preferences).c_str(), &status), 0);
             EXPECT_EQ(status.st_mode & 07777U, 0600U);
             EXPECT_EQ(status.st_uid, 501U);
@@ -151,7 +151,7 @@ TEST_F(KnownApps, PreferencesInTheTextFormatAreWrittenAsXmlWithAllTheyHold) {
     addUserApp("net.box.BoxNet");
     temporary.addFile(preferences,
                       "{ jobRepositoryLastSchemaNb = 7; a = ( 1, <00ff>, { b = \"\\U00e4\"; } ); }");
-    engine().cleanKnownApp("net.box.BoxNet");
+    cleanKnownApp(engine(), "net.box.BoxNet");
     const Dictionary kept{
         {"a", platform::Array{"1", platform::Data{std::string("\0\xff", 2)}, Dictionary{{"b", "ä"}}}}};
     EXPECT_EQ(temporary.contents(preferences),
@@ -160,10 +160,10 @@ TEST_F(KnownApps, PreferencesInTheTextFormatAreWrittenAsXmlWithAllTheyHold) {
 
 TEST_F(KnownApps, PreferencesThatCannotBeReadStayAsTheyAre) {
     addUserApp("net.box.BoxNet");
-    engine().cleanKnownApp("net.box.BoxNet");
+    cleanKnownApp(engine(), "net.box.BoxNet");
     EXPECT_FALSE(std::filesystem::exists(temporary.hostPath(preferences)));
     temporary.addFile(preferences, "no property list");
-    engine().cleanKnownApp("net.box.BoxNet");
+    cleanKnownApp(engine(), "net.box.BoxNet");
     EXPECT_EQ(temporary.contents(preferences), "no property list");
 }
 
@@ -174,8 +174,8 @@ TEST_F(KnownApps, PreferencesThatAreAnotherNameOfAFileLeaveThatFileAlone) {
     std::filesystem::create_directories(temporary.hostPath("/c/Library/Preferences"));
     std::filesystem::create_hard_link(temporary.hostPath("/Library/root.plist"),
                                       temporary.hostPath(preferences));
-    engine().cleanKnownApp("net.box.BoxNet");
-    struct stat status{};
+    cleanKnownApp(engine(), "net.box.BoxNet");
+    struct stat status {};
     ASSERT_EQ(::stat(temporary.hostPath("/Library/root.plist").c_str(), &status), 0);
     EXPECT_EQ(status.st_uid, 0U);
     EXPECT_EQ(status.st_nlink, 1U);

@@ -85,7 +85,7 @@ TEST(AttachmentsStep, ASecondTestRunSumsTheSameFolders) {
     EngineFixture fixture;
     const auto folder = fixture.device.hostPath("/var/mobile/Library/SMS/Attachments/empty/er");
     std::filesystem::create_directories(folder);
-    struct stat status{};
+    struct stat status {};
     ASSERT_EQ(::stat(folder.c_str(), &status), 0);
     addDatabase(fixture, "attachment", {});
     for (int run = 0; run < 3; ++run) {
@@ -119,7 +119,7 @@ TEST(AttachmentsStep, TheTableIsThatOfTheGeneration) {
     for (const auto& [version, table] : {std::pair{991.9, "madrid_attachment"}, {992.0, "attachment"}}) {
         EngineFixture fixture(version);
         addDatabase(fixture, table, {"~/a/b"});
-        EXPECT_THAT(fixture.core->attachmentPathsFromSMSDatabase(), testing::Optional(ElementsAre("a")))
+        EXPECT_THAT(fixture.run().attachmentPathsFromSMSDatabase(), testing::Optional(ElementsAre("a")))
             << version;
     }
 }

@@ -11,13 +11,13 @@ using tests::EngineFixture;
 
 namespace {
 
-constexpr std::string_view backup = OZCore::backupExtension;
+constexpr std::string_view backup = CleanupRun::backupExtension;
 
 // What one call of a primitive leaves of "/f" (3 bytes), "/d" with two files of 2 bytes and a link, and "/l".
 struct Case {
     const char* name;
     OZCoreMode mode;
-    void (*call)(OZCore&);
+    void (*call)(CleanupRun&);
     uint64_t fileCount;
     // Bytes of the files; a folder's own size depends on the file system and is left out by comparing ">=".
     uint64_t atLeastFreed;
@@ -29,7 +29,7 @@ void PrintTo(const Case& row, std::ostream* out) {
     *out << row.name;
 }
 
-const OZCore::Paths everything = {"/f", "/d", "/l", "/missing"};
+const CleanupRun::Paths everything = {"/f", "/d", "/l", "/missing"};
 
 // The sizes of a folder's entries at any depth, or of the file itself.
 uint64_t sizesBelow(const std::filesystem::path& path) {
@@ -38,7 +38,7 @@ uint64_t sizesBelow(const std::filesystem::path& path) {
     }
     uint64_t sum = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(path)) {
-        struct stat status{};
+        struct stat status {};
         EXPECT_EQ(::lstat(entry.path().c_str(), &status), 0);
         sum += static_cast<uint64_t>(status.st_size);
     }
@@ -58,7 +58,7 @@ TEST_P(PrimitiveCounting, DependsOnModeAndType) {
     engine.device.addLink("/d/link", "/f");
     engine.device.addLink("/l", "/f");
     engine.enter(row.mode);
-    row.call(*engine.core);
+    row.call(engine.run());
     EXPECT_EQ(engine.core->fileCount(), row.fileCount);
     EXPECT_GE(engine.core->freedSpace(), row.atLeastFreed);
     EXPECT_EQ(engine.exists("/f"), row.fileStays);
@@ -73,33 +73,41 @@ TEST_P(PrimitiveCounting, DependsOnModeAndType) {
 INSTANTIATE_TEST_SUITE_P(
     Modes, PrimitiveCounting,
     testing::Values(
-        Case{"del cleans", OZCoreMode::clean, [](OZCore& core) { core.del(everything); }, 1, 0, false, true},
-        Case{"del analyzes", OZCoreMode::analyze, [](OZCore& core) { core.del(everything); }, 1, 3, true,
+        Case{"del cleans", OZCoreMode::clean, [](CleanupRun& run) { run.del(everything); }, 1, 0, false,
              true},
-        Case{"del tests", OZCoreMode::test, [](OZCore& core) { core.del(everything); }, 1, 3, false, true},
+        Case{"del analyzes", OZCoreMode::analyze, [](CleanupRun& run) { run.del(everything); }, 1, 3, true,
+             true},
+        Case{"del tests", OZCoreMode::test, [](CleanupRun& run) { run.del(everything); }, 1, 3, false, true},
         // The folder, its sub-folder, two files and a link, beside the file; a named link is left alone.
-        Case{"delr cleans", OZCoreMode::clean, [](OZCore& core) { core.delr(everything); }, 6, 0, false,
+        Case{"delr cleans", OZCoreMode::clean, [](CleanupRun& run) { run.delr(everything); }, 6, 0, false,
              false},
-        Case{"delr analyzes", OZCoreMode::analyze, [](OZCore& core) { core.delr(everything); }, 6, 7, true,
+        Case{"delr analyzes", OZCoreMode::analyze, [](CleanupRun& run) { run.delr(everything); }, 6, 7, true,
              true},
-        Case{"delr tests", OZCoreMode::test, [](OZCore& core) { core.delr(everything); }, 6, 7, false, false},
-        // No type is asked: the link goes, too, and a folder is one item.
-        Case{"quickDel cleans", OZCoreMode::clean, [](OZCore& core) { core.quickDel(everything); }, 3, 0,
-             false, false},
-        Case{"quickDel analyzes", OZCoreMode::analyze, [](OZCore& core) { core.quickDel(everything); }, 3, 3,
-             true, true},
-        Case{"quickDel tests", OZCoreMode::test, [](OZCore& core) { core.quickDel(everything); }, 3, 3, false,
+        Case{"delr tests", OZCoreMode::test, [](CleanupRun& run) { run.delr(everything); }, 6, 7, false,
              false},
+        // No type is asked: the link goes, too, and a folder is one item.
+        Case{"quickDel cleans", OZCoreMode::clean, [](CleanupRun& run) { run.quickDel(everything); }, 3, 0,
+             false, false},
+        Case{"quickDel analyzes", OZCoreMode::analyze, [](CleanupRun& run) { run.quickDel(everything); }, 3,
+             3, true, true},
+        Case{"quickDel tests", OZCoreMode::test, [](CleanupRun& run) { run.quickDel(everything); }, 3, 3,
+             false, false},
         // In an analysis alone, what is missing counts.
         Case{"quickDelLang cleans", OZCoreMode::clean,
-             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 0,
-             true, false},
+             [](CleanupRun& run) {
+                 run.quickDelLang(CleanupRun::Paths{"/d", "/missing", "/no/parent"});
+             },
+             1, 0, true, false},
         Case{"quickDelLang analyzes", OZCoreMode::analyze,
-             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 3, 4,
-             true, true},
+             [](CleanupRun& run) {
+                 run.quickDelLang(CleanupRun::Paths{"/d", "/missing", "/no/parent"});
+             },
+             3, 4, true, true},
         Case{"quickDelLang tests", OZCoreMode::test,
-             [](OZCore& core) { core.quickDelLang(OZCore::Paths{"/d", "/missing", "/no/parent"}); }, 1, 4,
-             true, false}),
+             [](CleanupRun& run) {
+                 run.quickDelLang(CleanupRun::Paths{"/d", "/missing", "/no/parent"});
+             },
+             1, 4, true, false}),
     [](const auto& row) {
         std::string name = row.param.name;
         std::ranges::replace(name, ' ', '_');
@@ -116,7 +124,7 @@ TEST(OZCorePrimitives, ATestRunSumsWhatAFormerBackupHeldBeforeItGivesWay) {
         const uint64_t expected = sizesBelow(engine.device.hostPath(folder + "/a")) +
                                   sizesBelow(engine.device.hostPath(folder + "/a.OzvarineBackup"));
         engine.enter(OZCoreMode::test);
-        engine.core->delFolderContents(folder, OnlyFiles::no);
+        engine.run().delFolderContents(folder, OnlyFiles::no);
         const bool wasFirst = engine.loggedPaths().front().contains("Backup");
         EXPECT_EQ(engine.core->fileCount(), wasFirst ? 7 : 6);
         if (wasFirst) {
@@ -126,7 +134,7 @@ TEST(OZCorePrimitives, ATestRunSumsWhatAFormerBackupHeldBeforeItGivesWay) {
 }
 
 TEST(OZCorePrimitives, ATestRunSumsEachEntryThoughItGetsAnotherNameLater) {
-    const std::vector<OZCore::Paths> lists = {
+    const std::vector<CleanupRun::Paths> lists = {
         {"/d/a.OzvarineBackup", "/d/a.OzvarineBackup/sub"},
         {"/d/a.OzvarineBackup", "/d/b", "/d/a.OzvarineBackup/sub/er"},
         {"/d/b", "/d/b.OzvarineBackup/sub"},
@@ -145,26 +153,26 @@ TEST(OZCorePrimitives, ATestRunSumsEachEntryThoughItGetsAnotherNameLater) {
             expected += sizesBelow(engine.device.hostPath(isNew ? "/d/b" + path.substr(19) : path));
         }
         engine.enter(OZCoreMode::test);
-        engine.core->delr(list);
+        engine.run().delr(list);
         EXPECT_EQ(engine.core->freedSpace(), expected) << testing::PrintToString(list);
     }
 }
 
 TEST(OZCorePrimitives, TestModeReplacesAnOldBackupAndLeavesBackupsWhereTheyAre) {
-    using Primitive = void (*)(OZCore&, const OZCore::Paths&);
-    const Primitive primitives[] = {[](OZCore& core, auto& paths) { core.del(paths); },
-                                    [](OZCore& core, auto& paths) { core.delr(paths); },
-                                    [](OZCore& core, auto& paths) { core.quickDel(paths); },
-                                    [](OZCore& core, auto& paths) { core.quickDelLang(paths); }};
+    using Primitive = void (*)(CleanupRun&, const CleanupRun::Paths&);
+    const Primitive primitives[] = {[](CleanupRun& run, auto& paths) { run.del(paths); },
+                                    [](CleanupRun& run, auto& paths) { run.delr(paths); },
+                                    [](CleanupRun& run, auto& paths) { run.quickDel(paths); },
+                                    [](CleanupRun& run, auto& paths) { run.quickDelLang(paths); }};
     for (const auto primitive : primitives) {
         EngineFixture engine;
         engine.device.addFile("/f", "new");
         engine.device.addFile("/f.OzvarineBackup", "old");
         engine.enter(OZCoreMode::test);
-        primitive(*engine.core, {"/f.OzvarineBackup"});
+        primitive(engine.run(), {"/f.OzvarineBackup"});
         EXPECT_EQ(engine.tree(), (std::set<std::string>{"/f", "/f.OzvarineBackup"}));
         EXPECT_EQ(engine.core->fileCount(), 1U);
-        primitive(*engine.core, {"/f"});
+        primitive(engine.run(), {"/f"});
         EXPECT_EQ(engine.tree(), (std::set<std::string>{"/f.OzvarineBackup"}));
         EXPECT_EQ(engine.device.contents("/f.OzvarineBackup"), "new");
         EXPECT_EQ(engine.core->fileCount(), 2U);
@@ -176,8 +184,8 @@ TEST(OZCorePrimitives, ALaterStepSeesAnItemAgainInAnalysisAlone) {
         EngineFixture engine;
         engine.device.addFile("/f");
         engine.enter(mode);
-        engine.core->del(OZCore::Paths{"/f"});
-        engine.core->del(OZCore::Paths{"/f"});
+        engine.run().del(CleanupRun::Paths{"/f"});
+        engine.run().del(CleanupRun::Paths{"/f"});
         EXPECT_EQ(engine.core->fileCount(), count);
     }
 }
@@ -189,11 +197,11 @@ TEST(OZCorePrimitives, PatternsAskTheEntrysName) {
         engine.device.addFile(path);
     }
     engine.enter(OZCoreMode::analyze);
-    engine.core->delWithPattern("/p", "log", std::nullopt, ".txt", OnlyFiles::no);
+    engine.run().delWithPattern("/p", "log", std::nullopt, ".txt", OnlyFiles::no);
     EXPECT_THAT(engine.loggedPaths(), ElementsAre("/p/logs.txt"));
 
     engine.enter(OZCoreMode::analyze);
-    engine.core->delWithPattern("/p", "log", std::nullopt, std::nullopt, OnlyFiles::yes);
+    engine.run().delWithPattern("/p", "log", std::nullopt, std::nullopt, OnlyFiles::yes);
     EXPECT_THAT(engine.loggedPaths(), ElementsAre("/p/logs.txt"));
 
     engine.enter(OZCoreMode::analyze);
@@ -201,7 +209,7 @@ TEST(OZCorePrimitives, PatternsAskTheEntrysName) {
     constexpr std::string_view middles[] = {"google"};
     // Tried at the beginning of a name: ".txt" takes nothing, ".flu" the hidden file.
     constexpr std::string_view ends[] = {".txt", ".flu"};
-    engine.core->delWithPatterns(
+    engine.run().delWithPatterns(
         "/p", {.startPatterns = starts, .middlePatterns = middles, .endPatterns = ends}, OnlyFiles::no);
     EXPECT_THAT(engine.loggedPaths(), UnorderedElementsAre("/p/http_x", "/p/a.google.b", "/p/.flurry"));
 }
@@ -215,7 +223,7 @@ TEST(OZCorePrimitives, RecursiveDeletionSparesNamesAndFolders) {
     engine.enter(OZCoreMode::clean);
     constexpr std::string_view exact[] = {"sock"};
     constexpr std::string_view middle[] = {"blued"};
-    engine.core->delFilesExcludingPatternsRecursive("/t", {.exactMatches = exact, .middlePatterns = middle});
+    engine.run().delFilesExcludingPatternsRecursive("/t", {.exactMatches = exact, .middlePatterns = middle});
     EXPECT_THAT(engine.loggedPaths(), UnorderedElementsAre("/t/blued/x", "/t/y"));
     EXPECT_TRUE(engine.exists("/t/a/sock") && engine.exists("/t/a/my.blued.tmp") &&
                 engine.exists("/t/blued"));
@@ -227,10 +235,10 @@ TEST(OZCorePrimitives, RelativePathsBelongToTheDirectoryThatWasFound) {
     engine.device.addFile("/w/x/one");
     engine.device.addFile("/w/x/keep/two");
     engine.enter(OZCoreMode::clean);
-    EXPECT_FALSE(engine.core->changeDir("/missing"));
+    EXPECT_FALSE(engine.run().changeDir("/missing"));
     EXPECT_EQ(engine.log(), "");
-    ASSERT_TRUE(engine.core->changeDir("/w"));
-    engine.core->delFolderContents("./x", OnlyFiles::yes);
+    ASSERT_TRUE(engine.run().changeDir("/w"));
+    engine.run().delFolderContents("./x", OnlyFiles::yes);
     EXPECT_EQ(engine.log(), "\n##\nIn dir: /w\n##\n\n./x/one\n\n");
     EXPECT_TRUE(engine.exists("/w/x/keep/two"));
 }
@@ -243,7 +251,7 @@ TEST(OZCorePrimitives, EmptyFoldersAreThoseWithoutAFileAtAnyDepth) {
     engine.device.addFile("/e/full/deep/file");
     engine.device.addLink("/e/linked/link", "/e");
     engine.enter(OZCoreMode::clean);
-    engine.core->delEmptyDirs("/e");
+    engine.run().delEmptyDirs("/e");
     EXPECT_FALSE(engine.exists("/e/empty") || engine.exists("/e/nest"));
     EXPECT_TRUE(engine.exists("/e/full/deep/file") && engine.exists("/e/linked/link"));
     // "inner" went with "nest" and is not counted for itself.
@@ -260,7 +268,7 @@ TEST(OZCorePrimitives, EveryByteOfANameComesThroughSearchLogAndDeletion) {
         }
     }
     engine.enter(OZCoreMode::clean);
-    engine.core->quickDel(engine.core->find({"/n", "-type", "f", "-print"}));
+    engine.run().quickDel(engine.run().find({"/n", "-type", "f", "-print"}));
     EXPECT_TRUE(std::filesystem::is_empty(engine.device.hostPath("/n")));
     std::string log = engine.log();
     for (const auto& line : lines) {
@@ -280,12 +288,12 @@ TEST(OZCorePrimitives, FindGivesNamesOfAnyBytes) {
     }
     engine.device.addFile("/break.log");
     engine.enter(OZCoreMode::clean);
-    const auto found = engine.core->find(
+    const auto found = engine.run().find(
         {"/n", "-regextype", "posix-extended", "-regex", "^.*\\.(log)$", "-type", "f", "-print"});
     EXPECT_THAT(found.names, testing::UnorderedElementsAreArray(names));
-    engine.core->quickDel(found);
+    engine.run().quickDel(found);
     EXPECT_EQ(engine.core->fileCount(), names.size());
     EXPECT_TRUE(std::filesystem::is_empty(engine.device.hostPath("/n")));
     EXPECT_TRUE(engine.exists("/break.log"));
-    EXPECT_THAT(engine.core->find({"/missing"}).names, IsEmpty());
+    EXPECT_THAT(engine.run().find({"/missing"}).names, IsEmpty());
 }

@@ -168,12 +168,13 @@ TEST(StayedItems, WhatIsGoneHasNotStayed) {
         engine.addFiles({"/file"});
         engine.device.addLink("/link", "link");
         engine.enter(mode);
-        const OZCore::Paths paths = {"/missing", "/missing/x", "/file/x", "/link/x"};
-        engine.core->quickDel(paths);
-        engine.core->quickDelLang(paths);
-        engine.core->quickDel(platform::FoundPaths{.folder = engine.core->folderAtPath("/").value(),
-                                                   .prefix = "/",
-                                                   .names = {"missing/x", "file/x", "link/x"}});
+        const CleanupRun::Paths paths = {"/missing", "/missing/x", "/file/x", "/link/x"};
+        engine.run().quickDel(paths);
+        engine.run().quickDelLang(paths);
+        engine.run().quickDel(
+            platform::FoundPaths{.folder = engine.run().tree().directEntries("/").value().folder,
+                                 .prefix = "/",
+                                 .names = {"missing/x", "file/x", "link/x"}});
         EXPECT_TRUE(engine.core->stayedItems().empty());
     }
 }

@@ -1,5 +1,5 @@
-#include "Model/Core/CleanupAction.h"
-#include "Model/Core/OZCore.h"
+#include "Model/Core/CleanupSteps.h"
+#include "Model/Core/Steps/StepContext.h"
 
 // Caches outside of the applications' containers.
 
@@ -108,8 +108,8 @@ constexpr CleanupGroup groups[] = {
 
 } // namespace
 
-void OZCore::cleanCacheFiles(const Run& /*run*/) {
+void cleanCacheFiles(const StepContext& context) {
     for (const auto& group : groups) {
-        performInDirectory(group);
+        context.run.performInDirectory(group);
     }
 }

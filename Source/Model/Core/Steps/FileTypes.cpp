@@ -1,12 +1,11 @@
 #include "Categories/NSStringAdditions.h"
-#include "Model/Apps/OZAppList.h"
 #include "Model/Core/CleanupSteps.h"
-#include "Model/Core/OZCoreRun.h"
+#include "Model/Core/Steps/StepContext.h"
 #include "Model/Services/OZStdIO.h"
 
 #include <fmt/format.h>
 
-// Files by their extension, wherever they are, and the user's own files and folders.
+// Files by their extension, wherever they are.
 
 namespace {
 
@@ -35,47 +34,41 @@ std::vector<std::string> containerDirectories(const OZAppList& appList) {
     return directories;
 }
 
+// Folders that the search passes by.
+std::vector<std::string> prunePatterns(const StepContext& context) {
+    std::vector<std::string> patterns;
+    if (context.isOn(cleanupstep::applications)) {
+        if (const auto names = excludedFolderNames(context.appList); !names.empty()) {
+            patterns.push_back(fmt::format("^.*/({})$", fmt::join(names, "|")));
+        }
+    } else {
+        patterns.push_back(
+            fmt::format("^(/private)?({})$", fmt::join(containerDirectories(context.appList), "|")));
+    }
+    return context.run.patternsToPrune(std::move(patterns), countedFolders);
+}
+
 } // namespace
 
-void OZCore::cleanFileTypes(const Run& run) {
-    const auto& fileTypes = _choices.fileTypes();
+void cleanFileTypes(const StepContext& context) {
+    auto& run = context.run;
+    const auto& fileTypes = context.choices.fileTypes();
     if (fileTypes.empty()) {
-        print(fmt::format("\n{}No filetypes specified. Skipping step...{}\n", OZStdIO::red, OZStdIO::reset));
-        log("\nNo filetypes specified. Skipping step...\n");
+        run.print(
+            fmt::format("\n{}No filetypes specified. Skipping step...{}\n", OZStdIO::red, OZStdIO::reset));
+        run.log("\nNo filetypes specified. Skipping step...\n");
         return;
     }
     // Without an inventory nobody knows which applications are to be spared.
-    if (!knowsApplications()) {
+    if (!context.knowsApplications()) {
         return;
     }
     std::vector<std::string> arguments = {"/", "-regextype", "posix-extended"};
-    if (const auto patterns = prunePatterns(run); !patterns.empty()) {
+    if (const auto patterns = prunePatterns(context); !patterns.empty()) {
         arguments.insert(arguments.end(),
                          {"-regex", fmt::format("{}", fmt::join(patterns, "|")), "-prune", "-o"});
     }
     arguments.insert(arguments.end(), {"-regex", fmt::format("^.*\\.({})$", fmt::join(fileTypes, "|")),
                                        "-type", "f", "-print"});
-    quickDelFound(arguments);
-}
-
-// Folders that the search passes by.
-std::vector<std::string> OZCore::prunePatterns(const Run& run) const {
-    std::vector<std::string> patterns;
-    if (run.isOn(cleanupstep::applications)) {
-        if (const auto names = excludedFolderNames(_appList); !names.empty()) {
-            patterns.push_back(fmt::format("^.*/({})$", fmt::join(names, "|")));
-        }
-    } else {
-        patterns.push_back(fmt::format("^(/private)?({})$", fmt::join(containerDirectories(_appList), "|")));
-    }
-    if (_mode == OZCoreMode::analyze) {
-        patterns.insert(patterns.end(), std::begin(countedFolders), std::end(countedFolders));
-    }
-    return patterns;
-}
-
-void OZCore::cleanCustomFiles(const Run& /*run*/) {
-    for (const auto& record : _choices.customFiles()) {
-        cleanCustomFile(record);
-    }
+    run.quickDelFound(arguments);
 }

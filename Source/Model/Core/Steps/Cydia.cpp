@@ -1,14 +1,15 @@
 #include "Categories/NSStringAdditions.h"
-#include "Model/Apps/OZAppList.h"
-#include "Model/Core/CleanupAction.h"
-#include "Model/Core/OZCoreRun.h"
+#include "Model/Core/CleanupSteps.h"
 #include "Model/Core/ProgramIdentity.h"
-#include "Model/Tasks/OZTaskManager.h"
+#include "Model/Core/Removal/KnownApps.h"
+#include "Model/Core/Steps/EachApplication.h"
+#include "Model/Core/Steps/StepContext.h"
 #include "Platform/PathExtension.h"
 
+#include <optional>
 #include <set>
 
-// Cydia's own leftovers, those of the applications that came through it, and its package source lists.
+// Cydia's own leftovers, and those of the applications that came through it.
 
 namespace {
 
@@ -52,13 +53,6 @@ constexpr CleanupAction partialFileActions[] = {
     {.primitive = delFolderContents, .path = "/var/mobile/Library/Caches/com.saurik.Cydia/archives/partial"},
 };
 
-constexpr CleanupAction sourceActions[] = {
-    {.primitive = delFolderContents, .path = "/var/lib/apt/lists", .onlyFiles = OnlyFiles::yes},
-    {.primitive = delFolderContents,
-     .path = "/var/mobile/Library/Caches/com.saurik.Cydia/lists",
-     .onlyFiles = OnlyFiles::yes},
-};
-
 // An identifier comes from whoever made the application: it must name an item of the folder and lead nowhere
 // else.
 bool namesAnItem(std::string_view identifier) {
@@ -66,65 +60,71 @@ bool namesAnItem(std::string_view identifier) {
            identifier != "..";
 }
 
-} // namespace
-
-void OZCore::cleanCydia(const Run& run) {
-    OZTaskManager::killTasksWithNames(_device, {"MobileCydia", "Cydia"});
-    perform(snapshotActions);
-    performInDirectory({"/var/mobile/Library/Caches/com.saurik.Cydia", cacheActions});
-    cleanSystemApplications(run);
-    cleanAuxoSnapshots();
-    log("\nAPT partial files\n-----------------\n\n");
-    perform(partialFileActions);
-}
-
-void OZCore::cleanSystemApplications(const Run& run) {
-    const auto apps = _appList.appList(
+void cleanSystemApplications(const StepContext& context) {
+    const auto apps = context.appList.appList(
         {.typeMask = OZAppTypeMask::system,
          .excludingIdentifiers = {std::string(programIdentifier), std::string(cydiaIdentifier)},
          .filterMask = OZAppFilterMask::noApple | OZAppFilterMask::validIcon,
          .exclusionMask = OZExclusionMask::cleanup});
     for (const auto& app : apps) {
-        logNameOfApplication(*app, "\n\n");
-        quitApplication(*app, run);
+        logNameOfApplication(context.run, *app, "\n\n");
+        quitApplication(context, *app);
         if (namesAnItem(app->identifier())) {
             for (const auto folder : applicationFolders) {
-                delr(Paths{platform::joinPath(folder, app->identifier())});
+                context.run.delr(CleanupRun::Paths{platform::joinPath(folder, app->identifier())});
             }
-            cleanKnownApp(app->identifier());
+            cleanKnownApp(context.run, context.appList, app->identifier());
         }
     }
 }
 
-// Snapshots of applications that are gone. Without an inventory nobody knows which ones are.
-void OZCore::cleanAuxoSnapshots() {
-    bool isDirectory = false;
-    if (!knowsApplications() || !fileExistsAtPath(auxoSnapshots, &isDirectory) || !isDirectory) {
-        return;
-    }
-    log("\nAuxo snapshots\n--------------\n\n");
-    if (!changeDir(auxoSnapshots)) {
-        return;
-    }
+/// Names of the snapshots that stand for something; none where nobody can tell.
+std::optional<std::set<std::string, std::less<>>> snapshotsInUse(const StepContext& context) {
     std::set<std::string, std::less<>> names{std::string(webApplication)};
-    for (const auto& app : _appList.appList({.typeMask = OZAppTypeMask::all})) {
+    for (const auto& app : context.appList.appList({.typeMask = OZAppTypeMask::all})) {
         names.insert(app->identifier());
     }
-    const auto clips = contentsOfDirectoryAtPath(webClips);
+    const auto clips = context.run.tree().contentsOfDirectoryAtPath(webClips);
     if (!clips && !platform::meansAbsence(clips.error())) {
-        return;
+        return std::nullopt;
     }
-    for (const auto& clip : clips.value_or(Paths{})) {
+    for (const auto& clip : clips.value_or(CleanupRun::Paths{})) {
         names.insert(std::string(webApplication).append("-").append(platform::withoutPathExtension(clip)));
     }
-    auto snapshots = folderAtPath(".");
-    auto entries = snapshots ? (*snapshots)->entries() : platform::failure(ENOENT);
-    if (entries) {
-        std::erase_if(*entries, [&](const std::string& name) { return names.contains(name); });
-        delr(platform::FoundPaths{.folder = *snapshots, .prefix = "", .names = std::move(*entries)});
+    return names;
+}
+
+// Snapshots of applications that are gone. Without an inventory nobody knows which ones are.
+void cleanAuxoSnapshots(const StepContext& context) {
+    auto& run = context.run;
+    bool isDirectory = false;
+    if (!context.knowsApplications() || !run.tree().fileExistsAtPath(auxoSnapshots, &isDirectory) ||
+        !isDirectory) {
+        return;
+    }
+    run.log("\nAuxo snapshots\n--------------\n\n");
+    if (!run.changeDir(auxoSnapshots)) {
+        return;
+    }
+    const auto inUse = snapshotsInUse(context);
+    auto snapshots = inUse ? run.tree().directEntries(".") : platform::failure(ENOENT);
+    if (snapshots) {
+        // The log names them as they stand in the directory that it has named.
+        snapshots->prefix.clear();
+        std::erase_if(snapshots->names, [&](const std::string& name) { return inUse->contains(name); });
+        run.delr(*snapshots);
     }
 }
 
-void OZCore::cleanCydiaSources(const Run& /*run*/) {
-    perform(sourceActions);
+} // namespace
+
+void cleanCydia(const StepContext& context) {
+    auto& run = context.run;
+    run.quit({"MobileCydia", "Cydia"});
+    run.perform(snapshotActions);
+    run.performInDirectory({"/var/mobile/Library/Caches/com.saurik.Cydia", cacheActions});
+    cleanSystemApplications(context);
+    cleanAuxoSnapshots(context);
+    run.log("\nAPT partial files\n-----------------\n\n");
+    run.perform(partialFileActions);
 }

@@ -1,12 +1,9 @@
-#include "Categories/NSStringAdditions.h"
-#include "Model/Apps/OZAppList.h"
-#include "Model/Core/CleanupAction.h"
-#include "Model/Core/OZCoreRun.h"
-#include "Model/Tasks/OZTaskManager.h"
+#include "Model/Core/CleanupSteps.h"
+#include "Model/Core/Removal/KnownApps.h"
+#include "Model/Core/Steps/EachApplication.h"
+#include "Model/Core/Steps/StepContext.h"
 
-#include <unicode/unistr.h>
-
-// Caches and tracking leftovers of the applications, and old archives of battery usage.
+// Caches and tracking leftovers of the applications.
 
 namespace {
 
@@ -38,10 +35,6 @@ constexpr CleanupAction containerActions[] = {
      .patterns = {.startPatterns = trackingPatterns}},
 };
 
-constexpr CleanupAction batteryActions[] = {
-    {.primitive = delFolderContents, .path = "/var/mobile/Library/BatteryLife/Archives"},
-};
-
 std::vector<std::string> containersOf(const OZApp& app) {
     std::vector<std::string> containers;
     if (app.dataContainer()) {
@@ -57,44 +50,20 @@ std::vector<std::string> containersOf(const OZApp& app) {
 
 } // namespace
 
-void OZCore::cleanApplications(const Run& run) {
-    if (!knowsApplications()) {
+void cleanApplications(const StepContext& context) {
+    if (!context.knowsApplications()) {
         return;
     }
-    const auto apps = _appList.appList(
+    const auto apps = context.appList.appList(
         {.typeMask = OZAppTypeMask::user,
          .includingIdentifiers = {std::begin(appleApplications), std::end(appleApplications)},
          .exclusionMask = OZExclusionMask::cleanup});
     for (const auto& app : apps) {
-        logNameOfApplication(*app, "\n");
-        quitApplication(*app, run);
+        logNameOfApplication(context.run, *app, "\n");
+        quitApplication(context, *app);
         for (const auto& container : containersOf(*app)) {
-            performInDirectory({container, containerActions});
+            context.run.performInDirectory({container, containerActions});
         }
-        cleanKnownApp(app->identifier());
-    }
-}
-
-// The name with a line of dashes as long as the name below it; lengths are the platform's, in UTF-16 units.
-void OZCore::logNameOfApplication(const OZApp& app, std::string_view ending) {
-    const auto length = icu::UnicodeString::fromUTF8(app.displayName()).length();
-    const std::string dashes(static_cast<size_t>(length), '-');
-    log(std::string("\n").append(app.displayName()).append("\n").append(dashes).append(ending));
-}
-
-// Somebody at a terminal may well be using the application.
-void OZCore::quitApplication(const OZApp& app, const Run& run) {
-    if (!run.outputIsTerminal && _mode != OZCoreMode::analyze) {
-        OZTaskManager::killTaskWithName(_device, app.executableFileName());
-    }
-}
-
-void OZCore::cleanBatteryData(const Run& /*run*/) {
-    perform(batteryActions);
-    const auto containers = _appList.systemGroupDataContainerDir();
-    if (containers && isNotEmptyOrWhitespace(*containers)) {
-        quickDel(
-            find({*containers, "-mindepth", "5", "-maxdepth", "5", "-regextype", "posix-extended", "-regex",
-                  "^.*/Library/BatteryLife/Archives/.*$", "-mtime", "+7", "-type", "f", "-print"}));
+        cleanKnownApp(context.run, context.appList, app->identifier());
     }
 }

@@ -1,9 +1,7 @@
-#include "Model/Core/OZCore.h"
-#include "Platform/Device.h"
+#include "Model/Core/CleanupRun.h"
+#include "Model/Core/RunRecord.h"
 
 #include <functional>
-
-#include <fmt/format.h>
 
 // Items that a run could not remove, rename or restore.
 
@@ -12,19 +10,19 @@ using platform::Item;
 namespace {
 
 // The log's other paths may be relative to a directory that it names; these stand alone.
-std::string absolutePath(const OZCore& core, std::string_view path) {
+std::string absolutePath(const platform::FileManager& files, std::string_view path) {
     if (path.starts_with('/')) {
         return std::string(path);
     }
     if (path.starts_with("./")) {
         path.remove_prefix(2);
     }
-    return platform::joinPath(core.currentDirectoryPath(), path);
+    return platform::joinPath(files.currentDirectoryPath(), path);
 }
 
 } // namespace
 
-platform::Result<void> OZCore::removeItem(const Item& item, std::string_view path, StayedItem kind) {
+platform::Result<void> CleanupRun::removeItem(const Item& item, std::string_view path, StayedItem kind) {
     const auto noteBelow = [&](const std::string& below, const std::error_code& reason) {
         noteStayed(platform::joinPath(path, below), reason,
                    kind == StayedItem::counted ? StayedItem::counted : StayedItem::part);
@@ -41,11 +39,11 @@ platform::Result<void> OZCore::removeItem(const Item& item, std::string_view pat
     return removed;
 }
 
-void OZCore::noteStayed(std::string_view path, const std::error_code& reason, StayedItem kind) {
-    _stayedItems.add(absolutePath(*this, path), reason, kind);
+void CleanupRun::noteStayed(std::string_view path, const std::error_code& reason, StayedItem kind) {
+    _record.stayedItems().add(absolutePath(_files, path), reason, kind);
 }
 
-void OZCore::noteStayedBelow(const Item& folder, std::string_view path, const std::error_code& reason) {
+void CleanupRun::noteStayedBelow(const Item& folder, std::string_view path, const std::error_code& reason) {
     const auto enumerator = folder.enumerate();
     while (const auto entry = enumerator ? enumerator->nextObject() : std::nullopt) {
         noteStayed(platform::joinPath(path, *entry), reason, StayedItem::counted);
@@ -53,20 +51,9 @@ void OZCore::noteStayedBelow(const Item& folder, std::string_view path, const st
 }
 
 // Where a link or a file stands on the way by now, what was found is gone.
-void OZCore::noteUnreached(std::string_view path, const std::error_code& reason) {
+void CleanupRun::noteUnreached(std::string_view path, const std::error_code& reason) {
     const bool isGone = platform::meansAbsence(reason) || reason == std::errc::too_many_symbolic_link_levels;
     if (_mode != OZCoreMode::analyze && !isGone) {
         noteStayed(path, reason, StayedItem::uncounted);
-    }
-}
-
-void OZCore::tellWhatStayed() {
-    log(_stayedItems.section());
-    if (const auto sentence = _stayedItems.sentence(_fileCount)) {
-        _device.warnings().tell(*sentence);
-    }
-    if (const auto& reason = _stayedItems.failedSearch()) {
-        _device.warnings().tell(
-            fmt::format("A search was not made in full ({}): what it would have found stayed.", *reason));
     }
 }

@@ -1,7 +1,5 @@
-#include "Model/Apps/OZAppList.h"
-#include "Model/Core/CleanupAction.h"
-#include "Model/Core/OZCore.h"
-#include "Model/Tasks/OZTaskManager.h"
+#include "Model/Core/CleanupSteps.h"
+#include "Model/Core/Steps/StepContext.h"
 
 // What the browser keeps: in the folders that older generations share, and in its container on newer ones.
 
@@ -49,15 +47,14 @@ constexpr CleanupAction containerActions[] = {
 
 } // namespace
 
-void OZCore::cleanSafari(const Run& /*run*/) {
+void cleanSafari(const StepContext& context) {
+    auto& run = context.run;
     // The browser would write back what it has open.
-    if (_mode != OZCoreMode::analyze) {
-        OZTaskManager::killTaskWithName(_device, "MobileSafari");
-    }
-    perform(sharedFolderActions);
-    performInDirectory({"/var/mobile/Library/Caches/com.apple.mobilesafari", cacheActions});
-    const auto safari = _appList.appWithIdentifier("com.apple.mobilesafari");
+    run.quitUnlessAnalyzing("MobileSafari");
+    run.perform(sharedFolderActions);
+    run.performInDirectory({"/var/mobile/Library/Caches/com.apple.mobilesafari", cacheActions});
+    const auto safari = context.appList.appWithIdentifier("com.apple.mobilesafari");
     if (safari && safari->dataContainer()) {
-        performInDirectory({*safari->dataContainer(), containerActions});
+        run.performInDirectory({*safari->dataContainer(), containerActions});
     }
 }

@@ -1,8 +1,7 @@
-#include "Model/Apps/OZAppList.h"
 #include "Model/Apps/OZDeviceInformation.h"
 #include "Model/Core/ImageTwins.h"
-#include "Model/Core/OZCore.h"
-#include "Platform/Device.h"
+#include "Model/Core/Removal/RemovalActions.h"
+#include "Model/Core/RunContext.h"
 
 #include <fmt/format.h>
 
@@ -52,11 +51,9 @@ std::string suffixesBetween(unsigned best, unsigned worst) {
     return best == worst ? suffixes : "(" + suffixes + ")";
 }
 
-} // namespace
-
-OZCore::Paths OZCore::bundlePathsForImageRemoval() const {
-    Paths paths;
-    for (const auto& app : _appList.appList({.typeMask = OZAppTypeMask::all,
+CleanupRun::Paths bundlePathsForImageRemoval(const OZAppList& appList) {
+    CleanupRun::Paths paths;
+    for (const auto& app : appList.appList({.typeMask = OZAppTypeMask::all,
                            .excludingIdentifiers = {jailbreakApplication},
                            .filterMask = OZAppFilterMask::noApple,
                            .exclusionMask = OZExclusionMask::images})) {
@@ -65,55 +62,73 @@ OZCore::Paths OZCore::bundlePathsForImageRemoval() const {
     return paths;
 }
 
-std::vector<FoundPaths> OZCore::findImages(std::string_view regex) {
-    return find(bundlePathsForImageRemoval(),
-                {"-regextype", "posix-extended", "-iregex", std::string(regex), "-type", "f", "-print"});
+std::vector<FoundPaths> findImages(const RunContext& context, std::string_view regex) {
+    return context.run.find(
+        bundlePathsForImageRemoval(context.appList),
+        {"-regextype", "posix-extended", "-iregex", std::string(regex), "-type", "f", "-print"});
 }
 
-void OZCore::quickDelAll(const std::vector<FoundPaths>& found) {
+void quickDelAll(CleanupRun& run, const std::vector<FoundPaths>& found) {
     for (const auto& paths : found) {
-        quickDel(paths);
+        run.quickDel(paths);
     }
 }
 
-void OZCore::removeImagesOfScale(unsigned target) {
-    const auto scale = scaleOf(OZDeviceInformation(_device.facts().hardwareModel));
+void removeImagesOfScale(const RunContext& context, unsigned target) {
+    const auto scale = scaleOf(OZDeviceInformation(context.facts.hardwareModel));
     // What an unknown device shows is unknown, too. What a device shows stays.
     if (!scale || target == *scale) {
         return;
     }
     if (target > *scale) {
-        quickDelAll(findImages(fmt::format(fmt::runtime(scaledImages), suffixOf(target))));
+        quickDelAll(context.run,
+                    findImages(context, fmt::format(fmt::runtime(scaledImages), suffixOf(target))));
         return;
     }
     // The better images are found and stay; those that they make redundant go.
     const std::string betterSuffixes = suffixesBetween(*scale, target + 1);
-    ImageTwins twins(*this, betterSuffixes, suffixOf(target));
-    for (const auto& images : findImages(fmt::format(fmt::runtime(scaledImages), betterSuffixes))) {
-        quickDel(twins.twinsOf(images));
+    ImageTwins twins(context.run.tree(), betterSuffixes, suffixOf(target));
+    for (const auto& images : findImages(context, fmt::format(fmt::runtime(scaledImages), betterSuffixes))) {
+        context.run.quickDel(twins.twinsOf(images));
     }
 }
 
 // Of a device without a model nobody knows what it shows.
-void OZCore::removeiPadImages() {
-    if (!_device.facts().hardwareModel.empty()) {
-        quickDelAll(findImages(iPadImages));
+void removeImagesWhereModelIsKnown(const RunContext& context, std::string_view regex) {
+    if (!context.facts.hardwareModel.empty()) {
+        quickDelAll(context.run, findImages(context, regex));
     }
 }
 
-void OZCore::remove4InchImages() {
-    if (!_device.facts().hardwareModel.empty()) {
-        quickDelAll(findImages(fourInchImages));
-    }
+} // namespace
+
+void remove3xImages(const RunContext& context) {
+    removeImagesOfScale(context, 3);
 }
 
-void OZCore::removeiTunesArtwork() {
-    const Paths bundles = bundlePathsForImageRemoval();
-    Paths besideBundles;
+void remove2xImages(const RunContext& context) {
+    removeImagesOfScale(context, 2);
+}
+
+void remove1xImages(const RunContext& context) {
+    removeImagesOfScale(context, 1);
+}
+
+void removeiPadImages(const RunContext& context) {
+    removeImagesWhereModelIsKnown(context, iPadImages);
+}
+
+void remove4InchImages(const RunContext& context) {
+    removeImagesWhereModelIsKnown(context, fourInchImages);
+}
+
+void removeiTunesArtwork(const RunContext& context) {
+    const CleanupRun::Paths bundles = bundlePathsForImageRemoval(context.appList);
+    CleanupRun::Paths besideBundles;
     for (const auto& bundle : bundles) {
         const size_t parentLength = bundle.size() - platform::lastPathComponent(bundle).size();
         besideBundles.push_back(platform::joinPath(bundle.substr(0, parentLength), artworkName));
     }
-    del(besideBundles);
-    quickDelAll(find(bundles, {"-type", "f", "-name", artworkName}));
+    context.run.del(besideBundles);
+    quickDelAll(context.run, context.run.find(bundles, {"-type", "f", "-name", artworkName}));
 }

@@ -1,6 +1,8 @@
+#include "Model/Core/Removal/CustomFiles.h"
+
 #include "Categories/NSStringAdditions.h"
+#include "Model/Core/CleanupRun.h"
 #include "Model/Core/CustomFileRecord.h"
-#include "Model/Core/OZCore.h"
 
 #include <string_view>
 
@@ -40,47 +42,47 @@ std::string globFor(const CustomFileRecord& record) {
     return glob;
 }
 
-} // namespace
-
-void OZCore::cleanCustomFile(const CustomFileRecord& record) {
-    if (!record.filePath || !isNotEmptyOrWhitespace(*record.filePath)) {
-        return;
-    }
-    if (record.fileType != CustomFileRecord::directoryType) {
-        del(Paths{*record.filePath});
-        return;
-    }
-    switch (record.customFolderSetting) {
-    case OZCustomFolderSetting::whole:
-        delr(Paths{*record.filePath});
-        break;
-    case OZCustomFolderSetting::filesAndSubfolders:
-        cleanInsideCustomFolder(record, OnlyFiles::no);
-        break;
-    case OZCustomFolderSetting::onlyFiles:
-        cleanInsideCustomFolder(record, OnlyFiles::yes);
-        break;
-    case OZCustomFolderSetting::unknown:
-        break;
-    }
-}
-
-void OZCore::cleanInsideCustomFolder(const CustomFileRecord& record, OnlyFiles onlyFiles) {
+void cleanInsideCustomFolder(CleanupRun& run, const CustomFileRecord& record, OnlyFiles onlyFiles) {
     const bool hasPattern =
         isPattern(record.startPattern) || isPattern(record.middlePattern) || isPattern(record.endPattern);
     if (!hasPattern && record.recursive && onlyFiles == OnlyFiles::yes) {
-        delFilesInFolderRecursive(*record.filePath);
+        run.delFilesInFolderRecursive(*record.filePath);
     } else if (!hasPattern) {
-        delFolderContents(*record.filePath, onlyFiles);
+        run.delFolderContents(*record.filePath, onlyFiles);
     } else if (!record.recursive) {
-        delWithPattern(*record.filePath, record.startPattern, record.middlePattern, record.endPattern,
-                       onlyFiles);
+        run.delWithPattern(*record.filePath, record.startPattern, record.middlePattern, record.endPattern,
+                           onlyFiles);
     } else {
         std::vector<std::string> arguments = {*record.filePath, "-mindepth",     "1",
                                               "-name",          globFor(record), "-prune"};
         if (onlyFiles == OnlyFiles::yes) {
             arguments.insert(arguments.end(), {"-type", "f"});
         }
-        delr(find(arguments));
+        run.delr(run.find(arguments));
+    }
+}
+
+} // namespace
+
+void cleanCustomFile(CleanupRun& run, const CustomFileRecord& record) {
+    if (!record.filePath || !isNotEmptyOrWhitespace(*record.filePath)) {
+        return;
+    }
+    if (record.fileType != CustomFileRecord::directoryType) {
+        run.del(CleanupRun::Paths{*record.filePath});
+        return;
+    }
+    switch (record.customFolderSetting) {
+    case OZCustomFolderSetting::whole:
+        run.delr(CleanupRun::Paths{*record.filePath});
+        break;
+    case OZCustomFolderSetting::filesAndSubfolders:
+        cleanInsideCustomFolder(run, record, OnlyFiles::no);
+        break;
+    case OZCustomFolderSetting::onlyFiles:
+        cleanInsideCustomFolder(run, record, OnlyFiles::yes);
+        break;
+    case OZCustomFolderSetting::unknown:
+        break;
     }
 }

@@ -1,8 +1,7 @@
+#include "Model/Core/Removal/KnownApps.h"
+
 #include "Model/Apps/OZAppList.h"
-#include "Model/Core/CleanupAction.h"
-#include "Model/Core/OZCore.h"
-#include "Model/Tasks/OZTaskManager.h"
-#include "Platform/Device.h"
+#include "Model/Core/CleanupRun.h"
 
 #include <algorithm>
 
@@ -169,8 +168,7 @@ constexpr CleanupAction wikipedia[] = {
 // What no row can say. None of it looks at the mode.
 
 struct Target {
-    OZCore& core;
-    platform::Device& device;
+    CleanupRun& run;
     const OZApp& app;
 };
 
@@ -179,7 +177,7 @@ void forgetBoxUploads(const Target& target) {
     constexpr std::string_view path = "Library/Preferences/net.box.BoxNet.plist";
     constexpr mode_t ownerOnly = 0600;
     constexpr uid_t mobile = 501;
-    const auto bytes = target.core.contentsAtPath(path);
+    const auto bytes = target.run.tree().contentsAtPath(path);
     auto preferences = bytes ? platform::parsePropertyList(*bytes) : std::unexpected(bytes.error());
     auto* keys = preferences ? preferences->as<platform::Dictionary>() : nullptr;
     if (keys == nullptr) {
@@ -193,18 +191,17 @@ void forgetBoxUploads(const Target& target) {
     // Written even if nothing is forgotten, and with its owner and mode from the start: both are then those
     // of a new file, never of another name's or of what somebody puts there meanwhile.
     const auto content = platform::serializePropertyList(*preferences, format);
-    std::ignore = target.core.writeContents(path, content,
-                                            {.owner = mobile, .group = mobile, .permissions = ownerOnly});
+    target.run.writeContents(path, content, {.owner = mobile, .group = mobile, .permissions = ownerOnly});
 }
 
 void removeICaughtULogs(const Target& target) {
     const auto& bundle = target.app.bundlePath();
-    target.core.del(OZCore::Paths{platform::joinPath(bundle, "log.txt")});
-    target.core.delWithPattern(bundle, ".dat", std::nullopt, std::nullopt, OnlyFiles::yes);
+    target.run.del(CleanupRun::Paths{platform::joinPath(bundle, "log.txt")});
+    target.run.delWithPattern(bundle, ".dat", std::nullopt, std::nullopt, OnlyFiles::yes);
 }
 
 void quitIFile(const Target& target) {
-    OZTaskManager::killTasksWithNames(target.device, {"iFile_", "iFile2", "iFile3", "iFile4"});
+    target.run.quit({"iFile_", "iFile2", "iFile3", "iFile4"});
 }
 
 struct KnownApp {
@@ -252,24 +249,24 @@ static_assert(std::size(knownApps) == 30);
 
 } // namespace
 
-void OZCore::cleanKnownApp(std::string_view identifier) {
-    const auto app = _appList.appWithIdentifier(identifier);
+void cleanKnownApp(CleanupRun& run, const OZAppList& appList, std::string_view identifier) {
+    const auto app = appList.appWithIdentifier(identifier);
     const auto* known = std::ranges::find(knownApps, identifier, &KnownApp::identifier);
     if (!app || known == std::end(knownApps)) {
         return;
     }
     const auto& container = app->dataContainer();
-    if (app->type() == OZAppType::user && !(container && changeDir(*container))) {
+    if (app->type() == OZAppType::user && !(container && run.changeDir(*container))) {
         return;
     }
     if (app->type() != known->type) {
         return;
     }
-    const Target target{.core = *this, .device = _device, .app = *app};
+    const Target target{.run = run, .app = *app};
     if (known->before != nullptr) {
         known->before(target);
     }
-    perform(known->actions);
+    run.perform(known->actions);
     if (known->after != nullptr) {
         known->after(target);
     }

@@ -1,12 +1,8 @@
-#include "Model/Core/OZCoreRun.h"
-#include "Platform/Device.h"
+// Backups that test runs have left.
+#include "Model/Core/CleanupRun.h"
 
 #include <algorithm>
 #include <numeric>
-
-using platform::FileWriting;
-
-// The tree is the only index of backups: whatever has the extension is one.
 
 namespace {
 
@@ -25,36 +21,20 @@ std::vector<size_t> deepestFirst(const std::vector<std::string>& paths) {
 
 } // namespace
 
-void OZCore::backup(BackupAction action) {
-    const bool restores = action == BackupAction::restore;
-    std::ignore = restores ? beginRun(OZCoreMode::clean, runtitle::restoredFiles, FileWriting::gathered)
-                           : beginRun(OZCoreMode::clean, runtitle::deletedFiles, FileWriting::direct);
-    log("\n");
-    const auto backups = find({"/", "-name", std::string("*").append(backupExtension)});
-    if (restores) {
-        restore(backups);
-        endRun(std::nullopt);
-    } else {
-        const uint64_t freeAtStart = _device.volumes().totalFreeSpace();
-        quickDel(backups);
-        endRun(freeAtStart);
-    }
-}
-
 // A backup inside of a folder that is itself a backup is reached by the path that the search has seen, as
 // long as that folder waits for it.
-void OZCore::restore(const platform::FoundPaths& backups) {
+void CleanupRun::restore(const platform::FoundPaths& backups) {
     for (const size_t index : deepestFirst(backups.names)) {
-        if (const auto item = itemBelow(backups.folder, backups.names[index])) {
+        if (const auto item = _files.itemBelow(backups.folder, backups.names[index])) {
             restoreItem(*item, backups.path(index));
         } else {
             noteUnreached(backups.path(index), item.error());
         }
     }
-    forgetLastFolder();
+    _files.forgetLastFolder();
 }
 
-void OZCore::restoreItem(const platform::Item& backup, std::string_view path) {
+void CleanupRun::restoreItem(const platform::Item& backup, std::string_view path) {
     std::string oldName(backup.name());
     oldName.resize(oldName.size() - backupExtension.size());
     // A file that somebody has named like the extension alone is nobody's backup.

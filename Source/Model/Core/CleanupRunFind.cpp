@@ -1,4 +1,5 @@
-#include "Model/Core/OZCore.h"
+#include "Model/Core/CleanupRun.h"
+#include "Model/Core/RunRecord.h"
 #include "Model/Tasks/OZTask.h"
 #include "Model/Tasks/SeparatedPieces.h"
 #include "Platform/Device.h"
@@ -28,7 +29,7 @@ bool readsAsExpression(std::string_view folder) {
 
 // The folder that a path was found in, by the texts that the tool puts before its names, or none. The tool
 // searches the folders one after the other, and so it is the current one or one behind it.
-size_t homeOf(std::string_view path, size_t current, const OZCore::Paths& prefixes) {
+size_t homeOf(std::string_view path, size_t current, const CleanupRun::Paths& prefixes) {
     const auto home = std::find_if(
         prefixes.begin() + static_cast<ptrdiff_t>(current), prefixes.end(),
         [&](const std::string& prefix) { return path.size() > prefix.size() && path.starts_with(prefix); });
@@ -37,22 +38,22 @@ size_t homeOf(std::string_view path, size_t current, const OZCore::Paths& prefix
 
 } // namespace
 
-FoundPaths OZCore::find(const std::vector<std::string>& arguments) {
+FoundPaths CleanupRun::find(const std::vector<std::string>& arguments) {
     OZ_REQUIRE(!arguments.empty());
     auto found = find(Paths{arguments.front()}, {arguments.begin() + 1, arguments.end()});
     return found.empty() ? FoundPaths{} : std::move(found.front());
 }
 
-std::vector<FoundPaths> OZCore::find(const Paths& folders, const std::vector<std::string>& predicates) {
+std::vector<FoundPaths> CleanupRun::find(const Paths& folders, const std::vector<std::string>& predicates) {
     return search(folders, predicates,
                   [](FoundPaths& home, std::string_view name) { home.names.emplace_back(name); });
 }
 
-std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<std::string>& predicates,
-                                       const FoundHandler& handler) {
+std::vector<FoundPaths> CleanupRun::search(const Paths& folders, const std::vector<std::string>& predicates,
+                                           const FoundHandler& handler) {
     const auto launchPath = OZTask::launchPathForExecutable(_device, "find");
     if (!launchPath) {
-        _stayedItems.addFailedSearch("there is no \"find\"");
+        _record.stayedItems().addFailedSearch("there is no \"find\"");
         return {};
     }
     std::vector<std::string> arguments;
@@ -60,9 +61,9 @@ std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<s
     Paths toolPrefixes;
     for (const auto& path : folders) {
         // Folders are opened before the search, so that what is found is acted on where it was found.
-        auto folder = readsAsExpression(path) ? platform::failure(EINVAL) : folderAtPath(path);
+        auto folder = readsAsExpression(path) ? platform::failure(EINVAL) : _files.folderAtPath(path);
         if (folder) {
-            arguments.push_back(pathForTools(path));
+            arguments.push_back(_files.pathForTools(path));
             toolPrefixes.push_back(platform::pathPrefix(arguments.back()));
             found.push_back(
                 {.folder = std::move(*folder), .prefix = platform::pathPrefix(path), .names = {}});
@@ -89,9 +90,18 @@ std::vector<FoundPaths> OZCore::search(const Paths& folders, const std::vector<s
     // With 1 the tool has passed over what it could not read, as everybody does here.
     constexpr long mostPassedOver = 1;
     if (!task->launchSynchronously()) {
-        _stayedItems.addFailedSearch("\"find\" could not be run to its end");
+        _record.stayedItems().addFailedSearch("\"find\" could not be run to its end");
     } else if (task->terminationStatus() > mostPassedOver) {
-        _stayedItems.addFailedSearch(fmt::format("\"find\" ended with status {}", task->terminationStatus()));
+        _record.stayedItems().addFailedSearch(
+            fmt::format("\"find\" ended with status {}", task->terminationStatus()));
     }
     return found;
+}
+
+std::vector<std::string> CleanupRun::patternsToPrune(std::vector<std::string> patterns,
+                                                     std::span<const std::string_view> countedFolders) const {
+    if (_mode == OZCoreMode::analyze) {
+        patterns.insert(patterns.end(), countedFolders.begin(), countedFolders.end());
+    }
+    return patterns;
 }

@@ -1,0 +1,7 @@
+#pragma once
+
+class CleanupRun;
+struct CustomFileRecord;
+
+/// Removes what a record of the user names. A blank path names nothing.
+void cleanCustomFile(CleanupRun& run, const CustomFileRecord& record);

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "Platform/FileManager.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What a walk does with an entry that it meets.
+enum class WalkDecision {
+    passBy,
+    take,
+    /// Passes it by, and all that is below it.
+    passByWithContent,
+};
+
+/// A device's tree for whoever only looks. Paths are as the file manager's, whose current directory they
+/// share.
+class TreeView {
+  public:
+    explicit TreeView(platform::FileManager fileManager)
+        : _files(std::move(fileManager)) {}
+
+    /// Follows links; a link to nothing does not exist.
+    [[nodiscard]] bool fileExistsAtPath(std::string_view path, bool* isDirectory = nullptr) {
+        return _files.fileExistsAtPath(path, isDirectory);
+    }
+    [[nodiscard]] platform::Result<std::vector<std::string>>
+    contentsOfDirectoryAtPath(std::string_view path) {
+        return _files.contentsOfDirectoryAtPath(path);
+    }
+    /// The same for a path relative to a folder, reached through no link.
+    [[nodiscard]] platform::Result<std::vector<std::string>>
+    contentsOfDirectoryBelow(const std::shared_ptr<const platform::Folder>& folder,
+                             std::string_view relativePath);
+    /// The content of a regular file, links followed.
+    [[nodiscard]] platform::Result<std::string> contentsAtPath(std::string_view path) {
+        return _files.contentsAtPath(path);
+    }
+    /// The device path without links. What cannot be resolved stays as it stands.
+    [[nodiscard]] std::string stringByResolvingSymlinksInPath(std::string_view path) {
+        return _files.stringByResolvingSymlinksInPath(path);
+    }
+    /// A folder's direct entries, found in that very folder; links on the way to it are followed.
+    [[nodiscard]] platform::Result<platform::FoundPaths> directEntries(std::string_view folder);
+    /// The entries at any depth below a folder that `decide` takes, given each one's path relative to the
+    /// folder and its type; nothing where there is no folder. Links are not followed.
+    template <class Decide>
+    [[nodiscard]] platform::FoundPaths findBelow(std::string_view folder, Decide decide) {
+        platform::FoundPaths found{.folder = nullptr, .prefix = platform::pathPrefix(folder), .names = {}};
+        auto opened = _files.folderAtPath(folder);
+        const auto enumerator = opened ? platform::Item(*opened, ".").enumerate() : nullptr;
+        if (!enumerator) {
+            return found;
+        }
+        found.folder = *opened;
+        while (const auto entry = enumerator->nextObject()) {
+            const WalkDecision decision = decide(*entry, enumerator->fileType());
+            if (decision == WalkDecision::take) {
+                found.names.emplace_back(*entry);
+            } else if (decision == WalkDecision::passByWithContent) {
+                enumerator->skipDescendants();
+            }
+        }
+        return found;
+    }
+
+  private:
+    platform::FileManager _files;
+};
