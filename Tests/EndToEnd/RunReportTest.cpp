@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -61,6 +62,23 @@ TEST(RunReport, ItemsThatStayedFailAStrictRunAlone) {
     const TemporaryFolder folder;
     makeTree(folder);
     EXPECT_EQ(described(onTree(folder, {"--strict", "-clean"})), "0\n");
+}
+
+TEST(RunReport, WhatLiesBehindALinkOfSomebodyElseIsToldToHaveStayed) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "needs root to give a link away";
+    }
+    const TemporaryFolder folder;
+    makeTree(folder);
+    folder.make("tree/var/stash/Safari/Cache.bin: x\n"
+                "tree/var/mobile/Library/Caches/Safari -> /var/stash/Safari");
+    ASSERT_EQ(::lchown(folder.path("tree/var/mobile/Library/Caches/Safari").c_str(), 501, 501), 0);
+    EXPECT_EQ(described(onTree(folder, {"--strict", "--dry-run", "-clean"})), "0\n");
+    EXPECT_EQ(described(onTree(folder, {"--strict", "-clean"})),
+              "1\n1 of 2 items stayed: Operation not permitted.\n");
+    EXPECT_THAT(folder.content("tree/var/mobile/Library/Ozvarine/junk.txt"),
+                HasSubstr("\nOperation not permitted: /var/mobile/Library/Caches/Safari\n"));
+    EXPECT_TRUE(folder.exists("tree/var/stash/Safari/Cache.bin"));
 }
 
 TEST(RunReport, TheLogGoesToTheHostToo) {

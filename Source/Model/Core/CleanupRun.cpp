@@ -66,7 +66,8 @@ void CleanupRun::performInDirectory(const CleanupGroup& group) {
 }
 
 bool CleanupRun::changeDir(std::string_view path) {
-    if (!_files.changeCurrentDirectoryPath(path)) {
+    if (const auto changed = _files.changeCurrentDirectoryPath(path); !changed) {
+        noteUnreached(path, changed.error());
         return false;
     }
     log(std::string("\n##\nIn dir: ").append(path).append("\n##\n\n"));

@@ -26,8 +26,8 @@ class SizeSum;
 struct ItemLook;
 
 /// One run over a device: the primitives, which alone know the mode, act on the tree, count and log. Steps
-/// name things and call them, and look at the tree through `tree()`. What cannot be read is skipped without a
-/// word; what could not be done is kept in the record.
+/// name things and call them, and look at the tree through `tree()`. What cannot be reached is passed over; it
+/// is kept in the record, as is what could not be done.
 class CleanupRun {
   public:
     using Paths = std::vector<std::string>;
@@ -74,6 +74,10 @@ class CleanupRun {
     /// Links alone, which go uncounted in a cleanup and stay in any other run: what counts is what they lead
     /// to.
     void removeLinks(const platform::FoundPaths& links);
+    /// Whether an error says that nothing can be there, rather than that nobody may look.
+    [[nodiscard]] static bool leadsNowhere(const std::error_code& reason);
+    /// A path that a run would act on if it could be reached; nothing to note where it leads nowhere.
+    void noteUnreached(std::string_view path, const std::error_code& reason);
     /// Backups get their old names again, in place of whatever has them by now.
     void restore(const platform::FoundPaths& backups);
 
@@ -137,6 +141,8 @@ class CleanupRun {
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
     void delItem(const platform::Item& item, std::string_view path);
+    template <class Work>
+    auto whereFound(Work work);
     template <class List>
     void delrEach(const List& list);
     /// A folder is left to `removals` where there are some.
@@ -162,8 +168,6 @@ class CleanupRun {
     platform::Result<void> removeItem(const platform::Item& item, std::string_view path, StayedItem kind);
     void noteStayed(std::string_view path, const std::error_code& reason, StayedItem kind);
     void noteStayedBelow(const platform::Item& folder, std::string_view path, const std::error_code& reason);
-    /// An item that a search has found and that cannot be reached.
-    void noteUnreached(std::string_view path, const std::error_code& reason);
 
     platform::Device& _device;
     RunRecord& _record;

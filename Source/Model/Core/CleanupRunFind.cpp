@@ -61,12 +61,15 @@ std::vector<FoundPaths> CleanupRun::search(const Paths& folders, const std::vect
     Paths toolPrefixes;
     for (const auto& path : folders) {
         // Folders are opened before the search, so that what is found is acted on where it was found.
-        auto folder = readsAsExpression(path) ? platform::failure(EINVAL) : _files.folderAtPath(path);
+        const bool isExpression = readsAsExpression(path);
+        auto folder = isExpression ? platform::failure(EINVAL) : _files.folderAtPath(path);
         if (folder) {
             arguments.push_back(_files.pathForTools(path));
             toolPrefixes.push_back(platform::pathPrefix(arguments.back()));
             found.push_back(
                 {.folder = std::move(*folder), .prefix = platform::pathPrefix(path), .names = {}});
+        } else if (!isExpression) {
+            noteUnreached(path, folder.error());
         }
     }
     if (found.empty()) {

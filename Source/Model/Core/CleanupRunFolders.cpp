@@ -26,6 +26,10 @@ void CleanupRun::delFilesInFolderRecursive(std::string_view folder) {
 }
 
 void CleanupRun::delFilesExcludingPatternsRecursive(std::string_view folder, const NamePatterns& patterns) {
+    if (const auto opened = _files.folderAtPath(folder); !opened) {
+        noteUnreached(folder, opened.error());
+        return;
+    }
     del(_tree.findBelow(folder, [&](std::string_view path, FileType type) {
         return type == FileType::regular && !matchDelExcludingPatterns(path, patterns) ? WalkDecision::take
                                                                                        : WalkDecision::passBy;
@@ -62,6 +66,7 @@ void CleanupRun::delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
                                  const std::function<bool(std::string_view name)>& isWanted) {
     auto found = _tree.directEntries(folder);
     if (!found) {
+        noteUnreached(folder, found.error());
         return;
     }
     std::erase_if(found->names, [&](const std::string& name) { return !isWanted(name); });
@@ -75,6 +80,9 @@ void CleanupRun::delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
 void CleanupRun::delEmptyDirs(std::string_view folder) {
     auto opened = _files.folderAtPath(folder);
     const auto enumerator = opened ? Item(*opened, ".").enumerate() : nullptr;
+    if (!opened) {
+        noteUnreached(folder, opened.error());
+    }
     if (!enumerator) {
         return;
     }

@@ -33,16 +33,18 @@ void forEachItem(platform::FileManager& fileManager, const FoundPaths& found, Wo
     }
 }
 
+} // namespace
+
 template <class Work>
-auto whereFound(Work work) {
-    return [work](const platform::Result<Item>& item, std::string_view path) {
+auto CleanupRun::whereFound(Work work) {
+    return [this, work](const platform::Result<Item>& item, std::string_view path) {
         if (item) {
             work(*item, path);
+        } else {
+            noteUnreached(path, item.error());
         }
     };
 }
-
-} // namespace
 
 void CleanupRun::del(const Paths& paths) {
     forEachItem(_files, paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
@@ -99,13 +101,7 @@ void CleanupRun::quickDel(const FoundPaths& found) {
         countLooks(looks);
         return;
     }
-    forEachItem(_files, found, [&](const platform::Result<Item>& item, std::string_view path) {
-        if (item) {
-            quickDelItem(*item, path);
-        } else {
-            noteUnreached(path, item.error());
-        }
-    });
+    forEachItem(_files, found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDelFound(const std::vector<std::string>& arguments) {

@@ -51,9 +51,13 @@ void CleanupRun::noteStayedBelow(const Item& folder, std::string_view path, cons
 }
 
 // Where a link or a file stands on the way by now, what was found is gone.
+bool CleanupRun::leadsNowhere(const std::error_code& reason) {
+    return platform::meansAbsence(reason) || reason == std::errc::too_many_symbolic_link_levels ||
+           reason == std::errc::filename_too_long;
+}
+
 void CleanupRun::noteUnreached(std::string_view path, const std::error_code& reason) {
-    const bool isGone = platform::meansAbsence(reason) || reason == std::errc::too_many_symbolic_link_levels;
-    if (_mode != OZCoreMode::analyze && !isGone) {
+    if (_mode != OZCoreMode::analyze && !leadsNowhere(reason)) {
         noteStayed(path, reason, StayedItem::uncounted);
     }
 }

@@ -26,6 +26,10 @@ class TreeView {
     [[nodiscard]] bool fileExistsAtPath(std::string_view path, bool* isDirectory = nullptr) {
         return _files.fileExistsAtPath(path, isDirectory);
     }
+    /// Of what a path leads to. The error tells what is not there from what nobody may look at.
+    [[nodiscard]] platform::Result<platform::FileAttributes> attributesOfTargetAtPath(std::string_view path) {
+        return _files.attributesOfTargetAtPath(path);
+    }
     [[nodiscard]] platform::Result<std::vector<std::string>>
     contentsOfDirectoryAtPath(std::string_view path) {
         return _files.contentsOfDirectoryAtPath(path);

@@ -24,17 +24,24 @@ constexpr CleanupAction systemLogActions[] = {
 // The folder's links stand for reports elsewhere, which go with their links.
 void cleanLinkedCrashReports(CleanupRun& run) {
     auto& tree = run.tree();
-    const auto links = tree.findBelow(crashReporter, [](std::string_view /*path*/, FileType type) {
+    auto links = tree.findBelow(crashReporter, [](std::string_view /*path*/, FileType type) {
         return type == FileType::symbolicLink ? WalkDecision::take : WalkDecision::passBy;
     });
     // All links are resolved before the first one goes: one may lead to the next.
     CleanupRun::Paths reports;
-    for (size_t index = 0; index < links.names.size(); ++index) {
-        const std::string link = links.path(index);
-        if (tree.fileExistsAtPath(link)) {
+    std::erase_if(links.names, [&](const std::string& name) {
+        const std::string link = links.prefix + name;
+        const auto report = tree.attributesOfTargetAtPath(link);
+        if (report) {
             reports.push_back(tree.stringByResolvingSymlinksInPath(link));
         }
-    }
+        // Without the link nobody would find the report again.
+        const bool stays = !report && !CleanupRun::leadsNowhere(report.error());
+        if (stays) {
+            run.noteUnreached(link, report.error());
+        }
+        return stays;
+    });
     run.removeLinks(links);
     run.del(reports);
 }
