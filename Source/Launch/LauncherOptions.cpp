@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 #include <fmt/format.h>
 
@@ -60,6 +61,7 @@ std::expected<LauncherOptions, std::string> LauncherOptions::parse(const std::ve
     if (environmentDevice != nullptr && *environmentDevice != '\0') {
         options.device = environmentDevice;
     }
+    std::set<std::string_view> given;
     size_t index = 1;
     for (; index < arguments.size(); ++index) {
         auto [name, value] = halves(arguments[index]);
@@ -75,6 +77,10 @@ std::expected<LauncherOptions, std::string> LauncherOptions::parse(const std::ve
         }
         if (!option->value.empty() && value.value_or("").empty()) {
             return std::unexpected(fmt::format("{} needs {}", name, option->value));
+        }
+        // Of two devices, say, one would be left out without a word.
+        if (!option->value.empty() && !given.insert(option->name).second) {
+            return std::unexpected(fmt::format("{} is given twice", option->name));
         }
         option->take(options, value.value_or(""));
     }

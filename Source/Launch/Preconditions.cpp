@@ -67,6 +67,12 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
     }
     auto fileManager = device.fileManager();
     const std::string tree = options.device.value_or("the device");
+    const auto folder = fileManager.folderAtPath(dataFolder);
+    if (!folder && folder.error() == std::errc::operation_not_permitted) {
+        return Refusal{fmt::format("a link on the way to var/mobile in {} belongs to another user than what it "
+                                   "leads to, and is not followed; give both to one user, with chown -h",
+                                   tree)};
+    }
     if (fileManager.folderAtPath(privateDataFolder)) {
         return isSameFolder(fileManager, dataFolder, privateDataFolder)
                    ? std::nullopt
@@ -75,7 +81,6 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
                          "a link to private/var in its place",
                          tree)});
     }
-    const auto folder = fileManager.folderAtPath(dataFolder);
     if (folder) {
         return std::nullopt;
     }
@@ -184,7 +189,11 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
                                    "goes on with the defaults",
                                    settings.path(), loaded.error())};
     }
-    if (options.resetSettings) {
+    const auto file = device.fileManager().attributesOfTargetAtPath(settings.path());
+    if (file && file->size == 0) {
+        // A copy onto a full disk leaves such a file, too.
+        device.warnings().tell(fmt::format("The settings in {} are empty; the defaults serve.", settings.path()));
+    } else if (options.resetSettings) {
         device.warnings().tell(
             fmt::format("The settings in {} are in order; there is nothing to reset.", settings.path()));
     }

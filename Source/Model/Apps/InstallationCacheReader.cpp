@@ -68,9 +68,10 @@ std::optional<platform::Dictionary> infoOfBundle(platform::FileManager& fileMana
     const auto infoPlist = readInfoPlist(fileManager, path);
     if (!infoPlist) {
         apps.noteError(infoPlist.error());
-        return std::nullopt;
     }
-    return infoDictionaryOfBundle(*infoPlist, path);
+    auto info = infoPlist ? infoDictionaryOfBundle(*infoPlist, path) : std::nullopt;
+    apps.hasNameless |= !info;
+    return info;
 }
 
 void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {

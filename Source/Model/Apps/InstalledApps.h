@@ -37,6 +37,8 @@ struct InstalledApps {
     /// False where something could not be looked at for now: there may be more applications, or theirs may be
     /// more. What is there and is no application's, or nothing that can be read at all, does not count.
     bool isComplete = true;
+    /// Whether something that should say whose it is does not: it may be an application's that is not here.
+    bool hasNameless = false;
 
     /// Takes an error of looking at something into account.
     void noteError(const std::error_code& error);

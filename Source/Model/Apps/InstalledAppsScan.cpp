@@ -90,6 +90,8 @@ Containers InstalledAppsScan::containersIn(std::string_view folder) {
             valueOf(readDictionary(_fileManager, platform::joinPath(container, metadataFile), metadataLimit));
         if (const auto* identifier = platform::valueAt<std::string>(metadata, metadataIdentifier)) {
             containers.emplace(*identifier, std::move(container));
+        } else {
+            _apps.hasNameless = true;
         }
     }
     return containers;
@@ -100,6 +102,7 @@ void InstalledAppsScan::addApp(const std::string& bundle, const std::string* bun
     const auto infoPlist = valueOf(readInfoPlist(_fileManager, bundle));
     auto info = infoDictionaryOfBundle(infoPlist, bundle);
     if (!info) {
+        _apps.hasNameless = true;
         return;
     }
     const std::string identifier = *platform::valueAt<std::string>(*info, infokey::identifier);

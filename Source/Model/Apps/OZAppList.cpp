@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ranges>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -64,14 +65,21 @@ InstalledApps OZAppList::loadSystemAppInfo(platform::Device& device) {
 
 void OZAppList::loadApps() {
     const auto installed = loadSystemAppInfo(_device);
-    _isComplete = installed.isComplete;
-    if (!_isComplete) {
-        _device.warnings().tell(
-            "Not all of the device's applications can be read; what depends on them is left alone.");
+    _isComplete = true;
+    _hasNameless = installed.hasNameless;
+    if (!installed.isComplete) {
+        noteIncomplete();
     }
     auto fileManager = _device.fileManager();
     _userApps = makeApps(OZAppType::user, installed.userAppInfo, fileManager);
     _systemApps = makeApps(OZAppType::system, installed.systemAppInfo, fileManager);
+}
+
+void OZAppList::noteIncomplete() {
+    if (std::exchange(_isComplete, false)) {
+        _device.warnings().tell(
+            "Not all of the device's applications can be read; what depends on them is left alone.");
+    }
 }
 
 OZAppList::Selection OZAppList::appsOfTypes(OZAppTypeMask typeMask, OZAppFilterMask filterMask) const {

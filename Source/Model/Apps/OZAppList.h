@@ -76,7 +76,7 @@ class OZAppList : public OZUserDefaultsSync {
     /// an executable that is there is passed over. Not to be called while another thread reads the list.
     void loadApps();
 
-    /// Whether all could be looked at. Where it could not, nobody knows whose the rest of the device is, and
+    /// Whether all could be looked at, and none that says no name may be an excluded one. Else nobody knows whose the rest of the device is, and
     /// the stored exclusions are left as they are.
     [[nodiscard]] bool isComplete() const { return _isComplete; }
 
@@ -124,10 +124,12 @@ class OZAppList : public OZUserDefaultsSync {
 
     [[nodiscard]] Selection appsOfTypes(OZAppTypeMask typeMask, OZAppFilterMask filterMask) const;
     [[nodiscard]] bool isInstalled(std::string_view identifier) const;
+    void noteIncomplete();
 
     platform::Device& _device;
     Exclusions _excludedApps;
     AppsByIdentifier _userApps;
     AppsByIdentifier _systemApps;
     bool _isComplete = true;
+    bool _hasNameless = false;
 };

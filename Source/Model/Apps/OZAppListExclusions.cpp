@@ -69,6 +69,9 @@ void OZAppList::loadDefaults() {
         // Settings that somebody wrote by hand may hold it as a text.
         if (const auto number = mask.numberValue()) {
             const auto bits = platform::Value(*number).unsignedValue().value_or(0);
+            if (_hasNameless && bits != 0 && !isInstalled(identifier)) {
+                noteIncomplete();
+            }
             setExclusionMask(static_cast<OZExclusionMask>(bits), identifier);
         }
     }

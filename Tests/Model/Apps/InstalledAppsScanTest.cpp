@@ -99,6 +99,36 @@ TEST_P(InstalledAppsScanTest, passesOverWhatIsNoApplication) {
     EXPECT_THAT(OZAppList(device.device()).appList({.typeMask = OZAppTypeMask::all}), IsEmpty());
 }
 
+// Which one it is nobody can tell, and it may be the one that the user has excluded.
+TEST_P(InstalledAppsScanTest, aDamagedApplicationMayBeAnExcludedOne) {
+    const std::string metadata = "/.com.apple.mobile_container_manager.metadata.plist";
+    const std::string identifier = "org.example.notes";
+    const struct {
+        std::string file;
+        const char* content;
+        const char* excluded;
+        bool isComplete;
+    } cases[] = {{bundle(identifier) + "/Info.plist", "", "org.example.notes", false},
+                 {bundle(identifier) + "/Info.plist", "<plist><dict/></plist>", "org.example.notes", false},
+                 {data + "D-" + identifier + metadata, "cut", "org.example.notes", false},
+                 {data + "D-" + identifier + metadata, "cut", "org.example.other", true},
+                 {"/var/mobile/other", "", "org.example.gone", true}};
+    addUserApp("org.example.other");
+    for (const auto& [file, content, excluded, isComplete] : cases) {
+        addUserApp(identifier);
+        device.addFile(file, content);
+        const platform::Dictionary stored{{excluded, 7}};
+        device.device().standardUserDefaults().setObject("excludedApps", stored);
+        OZAppList list(device.device());
+        EXPECT_TRUE(list.isComplete());
+        list.loadDefaults();
+        EXPECT_EQ(list.isComplete(), isComplete) << file << " " << content;
+        list.writeDefaults();
+        const auto kept = device.device().standardUserDefaults().dictionaryForKey("excludedApps");
+        EXPECT_EQ(kept.has_value(), std::string(excluded) != "org.example.gone") << file;
+    }
+}
+
 TEST_P(InstalledAppsScanTest, theReportNamesEveryContainer) {
     addUserApp("org.example.notes", {{"CFBundleDisplayName", "Notes\x1B[2J"}});
     tree.addContainer(groups + "G1", "group.org.example.notes");
