@@ -69,7 +69,7 @@ class DemoDevice {
         EXPECT_EQ(outcome.output + outcome.errors, "");
     }
 
-    TemporaryFolder folder;
+    TemporaryFolder folder{tests::memoryFolder()};
 
   private:
     static std::string inTree(const std::string& devicePath) {

@@ -26,7 +26,7 @@ class DemoDevice {
     [[nodiscard]] std::vector<std::string> listing() const { return _folder.listing(); }
 
   private:
-    TemporaryFolder _folder;
+    TemporaryFolder _folder{::tests::memoryFolder()};
 };
 
 } // namespace ozdevice::tests

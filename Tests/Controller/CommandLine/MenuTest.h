@@ -44,7 +44,7 @@ class MenuTest : public testing::Test {
                                                         : platform::Dictionary();
     }
 
-    TemporaryFolder folder;
+    TemporaryFolder folder{tests::memoryFolder()};
     std::string device = folder.path("device");
 };
 

@@ -42,7 +42,7 @@ std::vector<ListedApp> installedApps() {
 
 size_t seedCount() {
     const char* wanted = std::getenv("OZ_SEEDS");
-    return wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 300;
+    return wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 150;
 }
 
 // What a run may write beside what its steps remove: its log, and one preference file that it edits.

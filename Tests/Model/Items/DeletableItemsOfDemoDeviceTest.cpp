@@ -32,7 +32,7 @@ class DeletableItemsOfDemoDevice : public testing::Test {
         builder = std::make_unique<OZModelBuilder>(*device);
     }
 
-    tests::TemporaryFolder folder;
+    tests::TemporaryFolder folder{tests::memoryFolder()};
     std::unique_ptr<platform::Device> device;
     std::unique_ptr<OZModelBuilder> builder;
 };
