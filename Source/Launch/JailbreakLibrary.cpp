@@ -1,12 +1,14 @@
 #include "Launch/JailbreakLibrary.h"
 
+#include "Platform/Generations.h"
+
 #include <tuple>
 
 #include <unistd.h>
 
 namespace {
 
-constexpr double sinceFoundationVersion = 1444.12;
+constexpr double sinceFoundationVersion = ios::v11_1;
 constexpr std::string_view libraryPath = "/electra/libjailbreak.dylib";
 constexpr std::string_view fixSymbol = "jb_oneshot_fix_setuid_now";
 

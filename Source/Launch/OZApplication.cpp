@@ -1,6 +1,7 @@
 #include "Launch/OZApplication.h"
 
 #include "Platform/Folder.h"
+#include "Platform/Generations.h"
 
 #include <algorithm>
 #include <array>
@@ -15,9 +16,9 @@ struct Executable {
 
 // The newest generation first: the first that fits serves, and the last fits always.
 constexpr std::array executables = {
-    Executable{1140.11, OZApplication::allExecutableNames[3]},
-    Executable{1047.2, OZApplication::allExecutableNames[2]},
-    Executable{992.0, OZApplication::allExecutableNames[1]},
+    Executable{ios::v8_0, OZApplication::allExecutableNames[3]},
+    Executable{ios::v7_0, OZApplication::allExecutableNames[2]},
+    Executable{ios::v6_0, OZApplication::allExecutableNames[1]},
     Executable{0, OZApplication::allExecutableNames[0]},
 };
 

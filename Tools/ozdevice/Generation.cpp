@@ -1,6 +1,7 @@
 #include "Generation.h"
 
 #include "Platform/DeviceFacts.h"
+#include "Platform/Generations.h"
 
 #include <charconv>
 
@@ -28,10 +29,10 @@ struct Layout {
 
 // Newest first.
 constexpr Layout layouts[] = {
-    {1242.12, "/var/containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
+    {ios::v9_2, "/var/containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
      "/var/mobile/Containers/Data/PluginKitPlugin", "/var/mobile/Containers/Shared/AppGroup",
      "/var/containers/Data/System", "/var/containers/Shared/SystemGroup"},
-    {1140.11, "/var/mobile/Containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
+    {ios::v8_0, "/var/mobile/Containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
      "/var/mobile/Containers/Data/PluginKitPlugin", "/var/mobile/Containers/Shared/AppGroup", "", ""},
     {0, "/var/mobile/Applications", "/var/mobile/Applications", "", "", "", ""},
 };

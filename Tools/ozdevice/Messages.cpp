@@ -1,4 +1,5 @@
 #include "DeviceBuild.h"
+#include "Platform/Generations.h"
 
 #include <memory>
 #include <stdexcept>
@@ -11,7 +12,7 @@ namespace {
 
 constexpr std::string_view messageFolder = "/var/mobile/Library/SMS";
 /// From this generation on, the table of attachments has its present name.
-constexpr double presentTableSince = 992.0;
+constexpr double presentTableSince = ios::v6_0;
 
 enum class Known { no, yes };
 

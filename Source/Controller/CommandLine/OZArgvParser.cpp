@@ -11,6 +11,7 @@
 #include "Model/Tasks/OZDeviceActions.h"
 #include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +37,7 @@ constexpr std::string_view dryRunText =
     "ozvarine: --dry-run is for -clean alone; the menu of -cli has an analysis of its own\n";
 
 // Older platforms read a line into a buffer of 256 bytes, the last of which ends the text.
-constexpr double unlimitedLinesSince = 881.0;
+constexpr double unlimitedLinesSince = ios::v5_0;
 constexpr size_t oldestLineCapacity = 255;
 
 constexpr std::array<std::pair<std::string_view, OZCleanAction>, 3> cleanActions{{

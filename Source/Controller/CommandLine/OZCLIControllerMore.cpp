@@ -7,6 +7,7 @@
 #include "Model/Core/OZCore.h"
 #include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 #include <memory>
 
@@ -14,7 +15,7 @@ using namespace menutext;
 
 namespace {
 
-constexpr double lastFoundationVersionWithMovableFonts = 993.0;
+constexpr double lastFoundationVersionWithMovableFonts = ios::v6_1;
 constexpr std::string_view supportAddress = "support@example.org";
 
 constexpr std::string_view deviceError = "The selected operation is not supported on this device.";

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Generations.h"
+
 #include <iterator>
 #include <string_view>
 
@@ -18,7 +20,7 @@ struct AppContainerLayout {
 
 /// Newest first.
 inline constexpr AppContainerLayout appContainerLayouts[] = {
-    {.sinceFoundationVersion = 1242.12,
+    {.sinceFoundationVersion = ios::v9_2,
      .userAppBundles = "/var/containers/Bundle/Application",
      .userAppData = "/var/mobile/Containers/Data/Application",
      .systemAppBundles = "/Applications",
@@ -26,7 +28,7 @@ inline constexpr AppContainerLayout appContainerLayouts[] = {
      .userGroupData = "/var/mobile/Containers/Shared/AppGroup",
      .systemGroupData = "/var/containers/Shared/SystemGroup",
      .pluginData = "/var/mobile/Containers/Data/PluginKitPlugin"},
-    {.sinceFoundationVersion = 1140.11,
+    {.sinceFoundationVersion = ios::v8_0,
      .userAppBundles = "/var/mobile/Containers/Bundle/Application",
      .userAppData = "/var/mobile/Containers/Data/Application",
      .systemAppBundles = "/Applications",

@@ -4,6 +4,7 @@
 #include "Model/Apps/InstallationCacheReader.h"
 #include "Model/Apps/InstalledAppsScan.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -15,7 +16,7 @@
 namespace {
 
 // iOS 7.1, the last one whose installer keeps a cache file.
-constexpr double lastFoundationVersionWithCache = 1047.25;
+constexpr double lastFoundationVersionWithCache = ios::v7_1;
 constexpr std::string_view applePrefix = "com.apple";
 
 std::map<std::string, std::shared_ptr<const OZApp>, std::less<>>

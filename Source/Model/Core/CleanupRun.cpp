@@ -3,10 +3,11 @@
 #include "Model/Core/MessageDatabase.h"
 #include "Model/Core/RunRecord.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 namespace {
 
-constexpr double foundationVersionOfAttachmentTable = 992.0;
+constexpr double foundationVersionOfAttachmentTable = ios::v6_0;
 
 std::optional<std::string_view> firstOf(std::span<const std::string_view> patterns) {
     return patterns.empty() ? std::nullopt : std::optional(patterns.front());

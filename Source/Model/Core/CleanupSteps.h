@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Generations.h"
+
 #include <array>
 #include <string_view>
 
@@ -79,7 +81,7 @@ inline constexpr std::array<CleanupStepDescription, 13> cleanupSteps{{
      .byDefault = StepDefault::on,
      .consoleHeading = "\nBattery usage data...\n{}---------------------{}\n\n",
      .logHeading = "\nBattery usage data\n##################\n\n",
-     .sinceFoundationVersion = 1140.11},
+     .sinceFoundationVersion = ios::v8_0},
     {.key = cleanupstep::cydia,
      .clean = cleanCydia,
      .byDefault = StepDefault::on,

@@ -2,6 +2,7 @@
 
 #include "Categories/NSStringFolding.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 #include <algorithm>
 #include <tuple>
@@ -12,8 +13,8 @@ constexpr std::string_view defaultsKey = "plugins";
 constexpr std::string_view winterBoard = "winterboard";
 
 // From here on libraries are not loaded, and up to there icons need one of their own.
-constexpr double firstVersionWithoutLibraries = 1444.12;
-constexpr double firstVersionWithoutIconBundles = 1240.1;
+constexpr double firstVersionWithoutLibraries = ios::v11_1;
+constexpr double firstVersionWithoutIconBundles = ios::v9_0;
 
 constexpr std::string_view activatorDylib = "/Library/MobileSubstrate/DynamicLibraries/Activator.dylib";
 constexpr std::string_view flipswitchDylib = "/Library/MobileSubstrate/DynamicLibraries/Flipswitch.dylib";

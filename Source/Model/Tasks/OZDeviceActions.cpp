@@ -3,6 +3,7 @@
 #include "Model/Tasks/OZTask.h"
 #include "Model/Tasks/OZTaskManager.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 #include <algorithm>
 #include <array>
@@ -84,10 +85,10 @@ void OZDeviceActions::respring() {
 
 void OZDeviceActions::stopPolitely() {
     const double version = _device.facts().foundationVersion;
-    if (version >= 1300.0 && _isInstalled(hangupApplication)) {
+    if (version >= ios::v10_0 && _isInstalled(hangupApplication)) {
         std::ignore = OZTaskManager::killTaskWithName(_device, "SpringBoard", hangupSignal);
         _device.sleep(politeStopSeconds);
-    } else if (version >= 992.0 && runTool(_device, "launchctl", {"stop", "com.apple.backboardd"})) {
+    } else if (version >= ios::v6_0 && runTool(_device, "launchctl", {"stop", "com.apple.backboardd"})) {
         _device.sleep(politeStopSeconds);
     }
 }

@@ -4,6 +4,7 @@
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Core/Removal/RemovalActions.h"
 #include "Model/Core/RunContext.h"
+#include "Platform/Generations.h"
 
 #include <algorithm>
 #include <array>
@@ -18,7 +19,7 @@ using platform::FoundPaths;
 namespace {
 
 constexpr std::string_view languageFileExtension = ".strings";
-constexpr double sinceCarrierBundles = 1047.2;
+constexpr double sinceCarrierBundles = ios::v7_0;
 
 const std::string sharedData = "/usr/share/";
 constexpr std::array<std::string_view, 2> languageDataFolders = {"mecabra", "tokenizer"};

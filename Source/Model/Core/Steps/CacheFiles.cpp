@@ -1,5 +1,6 @@
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/Steps/StepContext.h"
+#include "Platform/Generations.h"
 
 // Caches outside of the applications' containers.
 
@@ -57,7 +58,7 @@ constexpr CleanupAction mobileCacheActions[] = {
 
 constexpr CleanupAction mobileLibraryActions[] = {
     // Newer generations keep the search index itself here.
-    {.primitive = delFilesInFolderRecursive, .path = "./Spotlight", .belowFoundationVersion = 1300.0},
+    {.primitive = delFilesInFolderRecursive, .path = "./Spotlight", .belowFoundationVersion = ios::v10_0},
     {.primitive = delWithPattern,
      .path = ".",
      .onlyFiles = OnlyFiles::yes,

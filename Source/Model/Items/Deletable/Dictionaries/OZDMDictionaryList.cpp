@@ -1,11 +1,12 @@
 #include "Model/Items/Deletable/Dictionaries/OZDMDictionaryList.h"
 
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 namespace {
 
 // iOS 8.
-constexpr double firstVersionWithAssetService = 1140.11;
+constexpr double firstVersionWithAssetService = ios::v8_0;
 constexpr std::string_view packageNameKey = "DictionaryPackageName";
 
 } // namespace

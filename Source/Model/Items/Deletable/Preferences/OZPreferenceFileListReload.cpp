@@ -1,6 +1,7 @@
 #include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
 #include "Model/Tasks/OZTask.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 // The restart of the preference daemon: idle, scheduled (a token), running and cooling down (the task is
 // stored), idle. A restart that becomes due while a task is stored is lost.
@@ -8,7 +9,7 @@
 namespace {
 
 // iOS 7.1 is the last one whose daemon needs no restart.
-constexpr double lastVersionWithoutReload = 1047.25;
+constexpr double lastVersionWithoutReload = ios::v7_1;
 constexpr std::string_view serviceManagerTool = "launchctl";
 constexpr const char* preferenceDaemon = "system/com.apple.cfprefsd.xpc.daemon";
 // Seconds. Deletions in quick succession lead to one restart.

@@ -2,10 +2,11 @@
 
 #include "Model/Items/Togglable/Daemons/OZOverrideDaemon.h"
 #include "Platform/Device.h"
+#include "Platform/Generations.h"
 
 namespace {
 
-constexpr double firstVersionWithOverrides = 1300.0;
+constexpr double firstVersionWithOverrides = ios::v10_0;
 constexpr std::string_view vendorPrefix = "com.apple.";
 
 } // namespace

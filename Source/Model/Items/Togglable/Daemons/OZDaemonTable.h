@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/Generations.h"
+
 #include <limits>
 #include <string_view>
 
@@ -65,7 +67,7 @@ inline constexpr OZDaemonGroupTableEntry daemonGroupTable[] = {
              "com.apple.sharktrace",
              "com.apple.syslog_relay",
              "com.apple.syslogd",
-             {"com.apple.CrashHousekeeping", {.atMost = 1141.1}},
+             {"com.apple.CrashHousekeeping", {.atMost = ios::v8_1}},
          }},
     {.identifier = "dev",
      .titleKey = "DEVDAEMONLBL",
@@ -80,7 +82,7 @@ inline constexpr OZDaemonGroupTableEntry daemonGroupTable[] = {
              "com.apple.OTAPKIAssetTool",
              "com.apple.OTATaskingAgent",
              "com.apple.softwareupdateservicesd",
-             {"com.apple.mobile.softwareupdated", {.below = 1140.11}},
+             {"com.apple.mobile.softwareupdated", {.below = ios::v8_0}},
          }},
     {.identifier = "icloud",
      .titleKey = "ICLOUDDAEMONLBL",
