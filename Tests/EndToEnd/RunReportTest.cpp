@@ -71,14 +71,21 @@ TEST(RunReport, WhatLiesBehindALinkOfSomebodyElseIsToldToHaveStayed) {
     const TemporaryFolder folder;
     makeTree(folder);
     folder.make("tree/var/stash/Safari/Cache.bin: x\n"
-                "tree/var/mobile/Library/Caches/Safari -> /var/stash/Safari");
-    ASSERT_EQ(::lchown(folder.path("tree/var/mobile/Library/Caches/Safari").c_str(), 501, 501), 0);
+                "tree/var/mobile/Library/Caches/Safari -> /var/stash/Safari\n"
+                "tree/var/root/x.ips: x\n"
+                "tree/var/mobile/Library/Logs/CrashReporter/Latest -> /var/root/x.ips");
+    for (const char* link : {"Caches/Safari", "Logs/CrashReporter/Latest"}) {
+        ASSERT_EQ(::lchown((folder.path("tree/var/mobile/Library/") + link).c_str(), 501, 501), 0);
+    }
     EXPECT_EQ(described(onTree(folder, {"--strict", "--dry-run", "-clean"})), "0\n");
     EXPECT_EQ(described(onTree(folder, {"--strict", "-clean"})),
-              "1\n1 of 2 items stayed: Operation not permitted.\n");
+              "1\n2 of 3 items stayed: Operation not permitted.\n");
     EXPECT_THAT(folder.content("tree/var/mobile/Library/Ozvarine/junk.txt"),
                 HasSubstr("\nOperation not permitted: /var/mobile/Library/Caches/Safari\n"));
     EXPECT_TRUE(folder.exists("tree/var/stash/Safari/Cache.bin"));
+    EXPECT_TRUE(folder.exists("tree/var/root/x.ips"));
+    // Nobody would find the report again without its link.
+    EXPECT_TRUE(folder.exists("tree/var/mobile/Library/Logs/CrashReporter/Latest"));
 }
 
 TEST(RunReport, TheLogGoesToTheHostToo) {

@@ -152,7 +152,7 @@ constexpr StepRule logFiles[] = {
     {file, "/var/mobile/Library/Logs/.+"},
     {link, "/var/mobile/Library/Logs/CrashReporter/.+"},
     // Reports that links of the reporter's folder lead to.
-    {file, "/var/root/CrashReports/SpringBoard-2017-11-04\\.ips"},
+    {file, "/var/mobile/Library/CrashReports/SpringBoard-2017-11-04\\.ips"},
     {file, "/var/root/CrashReports/linked\\.ips"},
     {file, "/var/logs/.+"},
     {file, "/var/log/.+"},

@@ -18,13 +18,13 @@ constexpr TreeEntry logs[] = {
 
 // A crash report may be filed elsewhere; the link to it is what the reporter shows. Some lead to nothing.
 constexpr TreeEntry crashReports[] = {
-    {"/var/root/CrashReports/SpringBoard-2017-11-04.ips"},
-    {"/var/root/CrashReports/unlinked-2017-11-03.ips"},
+    {"/var/mobile/Library/CrashReports/SpringBoard-2017-11-04.ips"},
+    {"/var/mobile/Library/CrashReports/unlinked-2017-11-03.ips"},
     {"/var/mobile/Library/Logs/CrashReporter/LatestCrash.ips", "Harbor-2017-11-05.ips"},
     {"/var/mobile/Library/Logs/CrashReporter/LatestCrash-SpringBoard.ips",
-     "/private/var/root/CrashReports/SpringBoard-2017-11-04.ips"},
+     "/private/var/mobile/Library/CrashReports/SpringBoard-2017-11-04.ips"},
     {"/var/mobile/Library/Logs/CrashReporter/LatestCrash-Gone.ips",
-     "/private/var/root/CrashReports/gone.ips"},
+     "/private/var/mobile/Library/CrashReports/gone.ips"},
 };
 
 } // namespace
