@@ -3,7 +3,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 using testing::ElementsAre;
 using tests::EngineFixture;
@@ -27,14 +26,11 @@ void addDpkg(EngineFixture& fixture) {
 printf '||/ Name  Version\nii  kept  1\nrc  first:arm\t1  text\nrc\nrc   second 2\n rc third 3\n')sh");
 }
 
-// What the process cannot open is not there to tell, and nobody knows which applications there are.
+// An application that tells no name may be the excluded one, so nobody knows which applications there are.
 std::unique_ptr<OZAppList> inventoryThatCannotBeRead(platform::Device& device) {
-    rlimit files{};
-    ::getrlimit(RLIMIT_NOFILE, &files);
-    const rlimit none{.rlim_cur = 0, .rlim_max = files.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &none);
+    device.standardUserDefaults().setObject("excludedApps", platform::Dictionary{{"org.excluded", 7}});
     auto inventory = std::make_unique<OZAppList>(device);
-    ::setrlimit(RLIMIT_NOFILE, &files);
+    inventory->loadDefaults();
     EXPECT_FALSE(inventory->isComplete());
     return inventory;
 }
@@ -84,7 +80,8 @@ TEST(DependenciesStep, PurgesNothingByAListThatCannotBeReadAsText) {
 
 TEST(CleanupSteps, AllOfThemEndWithoutToolsAndInventory) {
     EngineFixture fixture;
-    fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1"});
+    fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1",
+                      "/Applications/Damaged.app/Info.plist"});
     const auto before = fixture.tree();
     platform::Device bare(fixture.device.device().fileManager(), {.foundationVersion = 1445.32}, {});
     const auto unread = inventoryThatCannotBeRead(bare);
