@@ -192,7 +192,8 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
     const auto file = device.fileManager().attributesOfTargetAtPath(settings.path());
     if (file && file->size == 0) {
         // A copy onto a full disk leaves such a file, too.
-        device.warnings().tell(fmt::format("The settings in {} are empty; the defaults serve.", settings.path()));
+        device.warnings().tell(
+            fmt::format("The settings in {} are empty; the defaults serve.", settings.path()));
     } else if (options.resetSettings) {
         device.warnings().tell(
             fmt::format("The settings in {} are in order; there is nothing to reset.", settings.path()));

@@ -76,8 +76,8 @@ class OZAppList : public OZUserDefaultsSync {
     /// an executable that is there is passed over. Not to be called while another thread reads the list.
     void loadApps();
 
-    /// Whether all could be looked at, and none that says no name may be an excluded one. Else nobody knows whose the rest of the device is, and
-    /// the stored exclusions are left as they are.
+    /// Whether all could be looked at, and none that tells no name may be an excluded one. Else nobody knows
+    /// whose the rest of the device is, and the stored exclusions are left as they are.
     [[nodiscard]] bool isComplete() const { return _isComplete; }
 
     /// Sorted by display name without regard to case. The icon filter looks into bundles that have not been
