@@ -1,10 +1,7 @@
 // What the built program tells of a run beside its record: items that stayed, and the log on the host.
 
+#include "Tests/EndToEnd/PlainTree.h"
 #include "Tests/Support/Mounts.h"
-#include "Tests/Support/Program.h"
-#include "Tests/Support/TemporaryFolder.h"
-
-#include <fstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,22 +9,12 @@
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using tests::makeTree;
+using tests::onTree;
 using tests::Outcome;
 using tests::TemporaryFolder;
 
 namespace {
-
-void makeTree(const TemporaryFolder& folder) {
-    folder.make("tree/System/Library/CoreServices/\ntree/var/mobile/\ntree/var/tmp/zz: junk");
-    std::ofstream(folder.path("tree/System/Library/CoreServices/SystemVersion.plist"))
-        << "<?xml version=\"1.0\"?><plist version=\"1.0\"><dict><key>ProductVersion</key>"
-           "<string>11.1</string></dict></plist>";
-}
-
-Outcome onTree(const TemporaryFolder& folder, std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), {"--device", folder.path("tree")});
-    return tests::runProgram("ozvarine", arguments);
-}
 
 std::string described(const Outcome& outcome) {
     return std::to_string(outcome.status) + "\n" + outcome.output + outcome.errors;

@@ -26,14 +26,15 @@ void CleanupRun::delFilesInFolderRecursive(std::string_view folder) {
 }
 
 void CleanupRun::delFilesExcludingPatternsRecursive(std::string_view folder, const NamePatterns& patterns) {
-    if (const auto opened = _files.folderAtPath(folder); !opened) {
-        noteUnreached(folder, opened.error());
-        return;
-    }
-    del(_tree.findBelow(folder, [&](std::string_view path, FileType type) {
+    const auto found = _tree.findBelow(folder, [&](std::string_view path, FileType type) {
         return type == FileType::regular && !matchDelExcludingPatterns(path, patterns) ? WalkDecision::take
                                                                                        : WalkDecision::passBy;
-    }));
+    });
+    if (found) {
+        del(*found);
+    } else {
+        noteUnreached(folder, found.error());
+    }
 }
 
 bool CleanupRun::matchDelExcludingPatterns(std::string_view path, const NamePatterns& patterns) {

@@ -49,16 +49,18 @@ class TreeView {
     /// A folder's direct entries, found in that very folder; links on the way to it are followed.
     [[nodiscard]] platform::Result<platform::FoundPaths> directEntries(std::string_view folder);
     /// The entries at any depth below a folder that `decide` takes, given each one's path relative to the
-    /// folder and its type; nothing where there is no folder. Links are not followed.
+    /// folder and its type. Links are not followed.
     template <class Decide>
-    [[nodiscard]] platform::FoundPaths findBelow(std::string_view folder, Decide decide) {
-        platform::FoundPaths found{.folder = nullptr, .prefix = platform::pathPrefix(folder), .names = {}};
+    [[nodiscard]] platform::Result<platform::FoundPaths> findBelow(std::string_view folder, Decide decide) {
         auto opened = _files.folderAtPath(folder);
-        const auto enumerator = opened ? platform::Item(*opened, ".").enumerate() : nullptr;
-        if (!enumerator) {
-            return found;
+        if (!opened) {
+            return std::unexpected(opened.error());
         }
-        found.folder = *opened;
+        platform::FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = {}};
+        const auto enumerator = platform::Item(*opened, ".").enumerate();
+        if (!enumerator) {
+            return platform::lastError();
+        }
         while (const auto entry = enumerator->nextObject()) {
             const WalkDecision decision = decide(*entry, enumerator->fileType());
             if (decision == WalkDecision::take) {

@@ -3,12 +3,15 @@
 #include "Model/Core/SuffixList.h"
 #include "Model/Services/OZStdIO.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 // Attachments of messages: all of them, or those that the message database no longer knows.
 
 using platform::FileType;
 using platform::FoundPaths;
+using platform::Result;
 
 namespace {
 
@@ -27,7 +30,7 @@ constexpr CleanupAction allAttachmentsActions[] = {
 };
 
 // The files below a folder that lie in none of the known folders. A known folder is used up by its first hit.
-FoundPaths unknownFilesBelow(TreeView& tree, std::string_view folder, SuffixList& known) {
+Result<FoundPaths> unknownFilesBelow(TreeView& tree, std::string_view folder, SuffixList& known) {
     const std::string prefix = platform::pathPrefix(folder);
     return tree.findBelow(folder, [&](std::string_view path, FileType type) {
         if (known.take(std::string(prefix).append(path))) {
@@ -48,7 +51,11 @@ void cleanUnknownAttachments(CleanupRun& run) {
     SuffixList known(*knownFolders);
     std::vector<FoundPaths> unknown;
     for (const auto folder : attachmentFolders) {
-        unknown.push_back(unknownFilesBelow(run.tree(), folder, known));
+        if (auto files = unknownFilesBelow(run.tree(), folder, known)) {
+            unknown.push_back(std::move(*files));
+        } else {
+            run.noteUnreached(folder, files.error());
+        }
     }
     for (const auto& files : unknown) {
         run.del(files);

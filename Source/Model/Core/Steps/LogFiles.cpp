@@ -27,10 +27,14 @@ void cleanLinkedCrashReports(CleanupRun& run) {
     auto links = tree.findBelow(crashReporter, [](std::string_view /*path*/, FileType type) {
         return type == FileType::symbolicLink ? WalkDecision::take : WalkDecision::passBy;
     });
+    if (!links) {
+        run.noteUnreached(crashReporter, links.error());
+        return;
+    }
     // All links are resolved before the first one goes: one may lead to the next.
     CleanupRun::Paths reports;
-    std::erase_if(links.names, [&](const std::string& name) {
-        const std::string link = links.prefix + name;
+    std::erase_if(links->names, [&](const std::string& name) {
+        const std::string link = links->prefix + name;
         const auto report = tree.attributesOfTargetAtPath(link);
         if (report) {
             reports.push_back(tree.stringByResolvingSymlinksInPath(link));
@@ -42,7 +46,7 @@ void cleanLinkedCrashReports(CleanupRun& run) {
         }
         return stays;
     });
-    run.removeLinks(links);
+    run.removeLinks(*links);
     run.del(reports);
 }
 
