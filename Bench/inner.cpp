@@ -2,8 +2,8 @@
 // the growth that fits its times best. Trees lie in a folder of their own in memory.
 #include "Model/Core/SuffixList.h"
 #include "Model/Packages/OZPackageGraph.h"
-#include "Platform/Device.h"
-#include "Platform/FileManager.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Files/FileManager.h"
 
 #include <cstdlib>
 #include <filesystem>

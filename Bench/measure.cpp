@@ -25,7 +25,7 @@ long peakOfRun(char** command) {
         std::exit(EXIT_FAILURE);
     }
     int status = 0;
-    struct rusage usage{};
+    struct rusage usage = {};
     while (::wait4(child, &status, 0, &usage) < 0 && errno == EINTR) {
     }
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {

@@ -8,8 +8,8 @@
 #include "Model/Core/OZCore.h"
 #include "Model/Packages/OZPackageList.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Bundle.h"
+#include "Platform/Device/Device.h"
 
 #include <charconv>
 #include <chrono>

@@ -3,7 +3,7 @@
 #include "Fuzz/Require.h"
 #include "Model/Apps/InstalledApps.h"
 #include "Model/Apps/OZApp.h"
-#include "Platform/DeviceFacts.h"
+#include "Platform/Device/DeviceFacts.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Key-value text with any separators: the first two lines of the input are the key and the entry separator.
-#include "Categories/NSStringAdditions.h"
-#include "Categories/OZDeserialize.h"
+#include "Categories/KeyValueText.h"
+#include "Categories/Text.h"
 #include "Fuzz/Input.h"
 #include "Fuzz/Require.h"
 

@@ -1,7 +1,7 @@
 // Property lists: whatever can be read can be written, and reading what was written gives the same again.
 #include "Fuzz/Input.h"
 #include "Fuzz/Require.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <optional>
 

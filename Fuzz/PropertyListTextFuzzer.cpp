@@ -1,8 +1,8 @@
 // Property lists in the text format: what is read can be written in it, and as XML, and reads as the same.
 #include "Fuzz/Input.h"
 #include "Fuzz/Require.h"
-#include "Platform/PropertyListTextFormat.h"
-#include "Platform/TextScanner.h"
+#include "Platform/Formats/PropertyListTextFormat.h"
+#include "Platform/Formats/TextScanner.h"
 
 #include <variant>
 

@@ -1,7 +1,7 @@
 // Language files.
 #include "Fuzz/Input.h"
 #include "Fuzz/Require.h"
-#include "Platform/StringsFile.h"
+#include "Platform/Formats/StringsFile.h"
 
 void readInput(std::string_view bytes) {
     const auto table = platform::parseStringsFile(bytes);

@@ -1,5 +1,5 @@
 // The arguments of a URL.
-#include "Categories/NSURLQuery.h"
+#include "Categories/URLQuery.h"
 #include "Fuzz/Input.h"
 #include "Fuzz/Require.h"
 

@@ -1,7 +1,7 @@
 // Product versions: a newer one never has the libraries of an older one.
 #include "Fuzz/Input.h"
 #include "Fuzz/Require.h"
-#include "Platform/DeviceFacts.h"
+#include "Platform/Device/DeviceFacts.h"
 
 void readInput(std::string_view bytes) {
     const auto version = platform::systemVersionForProductVersion(bytes);

@@ -12,8 +12,8 @@
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZStdIO.h"
-#include "Platform/Device.h"
-#include "Platform/HostOutput.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/HostOutput.h"
 
 #include <algorithm>
 #include <csignal>
@@ -78,8 +78,9 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
         return *status;
     }
     modelBuilder.pluginLoader().loadThirdPartyDylibs(loadDeviceLibrary);
-    return fail("no switch given, and the graphical front end is not installed; ozvarine --help lists options "
-                "and switches");
+    return fail(
+        "no switch given, and the graphical front end is not installed; ozvarine --help lists options "
+        "and switches");
 }
 
 int run(const std::vector<std::string>& arguments) {
@@ -117,10 +118,11 @@ int run(const std::vector<std::string>& arguments) {
                                           "Device.plist or SystemVersion.plist",
                                           *options->device));
         }
-        return fail(fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
-                                "System/Library/CoreServices/SystemVersion.plist; is it a device's tree? If it "
-                                "is, name the version with --ios VERSION",
-                                *options->device));
+        return fail(
+            fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
+                        "System/Library/CoreServices/SystemVersion.plist; is it a device's tree? If it "
+                        "is, name the version with --ios VERSION",
+                        *options->device));
     }
     return runOnDevice(**device, *options);
 }

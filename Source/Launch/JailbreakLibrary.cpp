@@ -1,6 +1,6 @@
 #include "Launch/JailbreakLibrary.h"
 
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 #include <tuple>
 

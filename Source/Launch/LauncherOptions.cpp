@@ -30,8 +30,7 @@ constexpr std::array optionTable = {
            [](auto& options, auto& value) { options.given.systemVersion = value; }},
     Option{"--model", "a hardware model such as iPhone7,2",
            [](auto& options, auto& value) { options.given.hardwareModel = value; }},
-    Option{"--help", "",
-           [](auto& options, auto&) { options.request = LauncherOptions::Request::help; }},
+    Option{"--help", "", [](auto& options, auto&) { options.request = LauncherOptions::Request::help; }},
     Option{"-h", "", [](auto& options, auto&) { options.request = LauncherOptions::Request::help; }},
     Option{"--version", "",
            [](auto& options, auto&) { options.request = LauncherOptions::Request::version; }},
@@ -49,8 +48,7 @@ std::pair<std::string_view, std::optional<std::string>> halves(std::string_view 
 }
 
 bool looksLikeOption(const std::string& argument) {
-    return argument.starts_with("--") ||
-           std::ranges::find(harmlessWords, argument) != harmlessWords.end();
+    return argument.starts_with("--") || std::ranges::find(harmlessWords, argument) != harmlessWords.end();
 }
 
 } // namespace
@@ -93,8 +91,9 @@ std::expected<LauncherOptions, std::string> LauncherOptions::parse(const std::ve
     if (const auto late = std::find_if(behind, arguments.end(), looksLikeOption); late != arguments.end()) {
         const bool isKnown =
             std::ranges::find(optionTable, halves(*late).first, &Option::name) != optionTable.end();
-        return std::unexpected(isKnown ? fmt::format("{} belongs in front of the switch: {}", *late, synopsis)
-                                       : fmt::format("{} behind {} means nothing; {}", *late, *rest, helpHint));
+        return std::unexpected(isKnown
+                                   ? fmt::format("{} belongs in front of the switch: {}", *late, synopsis)
+                                   : fmt::format("{} behind {} means nothing; {}", *late, *rest, helpHint));
     }
     options.vector.emplace_back(arguments.empty() ? "ozvarine" : arguments.front());
     options.vector.insert(options.vector.end(), rest, arguments.end());
@@ -118,7 +117,8 @@ std::string LauncherOptions::help() {
            "Cleans the file tree of a jailbroken iOS device.\n"
            "\n"
            "Options:\n"
-           "  --device DIR       the device: a file tree whose top is the device's \"/\", or a device folder\n"
+           "  --device DIR       the device: a file tree whose top is the device's \"/\", or a device "
+           "folder\n"
            "                     (default: the environment's OZVARINE_DEVICE)\n"
            "  --dry-run          -clean only analyses: nothing is deleted, renamed, restarted or restored.\n"
            "                     Like every run it writes the log, closes Cydia, and takes three stale keys\n"
@@ -127,7 +127,8 @@ std::string LauncherOptions::help() {
            "  --strict           -clean ends with status 1 when items stayed that should have gone\n"
            "  --reset-settings   puts settings that cannot be read aside and goes on with the defaults\n"
            "  --ios VERSION      the device's version, where its tree does not tell it\n"
-           "  --model MODEL      the device's hardware model, such as iPhone7,2, where its tree does not tell\n"
+           "  --model MODEL      the device's hardware model, such as iPhone7,2, where its tree does not "
+           "tell\n"
            "                     it\n"
            "  --version          prints the version\n"
            "  -h, --help         prints this text\n"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Model/Core/OZCore.h"
-#include "Platform/DeviceFacts.h"
+#include "Platform/Device/DeviceFacts.h"
 
 #include <expected>
 #include <optional>

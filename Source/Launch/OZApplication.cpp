@@ -1,7 +1,7 @@
 #include "Launch/OZApplication.h"
 
-#include "Platform/Folder.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
+#include "Platform/Files/Folder.h"
 
 #include <algorithm>
 #include <array>
@@ -40,8 +40,7 @@ std::string OZApplication::launcherPath() {
 }
 
 std::string_view OZApplication::executableCalledBy(std::string_view path, double foundationVersion) {
-    const auto called =
-        std::ranges::find(executables, path.substr(path.rfind('/') + 1), &Executable::name);
+    const auto called = std::ranges::find(executables, path.substr(path.rfind('/') + 1), &Executable::name);
     return called == executables.end() ? executableName(foundationVersion) : called->name;
 }
 

@@ -1,6 +1,6 @@
 #include "Launch/Preconditions.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <array>
 
@@ -52,8 +52,8 @@ std::optional<Refusal> wrongModel(platform::Device& device, const LauncherOption
 bool isSameFolder(platform::FileManager& fileManager, std::string_view one, std::string_view other) {
     const auto first = fileManager.folderAtPath(one);
     const auto second = fileManager.folderAtPath(other);
-    struct stat a{};
-    struct stat b{};
+    struct stat a = {};
+    struct stat b = {};
     return first && second && ::fstat((*first)->descriptor(), &a) == 0 &&
            ::fstat((*second)->descriptor(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
@@ -69,9 +69,10 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
     const std::string tree = options.device.value_or("the device");
     const auto folder = fileManager.folderAtPath(dataFolder);
     if (!folder && folder.error() == std::errc::operation_not_permitted) {
-        return Refusal{fmt::format("a link on the way to var/mobile in {} belongs to another user than what it "
-                                   "leads to, and is not followed; give both to one user, with chown -h",
-                                   tree)};
+        return Refusal{
+            fmt::format("a link on the way to var/mobile in {} belongs to another user than what it "
+                        "leads to, and is not followed; give both to one user, with chown -h",
+                        tree)};
     }
     if (fileManager.folderAtPath(privateDataFolder)) {
         return isSameFolder(fileManager, dataFolder, privateDataFolder)
@@ -212,9 +213,12 @@ std::optional<Refusal> logWithoutCleanup(platform::Device& /*device*/, const Lau
 using Check = std::optional<Refusal> (*)(platform::Device& device, const LauncherOptions& options);
 
 // In the order in which they are looked at.
-constexpr std::array checks = {Check{logWithoutCleanup},     Check{contradictingVersion},
-                               Check{wrongModel},            Check{missingData},
-                               Check{treeThatCannotBeWritten}, Check{anotherAtWork},
+constexpr std::array checks = {Check{logWithoutCleanup},
+                               Check{contradictingVersion},
+                               Check{wrongModel},
+                               Check{missingData},
+                               Check{treeThatCannotBeWritten},
+                               Check{anotherAtWork},
                                Check{settingsThatCannotBeRead}};
 
 } // namespace

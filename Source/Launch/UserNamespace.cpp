@@ -1,6 +1,6 @@
 #include "Launch/UserNamespace.h"
 
-#include "Platform/Descriptor.h"
+#include "Platform/Files/Descriptor.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-#include "Categories/NSStringAdditions.h"
-#include "Categories/NSURLQuery.h"
-#include "Categories/OZDeserialize.h"
-#include "Categories/OZSafety.h"
+#include "Categories/KeyValueText.h"
+#include "Categories/Ranges.h"
+#include "Categories/Text.h"
+#include "Categories/URLQuery.h"
 
 #include <limits>
 

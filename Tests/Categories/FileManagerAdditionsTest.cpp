@@ -1,16 +1,16 @@
-#include "Categories/NSFileManagerAdditions.h"
+#include "Categories/Files.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
-
 #include <unistd.h>
 
 namespace {
 
 struct Tree {
     Tree() {
-        folder.make("full/one: 12345\nfull/sub/two: 123\nfull/link -> sub/two\ntofull -> full\ndangling -> /nothing\n"
-                    "etc/passwd: nobody:*:-2:-2::/:/bin/false");
+        folder.make(
+            "full/one: 12345\nfull/sub/two: 123\nfull/link -> sub/two\ntofull -> full\ndangling -> /nothing\n"
+            "etc/passwd: nobody:*:-2:-2::/:/bin/false");
     }
     tests::TemporaryFolder folder;
     platform::FileManager manager = *platform::FileManager::atRoot(folder.path());
@@ -42,7 +42,8 @@ TEST(FileManagerAdditions, ALinkExistsForItselfOrForItsTarget) {
 TEST(FileManagerAdditions, RemovalTakesTheTargetOnlyWhenToldTo) {
     Tree tree;
     EXPECT_FALSE(removeItemAtPath(tree.manager, "/dangling", TraverseLinks::yes));
-    EXPECT_TRUE(fileExistsAtPath(tree.manager, "/dangling", nullptr, TraverseLinks::no)) << "its target did not go";
+    EXPECT_TRUE(fileExistsAtPath(tree.manager, "/dangling", nullptr, TraverseLinks::no))
+        << "its target did not go";
     EXPECT_TRUE(removeItemAtPath(tree.manager, "/dangling", TraverseLinks::no));
     EXPECT_TRUE(removeItemAtPath(tree.manager, "/tofull", TraverseLinks::yes));
     EXPECT_FALSE(tree.folder.exists("full") || tree.folder.exists("tofull"));

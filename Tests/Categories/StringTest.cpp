@@ -1,6 +1,6 @@
-#include "Categories/NSStringAdditions.h"
-#include "Categories/NSStringByteFormatter.h"
-#include "Platform/Error.h"
+#include "Categories/ByteText.h"
+#include "Categories/Text.h"
+#include "Platform/Files/Error.h"
 
 #include <cstdlib>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "Categories/NSURLPath.h"
+#include "Categories/FileURLs.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Packages/OZPackageList.h"
-#include "Platform/UserDefaults.h"
+#include "Platform/Device/UserDefaults.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"

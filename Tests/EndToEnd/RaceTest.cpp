@@ -2,7 +2,7 @@
 #include "Model/Core/OZAction.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
+#include "Platform/Device/Bundle.h"
 #include "Tests/EndToEnd/Adversary.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"

@@ -8,7 +8,7 @@
 #include "Model/Items/Togglable/OZPreferenceBundleList.h"
 #include "Model/Packages/OZPackageInfo.h"
 #include "Model/Packages/OZPackageWorkspace.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 #include "Tests/EndToEnd/StepRules.h"
 #include "Tests/Support/HostFile.h"
 #include "Tests/Support/Program.h"

@@ -1,6 +1,6 @@
 // The file manager's greater operations with one call to the system failing: they tell it, and nothing gets
 // lost.
-#include "Platform/UserDefaults.h"
+#include "Platform/Device/UserDefaults.h"
 #include "Tests/Faults/EveryFault.h"
 
 #include <gmock/gmock.h>
@@ -57,7 +57,7 @@ class FileManagerFaults : public testing::Test {
         EXPECT_EQ(after.at("/to/kept"), "/to/kept");
     }
     [[nodiscard]] struct stat statusOf(std::string_view path) const {
-        struct stat status{};
+        struct stat status = {};
         EXPECT_EQ(::lstat(device->hostPath(path).c_str(), &status), 0);
         return status;
     }

@@ -1,4 +1,4 @@
-#include "Platform/Application.h"
+#include "Platform/Device/Application.h"
 
 #include <string>
 #include <vector>

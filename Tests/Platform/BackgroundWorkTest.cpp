@@ -1,4 +1,4 @@
-#include "Platform/BackgroundWork.h"
+#include "Platform/Threads/BackgroundWork.h"
 
 #include <atomic>
 #include <stdexcept>

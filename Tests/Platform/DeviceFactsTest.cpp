@@ -1,8 +1,8 @@
 // What is known of a device, and which word counts where several speak.
 
-#include "Platform/DeviceFacts.h"
+#include "Platform/Device/DeviceFacts.h"
 
-#include "Platform/FileManager.h"
+#include "Platform/Files/FileManager.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -17,13 +17,15 @@ std::string listOf(const std::string& keys, const std::string& value) {
 }
 
 const std::string versionFile = "System/Library/CoreServices/SystemVersion.plist: ";
-const std::string gestalt = "private/var/containers/Shared/SystemGroup/systemgroup.com.apple.mobilegestaltcache/"
-                            "Library/Caches/com.apple.MobileGestalt.plist: ";
+const std::string gestalt =
+    "private/var/containers/Shared/SystemGroup/systemgroup.com.apple.mobilegestaltcache/"
+    "Library/Caches/com.apple.MobileGestalt.plist: ";
 const std::string olderGestalt = "private/var/mobile/Library/Caches/com.apple.MobileGestalt.plist: ";
 const std::string network = "private/var/preferences/SystemConfiguration/preferences.plist: ";
 
 std::string gestaltList(const std::string& model) {
-    return "<plist version=\"1.0\"><dict><key>CacheExtra</key><dict><key>h9jDsbgj7xIVeIQ8S3/X3Q</key><string>" +
+    return "<plist "
+           "version=\"1.0\"><dict><key>CacheExtra</key><dict><key>h9jDsbgj7xIVeIQ8S3/X3Q</key><string>" +
            model + "</string></dict></dict></plist>";
 }
 
@@ -87,7 +89,8 @@ TEST(DeviceFacts, ModelIsTheFoldersWordThenThePersonsThenThatOfTheTree) {
         const tests::TemporaryFolder tree;
         tree.make(row.files);
         auto files = FileManager::atRoot(tree.path()).value();
-        EXPECT_EQ(DeviceFacts::read(row.dictionary, files, {.hardwareModel = row.given}).hardwareModel, row.model)
+        EXPECT_EQ(DeviceFacts::read(row.dictionary, files, {.hardwareModel = row.given}).hardwareModel,
+                  row.model)
             << row.files;
     }
 }
@@ -98,5 +101,6 @@ TEST(DeviceFacts, VersionIsTheFoldersWordThenTheTreesThenThePersons) {
     EXPECT_EQ(DeviceFacts::read({}, files, {.systemVersion = "9.3.5"}).foundationVersion, 1280.25);
     tree.make(versionFile + listOf("<key>ProductVersion</key>", "10.2"));
     EXPECT_EQ(DeviceFacts::read({}, files, {.systemVersion = "9.3.5"}).systemVersion, "10.2");
-    EXPECT_EQ(DeviceFacts::read({{"SystemVersion", "8.4"}}, files, {.systemVersion = "9.3.5"}).systemVersion, "8.4");
+    EXPECT_EQ(DeviceFacts::read({{"SystemVersion", "8.4"}}, files, {.systemVersion = "9.3.5"}).systemVersion,
+              "8.4");
 }

@@ -1,4 +1,4 @@
-#include "Platform/FileHandle.h"
+#include "Platform/Files/FileHandle.h"
 
 #include "Tests/Support/TemporaryFolder.h"
 

@@ -1,4 +1,4 @@
-#include "Platform/HostOutput.h"
+#include "Platform/Device/HostOutput.h"
 
 #include "Tests/Support/TemporaryFolder.h"
 

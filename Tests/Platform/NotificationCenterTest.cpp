@@ -1,4 +1,4 @@
-#include "Platform/NotificationCenter.h"
+#include "Platform/Threads/NotificationCenter.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include "Tests/Platform/PropertyListTexts.h"
 #include "Tests/Support/Sanitized.h"

@@ -1,4 +1,4 @@
-#include "Platform/Queue.h"
+#include "Platform/Threads/Queue.h"
 
 #include <algorithm>
 #include <atomic>

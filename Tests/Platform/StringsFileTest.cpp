@@ -1,6 +1,6 @@
-#include "Platform/StringsFile.h"
+#include "Platform/Formats/StringsFile.h"
 
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <gtest/gtest.h>
 #include <unicode/unistr.h>

@@ -1,4 +1,4 @@
-#include "Platform/ToolTable.h"
+#include "Platform/Device/ToolTable.h"
 
 #include "Tests/Support/TemporaryDevice.h"
 

@@ -1,4 +1,4 @@
-#include "Platform/TreeCopy.h"
+#include "Platform/Files/TreeCopy.h"
 
 #include "Tests/Platform/FileManagerFixture.h"
 
@@ -18,7 +18,7 @@ namespace tests {
 namespace {
 
 struct stat statusOf(const std::string& path) {
-    struct stat status{};
+    struct stat status = {};
     ::lstat(path.c_str(), &status);
     return status;
 }

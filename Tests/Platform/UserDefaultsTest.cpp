@@ -1,4 +1,4 @@
-#include "Platform/UserDefaults.h"
+#include "Platform/Device/UserDefaults.h"
 
 #include "Tests/Support/HostFile.h"
 

@@ -3,7 +3,7 @@
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
+#include "Platform/Device/Bundle.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <memory>

@@ -207,7 +207,7 @@ std::string GeneratedTree::newName() {
 void GeneratedTree::makeItem() {
     const std::string path = anyOf(_folders) + "/" + newName();
     const std::string host = hostPath(path);
-    struct stat status{};
+    struct stat status = {};
     if (::lstat(host.c_str(), &status) == 0 || ::lstat(fs::path(host).parent_path().c_str(), &status) < 0) {
         return;
     }
@@ -320,7 +320,7 @@ void GeneratedTree::decorate(const std::string& path, bool isLink) {
 }
 
 void GeneratedTree::makeImmutable(const std::string& path) {
-    struct stat status{};
+    struct stat status = {};
     bool done = false;
     if (::lstat(hostPath(path).c_str(), &status) == 0 &&
         (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) {
@@ -341,8 +341,8 @@ bool GeneratedTree::isImmutable(std::string_view path) const {
         if (isBelow(path, item) || isBelow(item, path)) {
             return true;
         }
-        // Other names of an immutable file are immutable, too, and a folder around it may have been named by way of a
-        // link.
+        // Other names of an immutable file are immutable, too, and a folder around it may have been named by
+        // way of a link.
         for (fs::path around = fs::path(_root) / item; around != _root; around = around.parent_path()) {
             if (!fs::is_symlink(asked, error) && fs::equivalent(around, asked, error)) {
                 return true;

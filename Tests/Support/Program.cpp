@@ -54,7 +54,7 @@ Outcome run(const std::string& path, const std::string& name, const std::vector<
     outcome.output = readAll(out[0]);
     errors.join();
     int status = 0;
-    struct rusage usage{};
+    struct rusage usage = {};
     ::wait4(child, &status, 0, &usage);
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     outcome.peakMemory = static_cast<uint64_t>(usage.ru_maxrss) * 1024;
@@ -69,9 +69,9 @@ Outcome runProgram(const std::string& name, const std::vector<std::string>& argu
 }
 
 std::string copyOfProgram(const std::string& folder) {
-    return "mkdir -p " + folder + "/bin && cp -r " OZ_BINARY_DIRECTORY "/../libexec " OZ_BINARY_DIRECTORY
-           "/../share " + folder + " && cp " OZ_BINARY_DIRECTORY "/ozvarine " + folder + "/bin && chmod -R a+rX " +
-           folder;
+    return "mkdir -p " + folder +
+           "/bin && cp -r " OZ_BINARY_DIRECTORY "/../libexec " OZ_BINARY_DIRECTORY "/../share " + folder +
+           " && cp " OZ_BINARY_DIRECTORY "/ozvarine " + folder + "/bin && chmod -R a+rX " + folder;
 }
 
 Outcome shell(const std::string& commandLine) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <filesystem>
 #include <memory>

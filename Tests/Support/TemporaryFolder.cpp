@@ -50,7 +50,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string describe(const fs::path& path, const std::string& relative) {
-    struct stat status{};
+    struct stat status = {};
     require(::lstat(path.c_str(), &status) == 0, path);
     std::string text = fmt::format("{} {:o} {}:{}", relative, status.st_mode, status.st_uid, status.st_gid);
     if (S_ISREG(status.st_mode)) {
@@ -111,7 +111,7 @@ void TemporaryFolder::makeOne(std::string_view line) const {
 }
 
 bool TemporaryFolder::exists(std::string_view relative) const {
-    struct stat status{};
+    struct stat status = {};
     return ::lstat(path(relative).c_str(), &status) == 0;
 }
 
@@ -130,7 +130,7 @@ std::vector<std::string> TemporaryFolder::listing() const {
 
 std::string memoryFolder(uint64_t bytes) {
     const char* shared = "/dev/shm";
-    struct statvfs status{};
+    struct statvfs status = {};
     const bool suits = ::access(shared, W_OK | X_OK) == 0 && ::statvfs(shared, &status) == 0 &&
                        (status.f_flag & ST_NOEXEC) == 0 && status.f_bavail * status.f_frsize > bytes;
     return suits ? shared : "/tmp";

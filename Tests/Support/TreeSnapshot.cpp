@@ -79,7 +79,7 @@ void walk(int folder, const std::string& prefix, TreeSnapshot& snapshot) {
         if (name == "." || name == "..") {
             continue;
         }
-        struct stat status{};
+        struct stat status = {};
         require(::fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0, prefix + name);
         snapshot[prefix + name] = stateOf(folder, name.c_str(), status);
         if (S_ISDIR(status.st_mode)) {

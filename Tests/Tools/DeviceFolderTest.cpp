@@ -1,6 +1,6 @@
 #include "CommandLine.h"
 #include "Description.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 #include "Tests/Support/HostFile.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Tools/DemoDevice.h"

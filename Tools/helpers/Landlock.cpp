@@ -74,7 +74,7 @@ void Landlock::allow(std::span<const char* const> paths, uint64_t access) {
 }
 
 void Landlock::allow(int file, uint64_t access) {
-    struct stat status{};
+    struct stat status = {};
     if (::fstat(file, &status) != 0) {
         return;
     }

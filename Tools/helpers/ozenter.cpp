@@ -220,11 +220,11 @@ bool isSameFolder(const struct stat& one, const struct stat& other) {
 
 /// True if the folder or one above it is one of those that programs are executed from.
 bool isBelowProgramFolders(int folder) {
-    struct stat current{};
-    struct stat above{};
+    struct stat current = {};
+    struct stat above = {};
     for (std::string path = "."; ::fstatat(folder, path.c_str(), &current, 0) == 0; path += "/..") {
         for (const char* programs : programFolders) {
-            struct stat status{};
+            struct stat status = {};
             if (::stat(programs, &status) == 0 && isSameFolder(status, current)) {
                 return true;
             }

@@ -3,7 +3,7 @@
 #include "Description.h"
 #include "Maker.h"
 #include "Model/Apps/AppReport.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <charconv>
 #include <iostream>

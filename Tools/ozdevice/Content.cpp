@@ -1,6 +1,6 @@
 #include "Content.h"
 
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #include "Description.h"
 
 #include "DeviceFiles.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -2,7 +2,7 @@
 
 #include "DeviceFiles.h"
 #include "Generation.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 #include "Random.h"
 #include "TreeWriter.h"
 

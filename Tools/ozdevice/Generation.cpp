@@ -1,7 +1,7 @@
 #include "Generation.h"
 
-#include "Platform/DeviceFacts.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/DeviceFacts.h"
+#include "Platform/Device/Generations.h"
 
 #include <charconv>
 

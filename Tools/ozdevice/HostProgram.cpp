@@ -1,6 +1,6 @@
 #include "HostProgram.h"
 
-#include "Platform/Descriptor.h"
+#include "Platform/Files/Descriptor.h"
 
 #include <cerrno>
 #include <cstdlib>

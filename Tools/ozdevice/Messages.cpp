@@ -1,5 +1,5 @@
 #include "DeviceBuild.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 #include <memory>
 #include <stdexcept>

@@ -4,8 +4,9 @@ namespace ozdevice {
 namespace {
 
 #define OZ_ADD_ON(name)                                                                                      \
-    {.path = "/Library/MobileSubstrate/DynamicLibraries/" name ".dylib", .mode = 0755},                      \
-        {"/Library/MobileSubstrate/DynamicLibraries/" name ".plist"}
+    {.path = "/Library/MobileSubstrate/DynamicLibraries/" name ".dylib", .mode = 0755}, {                    \
+        "/Library/MobileSubstrate/DynamicLibraries/" name ".plist"                                           \
+    }
 
 constexpr TreeEntry substrate[] = {
     {"/Library/Frameworks/CydiaSubstrate.framework/Info.plist"},

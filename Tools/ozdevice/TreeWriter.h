@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Descriptor.h"
+#include "Platform/Files/Descriptor.h"
 
 #include <cstdint>
 #include <ctime>

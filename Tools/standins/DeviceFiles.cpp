@@ -1,6 +1,6 @@
 #include "DeviceFiles.h"
 
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <algorithm>
 #include <cerrno>

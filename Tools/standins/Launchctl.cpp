@@ -1,5 +1,5 @@
 #include "Commands.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <iostream>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "Controller/CommandLine/MenuWarnings.h"
 
 #include "Controller/CommandLine/MenuText.h"
-#include "Platform/Warnings.h"
+#include "Platform/Device/Warnings.h"
 
 #include <algorithm>
 #include <utility>

@@ -10,8 +10,8 @@
 #include "Model/Services/OZStdIO.h"
 #include "Model/Tasks/OZDeviceActions.h"
 #include "Model/Tasks/OZTask.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 #include <algorithm>
 #include <array>

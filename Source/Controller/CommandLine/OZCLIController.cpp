@@ -3,8 +3,8 @@
 #include "Controller/CommandLine/MenuText.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/OZCore.h"
-#include "Platform/Bundle.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Bundle.h"
+#include "Platform/Device/Device.h"
 
 #include <mutex>
 

@@ -6,8 +6,8 @@
 #include "Model/Core/OZAction.h"
 #include "Model/Core/OZCore.h"
 #include "Model/Items/Togglable/Restore/OZSystemRestore.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 #include <iterator>
 #include <string_view>

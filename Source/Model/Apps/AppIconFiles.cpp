@@ -1,7 +1,7 @@
 #include "Model/Apps/AppIconFiles.h"
 
 #include "Model/Apps/InstalledApps.h"
-#include "Platform/FileManager.h"
+#include "Platform/Files/FileManager.h"
 
 #include <algorithm>
 #include <string>

@@ -1,8 +1,8 @@
 #include "Model/Apps/AppReport.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Apps/OZAppList.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <iterator>
 

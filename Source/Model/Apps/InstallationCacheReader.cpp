@@ -1,6 +1,6 @@
 #include "Model/Apps/InstallationCacheReader.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 #include <set>

@@ -1,6 +1,6 @@
 #include "Model/Apps/InstalledApps.h"
 
-#include "Platform/FileManager.h"
+#include "Platform/Files/FileManager.h"
 
 #include <algorithm>
 

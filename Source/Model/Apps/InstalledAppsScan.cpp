@@ -1,7 +1,7 @@
 #include "Model/Apps/InstalledAppsScan.h"
 
 #include "Model/Apps/AppContainerLayout.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 #include <set>

@@ -1,11 +1,11 @@
 #include "Model/Apps/OZApp.h"
 
-#include "Categories/NSStringAdditions.h"
-#include "Categories/NSStringFolding.h"
+#include "Categories/Text.h"
+#include "Categories/TextFolding.h"
 #include "Model/Apps/AppIconFiles.h"
 #include "Model/Apps/InstalledApps.h"
-#include "Platform/FileManager.h"
-#include "Platform/PathExtension.h"
+#include "Platform/Files/FileManager.h"
+#include "Platform/Files/PathExtension.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <atomic>
 #include <cstdint>

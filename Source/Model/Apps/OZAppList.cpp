@@ -3,8 +3,8 @@
 #include "Model/Apps/AppContainerLayout.h"
 #include "Model/Apps/InstallationCacheReader.h"
 #include "Model/Apps/InstalledAppsScan.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 #include <algorithm>
 #include <cstdio>

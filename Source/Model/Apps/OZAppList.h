@@ -30,7 +30,7 @@ enum class OZExclusionMask : unsigned { none = 0, cleanup = 1, images = 2, langu
 
 template <class Mask>
 concept OZMask = std::same_as<Mask, OZAppTypeMask> || std::same_as<Mask, OZAppFilterMask> ||
-                 std::same_as<Mask, OZExclusionMask>;
+    std::same_as<Mask, OZExclusionMask>;
 template <OZMask Mask>
 constexpr Mask operator|(Mask left, Mask right) {
     return static_cast<Mask>(static_cast<unsigned>(left) | static_cast<unsigned>(right));

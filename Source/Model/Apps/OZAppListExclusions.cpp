@@ -1,6 +1,6 @@
 // What the user has excluded applications from.
 #include "Model/Apps/OZAppList.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <ranges>
 

@@ -1,8 +1,8 @@
 #include "Model/Apps/OZFontsFolderMover.h"
 
-#include "Categories/NSFileManagerAdditions.h"
-#include "Categories/NSStringByteFormatter.h"
-#include "Platform/Device.h"
+#include "Categories/ByteText.h"
+#include "Categories/Files.h"
+#include "Platform/Device/Device.h"
 
 #include <tuple>
 

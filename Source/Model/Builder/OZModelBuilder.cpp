@@ -13,8 +13,8 @@
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZUserDefaultsSync.h"
 #include "Model/Tasks/OZDeviceActions.h"
-#include "Platform/Bundle.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Bundle.h"
+#include "Platform/Device/Device.h"
 
 OZModelBuilder::OZModelBuilder(platform::Device& device)
     : _device(device) {}

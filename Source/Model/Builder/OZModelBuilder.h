@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/NotificationCenter.h"
+#include "Platform/Threads/NotificationCenter.h"
 
 #include <memory>
 

@@ -1,9 +1,9 @@
 #include "Model/Core/CleanupChoices.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/CustomFileRecordStorage.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 

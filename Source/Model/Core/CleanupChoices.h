@@ -2,7 +2,7 @@
 
 #include "Model/Core/CustomFileRecord.h"
 #include "Model/Services/OZUserDefaultsSync.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <cstddef>
 #include <functional>

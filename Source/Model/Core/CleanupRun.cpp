@@ -2,8 +2,8 @@
 
 #include "Model/Core/MessageDatabase.h"
 #include "Model/Core/RunRecord.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 namespace {
 

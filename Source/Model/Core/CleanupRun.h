@@ -5,7 +5,7 @@
 #include "Model/Core/OnlyFiles.h"
 #include "Model/Core/StayedItems.h"
 #include "Model/Core/TreeView.h"
-#include "Platform/FileManager.h"
+#include "Platform/Files/FileManager.h"
 
 #include <cstdint>
 #include <functional>
@@ -26,8 +26,8 @@ class SizeSum;
 struct ItemLook;
 
 /// One run over a device: the primitives, which alone know the mode, act on the tree, count and log. Steps
-/// name things and call them, and look at the tree through `tree()`. What cannot be reached is passed over; it
-/// is kept in the record, as is what could not be done.
+/// name things and call them, and look at the tree through `tree()`. What cannot be reached is passed over;
+/// it is kept in the record, as is what could not be done.
 class CleanupRun {
   public:
     using Paths = std::vector<std::string>;

@@ -2,7 +2,7 @@
 #include "Model/Core/RunRecord.h"
 #include "Model/Tasks/OZTask.h"
 #include "Model/Tasks/SeparatedPieces.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 

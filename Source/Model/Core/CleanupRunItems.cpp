@@ -2,7 +2,7 @@
 #include "Model/Core/ItemLooks.h"
 #include "Model/Core/RunRecord.h"
 #include "Model/Core/SizeSum.h"
-#include "Platform/BackgroundWork.h"
+#include "Platform/Threads/BackgroundWork.h"
 
 #include <functional>
 

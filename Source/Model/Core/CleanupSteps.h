@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 #include <array>
 #include <string_view>

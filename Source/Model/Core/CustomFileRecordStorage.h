@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Model/Core/CustomFileRecord.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <optional>
 

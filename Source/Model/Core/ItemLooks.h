@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/BackgroundWork.h"
-#include "Platform/FileManager.h"
+#include "Platform/Files/FileManager.h"
+#include "Platform/Threads/BackgroundWork.h"
 
 #include <cstdint>
 #include <deque>

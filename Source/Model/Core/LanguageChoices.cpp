@@ -1,9 +1,9 @@
 // Which languages may be removed, and how they show in names of files.
-#include "Categories/NSStringFolding.h"
+#include "Categories/TextFolding.h"
 #include "Model/Core/CleanupChoices.h"
 #include "Model/Core/LanguageTable.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
+#include "Platform/Device/Bundle.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
 #include "Model/Core/LanguageTable.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,8 +1,8 @@
 #include "Model/Core/OZCleanupLogger.h"
 
 #include "Model/Tasks/OZTask.h"
-#include "Platform/Device.h"
-#include "Platform/HostOutput.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/HostOutput.h"
 
 #include <limits>
 #include <optional>

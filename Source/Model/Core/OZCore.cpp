@@ -6,7 +6,7 @@
 #include "Model/Core/Steps/StepContext.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Services/OZStdIO.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <fmt/format.h>
 #include <unistd.h>

@@ -4,7 +4,7 @@
 #include "Model/Core/CleanupRun.h"
 #include "Model/Core/OZCoreMode.h"
 #include "Model/Core/RunRecord.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <atomic>
 #include <cstdint>

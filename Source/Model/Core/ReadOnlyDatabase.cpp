@@ -55,7 +55,7 @@ int readFile(sqlite3_file* file, void* buffer, int amount, sqlite3_int64 offset)
 
 int fileSize(sqlite3_file* file, sqlite3_int64* size) {
     const auto* handle = handleOf(file);
-    struct stat status{};
+    struct stat status = {};
     if (handle != nullptr && ::fstat(handle->descriptor(), &status) < 0) {
         return SQLITE_IOERR_FSTAT;
     }

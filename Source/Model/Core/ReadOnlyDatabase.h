@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/FileManager.h"
+#include "Platform/Files/FileManager.h"
 
 #include <memory>
 #include <string>

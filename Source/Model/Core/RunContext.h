@@ -3,7 +3,7 @@
 #include "Model/Apps/OZAppList.h"
 #include "Model/Core/CleanupChoices.h"
 #include "Model/Core/CleanupRun.h"
-#include "Platform/DeviceFacts.h"
+#include "Platform/Device/DeviceFacts.h"
 
 /// What a step or a removal may use: the run, through which alone it acts, and what it decides by.
 struct RunContext {

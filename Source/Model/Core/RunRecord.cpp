@@ -1,9 +1,9 @@
 #include "Model/Core/RunRecord.h"
 
-#include "Categories/NSStringAdditions.h"
-#include "Categories/NSStringByteFormatter.h"
+#include "Categories/ByteText.h"
+#include "Categories/Text.h"
 #include "Model/Services/OZStdIO.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <fmt/format.h>
 

@@ -3,7 +3,7 @@
 #include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/OZCoreMode.h"
 #include "Model/Core/StayedItems.h"
-#include "Platform/FileHandle.h"
+#include "Platform/Files/FileHandle.h"
 
 #include <atomic>
 #include <cstdint>

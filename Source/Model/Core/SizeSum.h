@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/BackgroundWork.h"
-#include "Platform/Folder.h"
+#include "Platform/Files/Folder.h"
+#include "Platform/Threads/BackgroundWork.h"
 
 #include <atomic>
 #include <cstddef>

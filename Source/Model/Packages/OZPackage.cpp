@@ -1,6 +1,6 @@
 #include "Model/Packages/OZPackage.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 #include <unordered_set>

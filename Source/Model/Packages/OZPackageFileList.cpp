@@ -1,8 +1,8 @@
 #include "Model/Packages/OZPackageFileList.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Packages/TextLines.h"
-#include "Platform/UTF8.h"
+#include "Platform/Formats/UTF8.h"
 
 #include <cerrno>
 #include <limits>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Error.h"
+#include "Platform/Files/Error.h"
 
 #include <string>
 #include <string_view>

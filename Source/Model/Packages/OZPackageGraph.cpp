@@ -1,9 +1,9 @@
 #include "Model/Packages/OZPackageGraph.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Packages/PackageName.h"
 #include "Model/Packages/TextLines.h"
-#include "Platform/UTF8.h"
+#include "Platform/Formats/UTF8.h"
 
 #include <algorithm>
 #include <array>

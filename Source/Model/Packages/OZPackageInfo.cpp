@@ -3,7 +3,7 @@
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Model/Items/Togglable/OZPreferenceBundle.h"
 #include "Model/Packages/OZPackage.h"
-#include "Platform/Error.h"
+#include "Platform/Files/Error.h"
 
 OZPackageInfo::OZPackageInfo(std::shared_ptr<OZPackage> package, CSAddonArray CSAddons,
                              std::shared_ptr<OZPreferenceBundle> preferenceBundle)

@@ -1,6 +1,6 @@
 #include "Model/Packages/OZPackageWorkspace.h"
 
-#include "Categories/NSURLPath.h"
+#include "Categories/FileURLs.h"
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Items/Togglable/OZPreferenceBundle.h"

@@ -2,7 +2,7 @@
 
 #include "Model/Packages/HandOverLock.h"
 #include "Model/Packages/OZPackageInfo.h"
-#include "Platform/Queue.h"
+#include "Platform/Threads/Queue.h"
 
 #include <atomic>
 #include <map>

@@ -1,6 +1,6 @@
 #include "Model/Plugins/OZPlugin.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 namespace {
 

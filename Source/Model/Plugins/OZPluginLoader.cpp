@@ -1,8 +1,8 @@
 #include "Model/Plugins/OZPluginLoader.h"
 
-#include "Categories/NSStringFolding.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Categories/TextFolding.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 #include <algorithm>
 #include <tuple>

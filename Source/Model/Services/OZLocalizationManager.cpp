@@ -1,8 +1,8 @@
 #include "Model/Services/OZLocalizationManager.h"
 
-#include "Categories/NSStringFolding.h"
-#include "Platform/Bundle.h"
-#include "Platform/Device.h"
+#include "Categories/TextFolding.h"
+#include "Platform/Device/Bundle.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "Model/Services/OZStdIO.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/UserDefaults.h"
+#include "Platform/Device/UserDefaults.h"
 
 /// An object whose state is stored in the user defaults. It holds the state in memory and is told when to
 /// load and when to write it.

@@ -2,8 +2,8 @@
 
 #include "Model/Tasks/OZTask.h"
 #include "Model/Tasks/OZTaskManager.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "Model/Tasks/OZTask.h"
 
-#include "Platform/Device.h"
-#include "Platform/Error.h"
-#include "Platform/UTF8.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Files/Error.h"
+#include "Platform/Formats/UTF8.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 #include "Tests/Controller/CommandLine/MenuTest.h"
 #include "Tests/Support/TemporaryDevice.h"
 

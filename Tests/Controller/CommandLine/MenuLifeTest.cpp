@@ -131,8 +131,8 @@ TEST_F(MenuTest, ExcludesRunsOfOtherUsers) {
         GTEST_SKIP() << "needs root to become another user";
     }
     create();
-    const std::string asOther = "chmod 755 '" + folder.path() + "' && chown -R 65534 '" + device +
-                                "' && " + tests::copyOfProgram(folder.path("build")) +
+    const std::string asOther = "chmod 755 '" + folder.path() + "' && chown -R 65534 '" + device + "' && " +
+                                tests::copyOfProgram(folder.path("build")) +
                                 " && setpriv --reuid=65534 --regid=65534 --clear-groups '" +
                                 folder.path("build/bin/ozvarine") + "' --device '" + device + "' ";
     Terminal terminal("ozvarine", menuArguments());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 #include "Tests/Controller/CommandLine/Terminal.h"
 #include "Tests/Support/HostFile.h"
 #include "Tests/Support/Program.h"

@@ -1,6 +1,6 @@
 #include "Model/Apps/OZAppList.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 #include "Tests/Model/Apps/AppTree.h"
 
 #include <chrono>

@@ -4,7 +4,7 @@
 #include "Model/Core/OZCore.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Model/Tasks/OZDeviceActions.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 #include "Tests/Model/Apps/AppTree.h"
 #include "Tests/Support/EngineFixture.h"
 

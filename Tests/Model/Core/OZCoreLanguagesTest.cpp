@@ -1,6 +1,6 @@
 #include "Model/Core/OZAction.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
+#include "Platform/Device/Bundle.h"
 #include "Tests/Model/Core/EngineTest.h"
 #include "Tests/Support/TemporaryFolder.h"
 

@@ -80,8 +80,8 @@ TEST(DependenciesStep, PurgesNothingByAListThatCannotBeReadAsText) {
 
 TEST(CleanupSteps, AllOfThemEndWithoutToolsAndInventory) {
     EngineFixture fixture;
-    fixture.addFiles({"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1",
-                      "/Applications/Damaged.app/Info.plist"});
+    fixture.addFiles(
+        {"/x.log", "/var/mobile/Library/Auxo/Snapshots/org.user/1", "/Applications/Damaged.app/Info.plist"});
     const auto before = fixture.tree();
     platform::Device bare(fixture.device.device().fileManager(), {.foundationVersion = 1445.32}, {});
     const auto unread = inventoryThatCannotBeRead(bare);

@@ -1,7 +1,7 @@
 // The log of a run beside the device's own file: what is told of one that could not be written, and its copy.
 
 #include "Model/Core/CleanupSteps.h"
-#include "Platform/HostOutput.h"
+#include "Platform/Device/HostOutput.h"
 #include "Tests/Support/EngineFixture.h"
 #include "Tests/Support/Mounts.h"
 #include "Tests/Support/TemporaryFolder.h"

@@ -2,7 +2,7 @@
 #include "Model/Items/Deletable/Dictionaries/OZDictionaryList.h"
 #include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
 #include "Model/Tasks/OZTask.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 #include "Tests/Model/Items/ItemTitles.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryFolder.h"

@@ -196,7 +196,7 @@ TEST(FileDaemon, GivesPropertyListsBackToRootEvenWithoutAChange) {
     fs::permissions(file, fs::perms(0666));
     std::ignore = ::chown(file.c_str(), 0, 1);
     EXPECT_FALSE(daemons.make(reportCrash)->applyChanges());
-    struct stat status{};
+    struct stat status = {};
     ASSERT_EQ(::stat(file.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0644);
     EXPECT_EQ(status.st_gid, 0);

@@ -1,6 +1,6 @@
 #include "Model/Items/Deletable/Dictionaries/OZDictionaryList.h"
 
-#include "Categories/NSStringByteFormatter.h"
+#include "Categories/ByteText.h"
 #include "Model/Items/Deletable/Dictionaries/OZDMDictionaryList.h"
 #include "Tests/Model/Items/ItemTitles.h"
 #include "Tests/Support/TemporaryDevice.h"

@@ -1,7 +1,7 @@
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Bundle.h"
-#include "Platform/UserDefaults.h"
+#include "Platform/Device/Bundle.h"
+#include "Platform/Device/UserDefaults.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 
@@ -42,8 +42,8 @@ class Localization {
   public:
     explicit Localization(TemporaryDevice& device, std::filesystem::path resources = Bundle().directory())
         : _bundle(std::move(resources))
-        , _defaults(device.device().fileManager(), device.device().notificationCenter(), device.device().warnings(),
-                    "/defaults.plist")
+        , _defaults(device.device().fileManager(), device.device().notificationCenter(),
+                    device.device().warnings(), "/defaults.plist")
         , manager(device.device(), _defaults, _bundle)
         , _observation(device.device().notificationCenter(), OZLocalizationNotification, &manager,
                        [this](const auto&) { ++notifications; }) {}

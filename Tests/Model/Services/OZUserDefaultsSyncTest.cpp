@@ -39,7 +39,9 @@ TEST(OZUserDefaultsSync, ARegisteredObjectLoadsAtOnceAndWritesAtEverySave) {
     ASSERT_NE(mkdtemp(root.data()), nullptr);
     NotificationCenter center;
     const platform::Warnings warnings;
-    const auto open = [&] { return UserDefaults(*FileManager::atRoot(root), center, warnings, "/a/b.plist"); };
+    const auto open = [&] {
+        return UserDefaults(*FileManager::atRoot(root), center, warnings, "/a/b.plist");
+    };
     {
         auto defaults = open();
         Counter counter(defaults, 7);

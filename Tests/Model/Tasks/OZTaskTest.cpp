@@ -1,7 +1,7 @@
 #include "Model/Tasks/OZTask.h"
 
 #include "Model/Tasks/SeparatedPieces.h"
-#include "Platform/Error.h"
+#include "Platform/Files/Error.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <csignal>

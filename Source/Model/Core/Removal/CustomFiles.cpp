@@ -1,6 +1,6 @@
 #include "Model/Core/Removal/CustomFiles.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Core/CleanupRun.h"
 #include "Model/Core/CustomFileRecord.h"
 

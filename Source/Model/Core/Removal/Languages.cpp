@@ -1,10 +1,10 @@
 // What goes with the languages that the user has no need of.
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Core/LanguageTable.h"
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Core/Removal/RemovalActions.h"
 #include "Model/Core/RunContext.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 #include <algorithm>
 #include <array>

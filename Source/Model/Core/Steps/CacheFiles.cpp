@@ -1,6 +1,6 @@
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/Steps/StepContext.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 // Caches outside of the applications' containers.
 

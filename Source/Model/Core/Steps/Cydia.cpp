@@ -1,10 +1,10 @@
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/ProgramIdentity.h"
 #include "Model/Core/Removal/KnownApps.h"
 #include "Model/Core/Steps/EachApplication.h"
 #include "Model/Core/Steps/StepContext.h"
-#include "Platform/PathExtension.h"
+#include "Platform/Files/PathExtension.h"
 
 #include <optional>
 #include <set>

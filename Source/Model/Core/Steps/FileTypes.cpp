@@ -1,4 +1,4 @@
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/Steps/StepContext.h"
 #include "Model/Services/OZStdIO.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Model/Core/RunContext.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <cstdint>
 #include <string_view>

@@ -1,8 +1,8 @@
 #include "Model/Items/Deletable/OZDeletableItem.h"
 
-#include "Categories/NSFileManagerAdditions.h"
-#include "Categories/NSStringByteFormatter.h"
-#include "Platform/Device.h"
+#include "Categories/ByteText.h"
+#include "Categories/Files.h"
+#include "Platform/Device/Device.h"
 
 OZDeletableItem::OZDeletableItem(platform::Device& device, std::vector<std::string> paths,
                                  std::string identifier)

@@ -1,7 +1,7 @@
 #include "Model/Items/Deletable/OZSortedItemList.h"
 
-#include "Categories/NSStringFolding.h"
-#include "Platform/Error.h"
+#include "Categories/TextFolding.h"
+#include "Platform/Files/Error.h"
 
 #include <algorithm>
 

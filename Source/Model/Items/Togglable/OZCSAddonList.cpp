@@ -1,8 +1,8 @@
 #include "Model/Items/Togglable/OZCSAddonList.h"
 
 #include "Model/Items/Togglable/OZCSAddon.h"
-#include "Platform/Device.h"
-#include "Platform/PathExtension.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Files/PathExtension.h"
 
 #include <algorithm>
 

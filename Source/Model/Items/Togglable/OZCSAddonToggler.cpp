@@ -4,7 +4,7 @@
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Packages/OZPackage.h"
 #include "Model/Packages/OZPackageWorkspace.h"
-#include "Platform/UserDefaults.h"
+#include "Platform/Device/UserDefaults.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "Model/Items/Togglable/OZPreferenceBundle.h"
 
-#include "Categories/NSURLPath.h"
+#include "Categories/FileURLs.h"
 #include "Model/Apps/InstalledApps.h"
-#include "Platform/Device.h"
-#include "Platform/PathExtension.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Files/PathExtension.h"
 
 #include <limits>
 

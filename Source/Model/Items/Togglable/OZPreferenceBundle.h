@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Model/Items/Togglable/OZTogglablePkgFile.h"
-#include "Platform/PropertyList.h"
+#include "Platform/Formats/PropertyList.h"
 
 #include <optional>
 #include <string>

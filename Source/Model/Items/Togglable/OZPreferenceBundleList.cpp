@@ -2,8 +2,8 @@
 
 #include "Model/Items/Togglable/OZPreferenceBundle.h"
 #include "Model/Items/Togglable/OZPreferenceBundleGroup.h"
-#include "Platform/Device.h"
-#include "Platform/PathExtension.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Files/PathExtension.h"
 
 #include <set>
 

@@ -1,6 +1,6 @@
 #include "Model/Items/Togglable/OZTogglableFile.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <fmt/format.h>
 

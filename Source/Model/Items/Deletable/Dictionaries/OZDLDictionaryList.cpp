@@ -1,6 +1,6 @@
 #include "Model/Items/Deletable/Dictionaries/OZDLDictionaryList.h"
 
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "Model/Items/Deletable/Dictionaries/OZDMDictionaryList.h"
 
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 namespace {
 

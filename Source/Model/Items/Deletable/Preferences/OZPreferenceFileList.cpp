@@ -2,8 +2,8 @@
 
 #include "Model/Apps/OZAppList.h"
 #include "Model/Items/Deletable/Preferences/PreferenceFileTables.h"
-#include "Platform/Device.h"
-#include "Platform/PathExtension.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Files/PathExtension.h"
 
 #include <algorithm>
 

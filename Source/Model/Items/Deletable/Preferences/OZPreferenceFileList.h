@@ -2,8 +2,8 @@
 
 #include "Model/Items/Deletable/OZSortedItemList.h"
 #include "Model/Items/Deletable/Preferences/OZPreferenceFile.h"
-#include "Platform/NotificationCenter.h"
-#include "Platform/Queue.h"
+#include "Platform/Threads/NotificationCenter.h"
+#include "Platform/Threads/Queue.h"
 
 #include <atomic>
 #include <functional>
@@ -55,7 +55,9 @@ class OZPreferenceFileList : public OZSortedItemList {
     /// two seconds after the end of the last restart.
     void reloadPrefDaemon();
     /// Null unless a restart runs or has just ended.
-    [[nodiscard]] std::shared_ptr<OZTask> prefDaemonReloadTask() const { return _prefDaemonReloadTask.load(); }
+    [[nodiscard]] std::shared_ptr<OZTask> prefDaemonReloadTask() const {
+        return _prefDaemonReloadTask.load();
+    }
     [[nodiscard]] OZPrefDaemonReloadDelegate* prefDaemonReloadDelegate() const {
         return _prefDaemonReloadDelegate;
     }

@@ -1,7 +1,7 @@
 #include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
 #include "Model/Tasks/OZTask.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 // The restart of the preference daemon: idle, scheduled (a token), running and cooling down (the task is
 // stored), idle. A restart that becomes due while a task is stored is lost.

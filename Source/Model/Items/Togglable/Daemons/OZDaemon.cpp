@@ -1,8 +1,8 @@
 #include "Model/Items/Togglable/Daemons/OZDaemon.h"
 
 #include "Model/Items/Togglable/Daemons/OZOverrideDaemon.h"
-#include "Platform/Device.h"
-#include "Platform/Generations.h"
+#include "Platform/Device/Device.h"
+#include "Platform/Device/Generations.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include "Model/Items/Togglable/Daemons/OZDaemonGroup.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonTable.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 namespace {
 

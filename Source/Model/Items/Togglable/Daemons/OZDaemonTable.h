@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Generations.h"
+#include "Platform/Device/Generations.h"
 
 #include <limits>
 #include <string_view>

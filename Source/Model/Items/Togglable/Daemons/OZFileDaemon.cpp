@@ -1,7 +1,7 @@
 #include "Model/Items/Togglable/Daemons/OZFileDaemon.h"
 
 #include "Model/Items/Togglable/OZTogglableFile.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <fmt/format.h>
 

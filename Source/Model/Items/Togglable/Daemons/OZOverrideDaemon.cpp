@@ -1,8 +1,8 @@
 #include "Model/Items/Togglable/Daemons/OZOverrideDaemon.h"
 
-#include "Categories/NSStringAdditions.h"
+#include "Categories/Text.h"
 #include "Model/Tasks/OZTask.h"
-#include "Platform/Device.h"
+#include "Platform/Device/Device.h"
 
 #include <algorithm>
 

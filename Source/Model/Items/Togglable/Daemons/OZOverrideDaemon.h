@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Categories/OZDeserialize.h"
+#include "Categories/KeyValueText.h"
 #include "Model/Items/Togglable/Daemons/OZFileDaemon.h"
 
 /// A daemon that is switched by an override in the service manager's database, which outlives reboots. The
