@@ -298,6 +298,7 @@ OZModelBuilder& World::builder() {
 }
 
 void World::reopen() {
+    _kept.clear();
     _builder.reset();
     _device.reset();
 }
