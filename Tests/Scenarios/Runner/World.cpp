@@ -5,6 +5,8 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/HostFile.h"
+#include "Tests/Support/Mounts.h"
+#include "Tests/Support/Program.h"
 
 #include <algorithm>
 #include <chrono>
@@ -39,6 +41,11 @@ World::World(Variables loops)
     : variables(std::move(loops))
     , _facts{{"TimeZone", "UTC"}, {"FoundationVersion", 1445.32}, {"Applications", platform::Array{}}} {
     folder.addNotingTool("/usr/bin/killall");
+}
+
+World::~World() {
+    reopen();
+    tests::unmountAll();
 }
 
 double World::foundationVersion() const {
@@ -149,6 +156,10 @@ void World::give(std::string_view line) {
         for (const auto& text : spread(line)) {
             giveBundle(wordsOf(text), kind == "container");
         }
+    } else if (kind == "readonly" || kind == "memory") {
+        const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
+        fs::create_directories(place);
+        kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
     } else if (kind == "set") {
         const std::string name = takeWord(line);
         settings[name] = valueOf(rest());
@@ -297,6 +308,8 @@ platform::Device& World::device() {
             throw std::runtime_error(opened.error());
         }
         _device = std::move(opened.value());
+        _device->warnings().setReceiver(
+            [this](const auto& line) { _output.push_back("& " + escaped(line)); });
     }
     return *_device;
 }
