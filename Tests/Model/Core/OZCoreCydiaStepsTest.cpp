@@ -1,5 +1,5 @@
 #include "Model/Core/CleanupSteps.h"
-#include "Model/Core/ProgramIdentity.h"
+#include "Platform/Device/DeviceNames.h"
 #include "Tests/Support/EngineFixture.h"
 
 #include <gmock/gmock.h>
@@ -45,7 +45,7 @@ TEST(CydiaStep, CleansCachesOfSystemApplicationsByIdentifier) {
                                     {"..", "Parent", "System"},
                                     {"../Preferences", "Elsewhere", "System"},
                                     {"com.saurik.Cydia", "Cydia", "System"},
-                                    {std::string(programIdentifier), "Ozvarine", "System"},
+                                    {std::string(names::programIdentifier), "Ozvarine", "System"},
                                     {"com.apple.one", "Apple", "System"},
                                     {"org.user", "User"},
                                     {"org.hidden", "Hidden", "System", "", {}, {}, false}});
