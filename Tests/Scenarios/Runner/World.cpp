@@ -327,6 +327,7 @@ OZModelBuilder& World::builder() {
 }
 
 void World::reopen() {
+    _kept.clear();
     _builder.reset();
     _device.reset();
 }

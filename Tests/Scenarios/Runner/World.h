@@ -8,11 +8,14 @@
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TreeSnapshot.h"
 
+#include <any>
+#include <map>
 #include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
@@ -63,6 +66,14 @@ class World {
     /// output, errors ("& ") and status ("= ") are said.
     void shell(const std::string& command);
 
+    /// An object of a verb's own type that is kept from one action to the next, made by `make` at first need
+    /// and gone with `reopen`.
+    template <class T, class Make>
+    T& kept(Make make) {
+        std::any& place = _kept[typeid(T)];
+        return place.has_value() ? *std::any_cast<T>(&place) : place.emplace<T>(make());
+    }
+
     Variables variables;
     TemporaryDevice folder;
     /// Settings of steps for runs.
@@ -87,6 +98,7 @@ class World {
     Lines _output;
     tests::TreeSnapshot _before;
     size_t _journalLines = 0;
+    std::map<std::type_index, std::any> _kept;
     std::unique_ptr<platform::Device> _device;
     std::unique_ptr<OZModelBuilder> _builder;
 };
