@@ -6,7 +6,6 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/HostFile.h"
 #include "Tests/Support/Mounts.h"
-#include "Tests/Support/Program.h"
 
 #include <algorithm>
 #include <chrono>
@@ -148,6 +147,10 @@ void World::give(std::string_view line) {
         if (const auto outcome = host(rest()); outcome.status != 0) {
             throw std::runtime_error(outcome.output);
         }
+    } else if (kind == "readonly" || kind == "memory") {
+        const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
+        fs::create_directories(place);
+        kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
     } else if (kind == "needs") {
         if (const auto outcome = host(rest()); outcome.status != 0) {
             throw Skipped("needs " + rest() + "\n" + outcome.output);
@@ -156,10 +159,6 @@ void World::give(std::string_view line) {
         for (const auto& text : spread(line)) {
             giveBundle(wordsOf(text), kind == "container");
         }
-    } else if (kind == "readonly" || kind == "memory") {
-        const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
-        fs::create_directories(place);
-        kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
     } else if (kind == "set") {
         const std::string name = takeWord(line);
         settings[name] = valueOf(rest());

@@ -2,8 +2,8 @@
 
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/Mounts.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <cstdlib>
