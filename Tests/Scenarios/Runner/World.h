@@ -4,17 +4,27 @@
 #include "Model/Core/OZCore.h"
 #include "Platform/Device/Device.h"
 #include "Tests/Scenarios/Runner/Text.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TreeSnapshot.h"
 
+#include <any>
+#include <map>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
 namespace scenarios {
+
+/// What a scenario needs is not there.
+struct Skipped : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 /// A device folder that a scenario's lines make, the program's objects on it, and what became of it.
 class World {
@@ -53,9 +63,16 @@ class World {
     /// snapshot.
     std::set<std::string>& gone() { return _gone; }
     /// Runs a command line of the host in the device folder, with the built programs within reach; its
-    /// output, errors
-    /// ("& ") and status ("= ") are said.
+    /// output, errors ("& ") and status ("= ") are said.
     void shell(const std::string& command);
+
+    /// An object of a verb's own type that is kept from one action to the next, made by `make` at first need
+    /// and gone with `reopen`.
+    template <class T, class Make>
+    T& kept(Make make) {
+        std::any& place = _kept[typeid(T)];
+        return place.has_value() ? *std::any_cast<T>(&place) : place.emplace<T>(make());
+    }
 
     Variables variables;
     TemporaryDevice folder;
@@ -66,7 +83,10 @@ class World {
     void giveItems(std::string_view rest, bool isGone);
     void giveItem(const std::string& path, std::string_view content, bool isGone);
     void giveApp(const Words& words);
+    void giveBundle(const Words& words, bool isContainer);
     void givePackage(std::string_view rest);
+    /// Runs a command line of the host in the device folder, with the built programs within reach.
+    [[nodiscard]] tests::Outcome host(const std::string& command) const;
     /// The paths of a word, one for each value of the loops over paths that it names.
     [[nodiscard]] Words spread(std::string_view word) const;
     [[nodiscard]] double foundationVersion() const;
@@ -78,6 +98,7 @@ class World {
     Lines _output;
     tests::TreeSnapshot _before;
     size_t _journalLines = 0;
+    std::map<std::type_index, std::any> _kept;
     std::unique_ptr<platform::Device> _device;
     std::unique_ptr<OZModelBuilder> _builder;
 };

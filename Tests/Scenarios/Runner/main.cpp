@@ -3,6 +3,7 @@
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Mounts.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -128,6 +129,8 @@ class ScenarioTest : public testing::Test {
             _isOnlyPass = passes.size() == 1;
             try {
                 run(pass);
+            } catch (const Skipped& reason) {
+                GTEST_SKIP() << reason.what();
             } catch (const std::exception& error) {
                 ADD_FAILURE_AT(_file.c_str(), static_cast<int>(_at + 1)) << error.what();
             }
@@ -285,6 +288,8 @@ Verb Verbs::named(std::string_view name) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    // Devices are many and small, and dpkg has each of its files put on the disk.
+    ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(OZ_SCENARIOS)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
