@@ -1,5 +1,6 @@
 #include "Tests/Scenarios/Runner/Text.h"
 
+#include "Platform/Formats/UTF8.h"
 #include "Tests/Support/HostFile.h"
 
 #include <algorithm>
@@ -122,11 +123,12 @@ std::string unescaped(std::string_view text) {
 
 std::string escaped(std::string_view text) {
     std::string shown;
+    const bool isText = platform::isUTF8(text);
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
-        if (character == '\\' || character == '\n') {
-            shown += character == '\n' ? "\\n" : "\\\\";
-        } else if (byte < 0x20 || byte == 0x7f) {
+        if (character == '\\' || character == '\n' || character == '\0') {
+            shown += character == '\n' ? "\\n" : character == '\0' ? "\\0" : "\\\\";
+        } else if (byte < 0x20 || byte == 0x7f || (byte >= 0x80 && !isText)) {
             shown += fmt::format("\\x{:02x}", byte);
         } else {
             shown += character;

@@ -38,7 +38,7 @@ struct Scenario {
 std::string takeWord(std::string_view& line);
 /// What "\n" and the like stand for.
 [[nodiscard]] std::string unescaped(std::string_view text);
-/// The other way round, for what a line cannot show as it stands.
+/// The other way round, for what a line cannot show as it stands, such as bytes that are no UTF-8.
 [[nodiscard]] std::string escaped(std::string_view text);
 
 /// Whether the lines are those that are expected. In an expected line "…" stands for anything, and an

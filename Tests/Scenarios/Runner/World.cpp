@@ -5,6 +5,7 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/HostFile.h"
+#include "Tests/Support/Mounts.h"
 
 #include <algorithm>
 #include <chrono>
@@ -39,6 +40,11 @@ World::World(Variables loops)
     : variables(std::move(loops))
     , _facts{{"TimeZone", "UTC"}, {"FoundationVersion", 1445.32}, {"Applications", platform::Array{}}} {
     folder.addNotingTool("/usr/bin/killall");
+}
+
+World::~World() {
+    reopen();
+    tests::unmountAll();
 }
 
 double World::foundationVersion() const {
@@ -141,6 +147,10 @@ void World::give(std::string_view line) {
         if (const auto outcome = host(rest()); outcome.status != 0) {
             throw std::runtime_error(outcome.output);
         }
+    } else if (kind == "readonly" || kind == "memory") {
+        const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
+        fs::create_directories(place);
+        kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
     } else if (kind == "needs") {
         if (const auto outcome = host(rest()); outcome.status != 0) {
             throw Skipped("needs " + rest() + "\n" + outcome.output);
@@ -297,6 +307,8 @@ platform::Device& World::device() {
             throw std::runtime_error(opened.error());
         }
         _device = std::move(opened.value());
+        _device->warnings().setReceiver(
+            [this](const auto& line) { _output.push_back("& " + escaped(line)); });
     }
     return *_device;
 }
@@ -315,6 +327,7 @@ OZModelBuilder& World::builder() {
 }
 
 void World::reopen() {
+    _kept.clear();
     _builder.reset();
     _device.reset();
 }

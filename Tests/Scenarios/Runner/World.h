@@ -1,17 +1,21 @@
 #pragma once
 
 #include "Model/Builder/OZModelBuilder.h"
+#include "Model/Core/OZCore.h"
 #include "Platform/Device/Device.h"
 #include "Tests/Scenarios/Runner/Text.h"
 #include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TreeSnapshot.h"
 
+#include <any>
+#include <map>
 #include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
@@ -27,6 +31,9 @@ class World {
   public:
     /// What the loops of a scenario have come to, by the name of their variable.
     explicit World(Variables variables);
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+    ~World();
 
     /// Makes what a line gives; throws std::runtime_error for one that nobody understands.
     void give(std::string_view line);
@@ -34,7 +41,8 @@ class World {
     /// value of a loop); they are taken off.
     bool takeConditions(std::string_view& line) const;
 
-    /// The device, opened at first need, and the program's objects on it.
+    /// The device, opened at first need, and the program's objects on it. What it warns of is said, as errors
+    /// are.
     platform::Device& device();
     OZModelBuilder& builder();
     /// Lets go of all objects, as a new start of the program does.
@@ -57,6 +65,14 @@ class World {
     /// Runs a command line of the host in the device folder, with the built programs within reach; its
     /// output, errors ("& ") and status ("= ") are said.
     void shell(const std::string& command);
+
+    /// An object of a verb's own type that is kept from one action to the next, made by `make` at first need
+    /// and gone with `reopen`.
+    template <class T, class Make>
+    T& kept(Make make) {
+        std::any& place = _kept[typeid(T)];
+        return place.has_value() ? *std::any_cast<T>(&place) : place.emplace<T>(make());
+    }
 
     Variables variables;
     TemporaryDevice folder;
@@ -82,6 +98,7 @@ class World {
     Lines _output;
     tests::TreeSnapshot _before;
     size_t _journalLines = 0;
+    std::map<std::type_index, std::any> _kept;
     std::unique_ptr<platform::Device> _device;
     std::unique_ptr<OZModelBuilder> _builder;
 };
@@ -99,6 +116,15 @@ class Verbs {
     Verbs(std::initializer_list<std::pair<const char*, Verb>> verbs);
     /// Throws std::runtime_error for a name that nobody knows.
     static Verb named(std::string_view name);
+};
+
+/// A run of the engine that is no cleanup: "run NAME words", with counters and a log that begin anew.
+using Action = void (*)(World& world, const Words& words, Analyze analyze);
+class Actions {
+  public:
+    Actions(std::initializer_list<std::pair<const char*, Action>> actions);
+    /// Null for a name that nobody knows.
+    static Action named(std::string_view name);
 };
 
 /// The run of cleanup steps that "run STEP…" asks for, with what its lines expect of it. Gives what is wrong,

@@ -2,6 +2,7 @@
 
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Support/Mounts.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -25,6 +26,11 @@ constexpr std::string_view marks = "|&!-+~@=";
 std::map<std::string, Verb, std::less<>>& verbs() {
     static std::map<std::string, Verb, std::less<>> verbs;
     return verbs;
+}
+
+std::map<std::string, Action, std::less<>>& actions() {
+    static std::map<std::string, Action, std::less<>> actions;
+    return actions;
 }
 
 bool isAction(std::string_view line) {
@@ -106,6 +112,12 @@ class ScenarioTest : public testing::Test {
     void TestBody() override {
         if (::geteuid() != 0) {
             GTEST_SKIP() << "needs root, or a user namespace that maps it";
+        }
+        const auto mounts = [](const Line& line) {
+            return line.text.starts_with("readonly ") || line.text.starts_with("memory ");
+        };
+        if (std::ranges::any_of(_scenario.lines, mounts) && !tests::hasOwnMounts()) {
+            GTEST_SKIP() << "needs mounts of its own";
         }
         const auto passes = passesOf(_scenario);
         for (const auto& pass : passes) {
@@ -251,6 +263,17 @@ Verbs::Verbs(std::initializer_list<std::pair<const char*, Verb>> named) {
     for (const auto& [name, verb] : named) {
         verbs()[name] = verb;
     }
+}
+
+Actions::Actions(std::initializer_list<std::pair<const char*, Action>> named) {
+    for (const auto& [name, action] : named) {
+        actions()[name] = action;
+    }
+}
+
+Action Actions::named(std::string_view name) {
+    const auto action = actions().find(name);
+    return action == actions().end() ? nullptr : action->second;
 }
 
 Verb Verbs::named(std::string_view name) {
