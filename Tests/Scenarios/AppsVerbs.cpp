@@ -4,9 +4,6 @@
 #include "Model/Apps/OZDeviceInformation.h"
 #include "Model/Apps/OZFontsFolderMover.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/Mounts.h"
-
-#include <algorithm>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -58,9 +55,6 @@ void installed(World& world, const Words& /*words*/) {
         for (const auto& app : list.appList({.typeMask = type})) {
             world.print(described(app.get()));
         }
-    }
-    if (!list.isComplete()) {
-        world.say("incomplete");
     }
 }
 
@@ -177,28 +171,6 @@ void fonts(World& world, const Words& words) {
         mover.currentFolderPath().value_or("nowhere"), mover.folderSize(), mover.humanReadableFolderSize()));
 }
 
-/// "> mounted COMMAND verb words": the same with mounts that a command line of the host makes for it alone.
-void mounted(World& world, const Words& words) {
-    const auto told = tests::inMountNamespace([&]() -> std::string {
-        try {
-            world.give("host " + words.at(0));
-            world.reopen();
-            world.takeEffects();
-            Verbs::named(words.at(1))(world, {words.begin() + 2, words.end()});
-            Lines lines = world.takeOutput();
-            std::ranges::copy(world.takeEffects(), std::back_inserter(lines));
-            return fmt::format("{}", fmt::join(lines, "\n"));
-        } catch (const std::exception& error) {
-            // This is another process, which must not go on with the tests.
-            return error.what();
-        }
-    });
-    if (!told) {
-        throw Skipped("needs the right to make a mount namespace");
-    }
-    world.print(*told);
-}
-
 const Verbs verbs{{"apps", apps},
                   {"installed", installed},
                   {"record", record},
@@ -207,8 +179,7 @@ const Verbs verbs{{"apps", apps},
                   {"excluded-paths", excludedPaths},
                   {"app-folders", appFolders},
                   {"model", model},
-                  {"fonts", fonts},
-                  {"mounted", mounted}};
+                  {"fonts", fonts}};
 
 } // namespace
 
