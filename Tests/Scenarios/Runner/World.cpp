@@ -228,8 +228,8 @@ void World::giveApp(const Words& words) {
         const size_t equals = std::min(value.find('='), value.size());
         if (words[at] == "at") {
             bundle = value;
-        } else if (words[at] == "container") {
-            info["Container"] = value;
+        } else if (words[at] == "container" || words[at] == "in") {
+            info[words[at] == "in" ? "BundleContainer" : "Container"] = value;
         } else if (words[at] == "group" || words[at] == "plugin") {
             Value& containers = info[words[at] == "group" ? "GroupDataContainers" : "PluginDataContainers"];
             (*containers.as<Dictionary>())[value.substr(0, equals)] = value.substr(equals + 1);
