@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/Core/FoundPaths.h"
 #include "Platform/Files/FileManager.h"
 #include "Platform/Threads/BackgroundWork.h"
 
@@ -24,7 +25,7 @@ struct ItemLook {
 class ItemLooks {
   public:
     /// Begins with the names that are found already.
-    ItemLooks(const platform::FileManager& fileManager, const platform::FoundPaths& found);
+    ItemLooks(const platform::FileManager& fileManager, const FoundPaths& found);
 
     /// One more name below the folder.
     void add(std::string_view name);

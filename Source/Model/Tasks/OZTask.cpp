@@ -138,7 +138,7 @@ OZTask::OZTask(platform::Device& device, std::string_view launchPath, std::vecto
     if (!launchPath.starts_with('/')) {
         throw platform::Exception(platform::invalidArgumentException, "[OZTask: invalid launch path]");
     }
-    _argv.insert(_argv.begin(), _launchPath.substr(_launchPath.rfind('/') + 1));
+    _argv.insert(_argv.begin(), std::string(platform::lastPathComponent(_launchPath)));
 }
 
 OZTask::~OZTask() = default;

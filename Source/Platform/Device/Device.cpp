@@ -101,7 +101,7 @@ Device::Device(FileManager fileManager, DeviceFacts facts, ToolTable tools)
     , _tools(std::move(tools))
     , _volumes(_fileManager, _facts.volumes)
     , _standardUserDefaults(_fileManager, _notificationCenter, _warnings,
-                            std::string(names::programPreferences))
+                            std::string(devicename::programPreferences))
     , _sleep(sleepForReal)
     , _highPriorityQueue(Queue::concurrent("high", queueThreads))
     , _backgroundQueue(Queue::concurrent("background", queueThreads)) {}

@@ -3,6 +3,7 @@
 #include "Platform/Formats/PropertyListCheck.h"
 #include "Platform/Formats/PropertyListTextFormat.h"
 #include "Platform/Formats/TextScanner.h"
+#include "Platform/Formats/UTF8.h"
 
 #include <algorithm>
 #include <bit>
@@ -248,7 +249,7 @@ std::optional<Value> valueOfList(std::string_view bytes) {
 std::string writableText(const std::string& text) {
     OZ_REQUIRE(text.find('\0') == text.npos);
     std::string valid = text;
-    if (!isUtf8(text)) {
+    if (!isUTF8(text)) {
         valid.clear();
         icu::UnicodeString::fromUTF8(text).toUTF8String(valid);
     }

@@ -45,7 +45,7 @@ TEST(CydiaStep, CleansCachesOfSystemApplicationsByIdentifier) {
                                     {"..", "Parent", "System"},
                                     {"../Preferences", "Elsewhere", "System"},
                                     {"com.saurik.Cydia", "Cydia", "System"},
-                                    {std::string(names::programIdentifier), "Ozvarine", "System"},
+                                    {std::string(devicename::programIdentifier), "Ozvarine", "System"},
                                     {"com.apple.one", "Apple", "System"},
                                     {"org.user", "User"},
                                     {"org.hidden", "Hidden", "System", "", {}, {}, false}});
