@@ -2,6 +2,7 @@
 #include "Model/Core/ItemLooks.h"
 #include "Model/Core/RunRecord.h"
 #include "Model/Core/SizeSum.h"
+#include "Platform/Device/Device.h"
 #include "Platform/Threads/BackgroundWork.h"
 
 #include <functional>
@@ -50,7 +51,7 @@ void CleanupRun::del(const Paths& paths) {
 
 void CleanupRun::del(const FoundPaths& found) {
     if (_mode == OZCoreMode::analyze) {
-        ItemLooks looks(_files, found);
+        ItemLooks looks(_device.backgroundQueue(), _files, found);
         countLooks(looks, [](const ItemLook& look) { return look.type == FileType::regular; });
         return;
     }
@@ -69,7 +70,7 @@ void CleanupRun::delr(const FoundPaths& found) {
 // gets another name.
 template <class List>
 void CleanupRun::delrEach(const List& list) {
-    SizeSum sizes;
+    SizeSum sizes(_device.backgroundQueue());
     forEachItem(list, whereFound([&](const Item& item, auto path) {
                     delrItem(item, path, sizes);
                     if (_mode == OZCoreMode::test) {
@@ -81,8 +82,8 @@ void CleanupRun::delrEach(const List& list) {
 
 // Entries of one folder lie beside each other: one goes while the next is counted.
 void CleanupRun::delrEntries(const FoundPaths& entries) {
-    platform::BackgroundWork removals;
-    SizeSum sizes;
+    platform::BackgroundWork removals(_device.backgroundQueue());
+    SizeSum sizes(_device.backgroundQueue());
     forEachItem(entries,
                 whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes, &removals); }));
     addSize(sizes.total());
@@ -95,7 +96,7 @@ void CleanupRun::quickDel(const Paths& paths) {
 
 void CleanupRun::quickDel(const FoundPaths& found) {
     if (_mode == OZCoreMode::analyze) {
-        ItemLooks looks(_files, found);
+        ItemLooks looks(_device.backgroundQueue(), _files, found);
         countLooks(looks);
         return;
     }
@@ -111,7 +112,7 @@ void CleanupRun::quickDelFound(const std::vector<std::string>& arguments) {
     search({arguments.front()}, {arguments.begin() + 1, arguments.end()},
            [&](const FoundPaths& home, std::string_view name) {
                if (!looks) {
-                   looks.emplace(_files, home);
+                   looks.emplace(_device.backgroundQueue(), _files, home);
                }
                looks->add(name);
            });
