@@ -37,6 +37,21 @@ bool standsForManyLines(std::string_view expected) {
     return expected.size() == anything.size() + 2 && expected.ends_with(anything);
 }
 
+/// Behind the bracket that closes the first one; quotes hide brackets.
+size_t endOfDictionary(std::string_view text) {
+    bool isQuoted = false;
+    int depth = 0;
+    for (size_t at = 0; at < text.size(); ++at) {
+        isQuoted = isQuoted != (text[at] == '"');
+        depth += isQuoted ? 0 : text[at] == '{' ? 1 : text[at] == '}' ? -1 : 0;
+        at += text[at] == '\\' ? 1 : 0;
+        if (depth == 0) {
+            return at + 1;
+        }
+    }
+    return text.size();
+}
+
 using Place = Lines::const_iterator;
 
 bool matchesFrom(Place expected, Place expectedEnd, Place actual, Place actualEnd) {
@@ -133,7 +148,8 @@ std::string takeWord(std::string_view& line) {
         word = unescaped(line.substr(1, end - 1));
         line.remove_prefix(std::min(end + 1, line.size()));
     } else {
-        const size_t end = std::min(line.find(' '), line.size());
+        const size_t end =
+            line.starts_with('{') ? endOfDictionary(line) : std::min(line.find(' '), line.size());
         word = line.substr(0, end);
         line.remove_prefix(end);
     }

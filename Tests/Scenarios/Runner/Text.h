@@ -30,7 +30,7 @@ struct Scenario {
 [[nodiscard]] std::vector<Scenario> scenariosOf(const std::string& file);
 
 /// The words of a line; a word in double quotes may hold blanks and "\n", "\t", "\r", "\\", "\"", "\0" and
-/// "\xNN".
+/// "\xNN". A dictionary in braces is one word as it stands.
 [[nodiscard]] Words wordsOf(std::string_view line);
 /// The text with "$NAME" and "${NAME}" replaced; a "$" before no known name stands for itself.
 [[nodiscard]] std::string expanded(std::string_view text, const Variables& variables);
