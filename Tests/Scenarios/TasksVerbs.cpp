@@ -38,7 +38,7 @@ void tool(World& world, const Words& words) {
 }
 
 /// The same for "find", sorted: folders have no order.
-void find(World& world, const Words& words) {
+void search(World& world, const Words& words) {
     Words all = {"/usr/bin/find"};
     all.insert(all.end(), words.begin(), words.end());
     tool(world, all);
@@ -101,7 +101,7 @@ void act(World& world, const Words& words) {
     actions.performAction(static_cast<OZDeviceAction>(std::stoi(words.at(0))));
 }
 
-const Verbs verbs{{"tool", tool},   {"find", find},          {"only", only}, {"environment", environment},
+const Verbs verbs{{"tool", tool},   {"search", search},      {"only", only}, {"environment", environment},
                   {"where", where}, {"cd", changeDirectory}, {"kill", kill}, {"act", act}};
 
 } // namespace
