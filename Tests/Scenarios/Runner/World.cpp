@@ -40,6 +40,7 @@ World::World(Variables loops)
     : variables(std::move(loops))
     , _facts{{"TimeZone", "UTC"}, {"FoundationVersion", 1445.32}, {"Applications", platform::Array{}}} {
     folder.addNotingTool("/usr/bin/killall");
+    variables["DEVICE"] = folder.folder().string();
 }
 
 World::~World() {
