@@ -1,5 +1,5 @@
-#include "Model/Core/ProgramIdentity.h"
 #include "Platform/Device/Bundle.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <regex>
 
