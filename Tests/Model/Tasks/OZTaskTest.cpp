@@ -5,8 +5,10 @@
 #include "Platform/Files/Error.h"
 #include "Tests/Support/TemporaryDevice.h"
 
+#include <chrono>
 #include <csignal>
 #include <fstream>
+#include <thread>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -104,6 +106,19 @@ TEST_F(OZTaskTest, announcesEveryEndOnTheMainQueueAndStaysAliveUntilThen) {
     EXPECT_EQ(announced, "") << "posted within the call";
     EXPECT_EQ(device.device().mainQueue().runPending(), 1U);
     EXPECT_EQ(announced, "/bin/none ");
+}
+
+TEST_F(OZTaskTest, isFreedAtItsEndWhereNobodyObserves) {
+    for (const bool waits : {true, false}) {
+        auto task = make("true");
+        const std::weak_ptr<OZTask> ended = task;
+        EXPECT_TRUE(waits ? task->launchSynchronously() : task->launchAsynchronously());
+        task.reset();
+        for (int tries = 0; tries < 6000 && !waits && !ended.expired(); ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        EXPECT_TRUE(ended.expired()) << waits;
+    }
 }
 
 TEST_F(OZTaskTest, givesTheChildUsualSignalsTheDeviceAndNoDescriptors) {

@@ -126,10 +126,11 @@ void World::give(std::string_view line) {
         giveApp(wordsOf(rest()));
     } else if (kind == "gone" || kind == "kept" || kind == "file") {
         giveItems(line, kind == "gone");
-    } else if (kind == "plist") {
+    } else if (kind == "plist" || kind == "bplist") {
         const std::string path = expanded(takeWord(line), variables);
-        giveItem(path, platform::serializePropertyList(valueOf(rest()), platform::PropertyListFormat::xml),
-                 false);
+        const auto format =
+            kind == "plist" ? platform::PropertyListFormat::xml : platform::PropertyListFormat::binary;
+        giveItem(path, platform::serializePropertyList(valueOf(rest()), format), false);
     } else if (kind == "sqlite") {
         const std::string path = expanded(takeWord(line), variables);
         giveItem(path, "", false);
