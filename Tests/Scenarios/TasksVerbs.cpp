@@ -37,15 +37,13 @@ void tool(World& world, const Words& words) {
     }
 }
 
-/// The same for "find", sorted: folders have no order.
-void search(World& world, const Words& words) {
-    Words all = {"/usr/bin/find"};
-    all.insert(all.end(), words.begin(), words.end());
-    tool(world, all);
+/// "> sorted verb words": what that says, for folders, which have no order.
+void sorted(World& world, const Words& words) {
+    Verbs::named(words.at(0))(world, {words.begin() + 1, words.end()});
     Lines lines = world.takeOutput();
     std::ranges::sort(lines);
     for (const auto& line : lines) {
-        world.say(line.substr(std::min<size_t>(2, line.size())));
+        world.say(line.substr(2));
     }
 }
 
@@ -101,7 +99,7 @@ void act(World& world, const Words& words) {
     actions.performAction(static_cast<OZDeviceAction>(std::stoi(words.at(0))));
 }
 
-const Verbs verbs{{"tool", tool},   {"search", search},      {"only", only}, {"environment", environment},
+const Verbs verbs{{"tool", tool},   {"sorted", sorted},      {"only", only}, {"environment", environment},
                   {"where", where}, {"cd", changeDirectory}, {"kill", kill}, {"act", act}};
 
 } // namespace
