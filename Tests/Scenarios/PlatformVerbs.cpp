@@ -1,11 +1,15 @@
 // What scenarios can do with paths, files and formats.
 
 #include "Platform/Formats/PropertyList.h"
+#include "Platform/Formats/StringsFile.h"
+#include "Tests/Platform/PropertyListTexts.h"
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/HostFile.h"
 
 #include <algorithm>
+#include <array>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <ranges>
@@ -23,6 +27,7 @@ namespace scenarios {
 namespace {
 
 using namespace platform;
+namespace fs = std::filesystem;
 
 /// A file's content as it stands, a property list's as one value.
 void show(World& world, const Words& words) {
@@ -45,10 +50,10 @@ void sayAnswers(World& world, const Words& subjects,
     const std::string& first = answers.at(0).second;
     if (std::ranges::any_of(answers, [&](const auto& answer) { return answer.second != first; })) {
         for (const auto& [subject, answer] : answers) {
-            world.say(escaped(subject + ": " + answer));
+            world.say(escaped(subject) + ": " + answer);
         }
     } else if (first != "ok") {
-        world.say(escaped(first));
+        world.say(first);
     }
 }
 
@@ -243,9 +248,8 @@ void onPaths(World& world, const Words& words, size_t handle, decltype(act)* act
             answers.push_back(actOn(handles[handle], std::string(name.substr(0, equals)), path,
                                     std::string(name.substr(std::min(equals + 1, name.size())))));
         }
-        const bool agree =
-            std::ranges::equal(answers | std::views::drop(1), answers | std::views::take(answers.size() - 1));
-        return agree ? answers[0] : fmt::format("{}", fmt::join(answers, ", "));
+        const bool agree = std::ranges::adjacent_find(answers, std::not_equal_to()) == answers.end();
+        return escaped(agree ? answers[0] : fmt::format("{}", fmt::join(answers, ", ")));
     });
 }
 
@@ -317,6 +321,112 @@ void generations(World& world, const Words& words) {
     });
 }
 
+/// What stored choices say of a key.
+std::string choiceAt(const UserDefaults& values, const std::string& key) {
+    const auto object = values.objectForKey(key);
+    return (object ? scenarios::textOf(*object) : "none") + (values.stringForKey(key) ? " as string" : "") +
+           (values.arrayForKey(key) ? " as array" : "") +
+           (values.dictionaryForKey(key) ? " as dictionary" : "");
+}
+
+/// The stored choices of a process: "defaults one set {…}", "… remove a", "… get a b", "… true a b" (which of
+/// them are), "… save".
+void defaults(World& world, const Words& words) {
+    world.device();
+    using Processes = std::map<std::string, std::shared_ptr<Device>>;
+    auto& device = world.kept<Processes>([] { return Processes(); })[words.at(0)];
+    if (!device) {
+        device = Device::open(world.folder.folder()).value();
+        device->warnings().setReceiver([&world](const auto& line) { world.sayWarning(line); });
+    }
+    UserDefaults& values = device->standardUserDefaults();
+    const Words keys(words.begin() + 2, words.end());
+    if (words.at(1) == "get") {
+        sayAnswers(world, keys, [&](const auto& key) { return choiceAt(values, key); });
+    } else if (words[1] == "true") {
+        const auto isTrue = [&](const auto& key) { return values.boolForKey(key); };
+        world.say(fmt::format("{}", fmt::join(keys | std::views::filter(isTrue), " ")));
+    } else if (words[1] == "save") {
+        sayAnswers(world, {""}, [&](const auto&) { return answerOf(values.synchronize()); });
+    } else if (words[1] == "remove") {
+        values.removeObjectForKey(keys.at(0));
+    } else {
+        const Value given = valueOf(keys.at(0));
+        if (words[1] == "register") {
+            return values.registerDefaults(*given.as<Dictionary>());
+        }
+        for (const auto& [key, value] : *given.as<Dictionary>()) {
+            value.as<bool>() != nullptr ? values.setBool(key, *value.as<bool>())
+                                        : values.setObject(key, value);
+        }
+    }
+}
+
+/// A word that names a file stands for its content.
+std::string textNamed(World& world, const std::string& word) {
+    return word.starts_with('/') && fs::is_regular_file(world.folder.hostPath(word))
+               ? world.folder.contents(word)
+               : word;
+}
+
+std::string parsed(const std::string& bytes) {
+    const auto value = parsePropertyList(bytes);
+    if (!value) {
+        return answerOf(value);
+    }
+    const bool stays = std::ranges::all_of(
+        std::array{PropertyListFormat::xml, PropertyListFormat::binary},
+        [&](auto format) { return parsePropertyList(serializePropertyList(*value, format)) == *value; });
+    return scenarios::textOf(*value) + (stays ? "" : " changes when it is written");
+}
+
+/// The values of property lists.
+void parse(World& world, const Words& words) {
+    sayAnswers(world, words, [&](const auto& word) { return parsed(textNamed(world, word)); });
+}
+
+/// The same, with the XML around them.
+void xml(World& world, const Words& words) {
+    sayAnswers(world, words, [&](const auto& word) { return parsed(tests::xml(textNamed(world, word))); });
+}
+
+/// The pairs of ".strings" files, or the lines that are wrong.
+void strings(World& world, const Words& words) {
+    sayAnswers(world, words, [&](const auto& word) -> std::string {
+        const auto table = parseStringsFile(textNamed(world, word));
+        if (!table) {
+            return fmt::format("line {}{}", table.error().line,
+                               table.error().reason.empty() ? " for no reason" : "");
+        }
+        for (const auto& [key, text] : *table) {
+            world.say(escaped(key + " = " + text));
+        }
+        return "ok";
+    });
+}
+
+/// What a verb says of a text, once where it is the same in all encodings.
+void encoded(World& world, const Words& words) {
+    const std::string text = textNamed(world, words.at(1));
+    std::map<Lines, Words> encodingsBySaid;
+    for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
+        for (const char* mark : {"\uFEFF", ""}) {
+            if (mark[0] != '\0' || !std::string_view(encoding).starts_with("UTF-32")) {
+                Verbs::named(words[0])(world, {tests::encoded(mark + text, encoding)});
+                encodingsBySaid[world.takeOutput()].emplace_back(encoding);
+            }
+        }
+    }
+    for (const auto& [said, encodings] : encodingsBySaid) {
+        if (encodingsBySaid.size() > 1) {
+            world.say(fmt::format("{}:", fmt::join(encodings, ", ")));
+        }
+        for (const auto& line : said) {
+            world.say(line.substr(2));
+        }
+    }
+}
+
 const Verbs verbs{
     {"show", show},
     {"reopen", reopen},
@@ -325,6 +435,11 @@ const Verbs verbs{
     {"items", [](World& world, const Words& words) { onPaths(world, words, 0, actOnItem); }},
     {"other-items", [](World& world, const Words& words) { onPaths(world, words, 1, actOnItem); }},
     {"as", as},
+    {"defaults", defaults},
+    {"parse", parse},
+    {"xml", xml},
+    {"strings", strings},
+    {"encoded", encoded},
     {"tools", tools},
     {"facts", facts},
     {"generations", generations}};

@@ -309,8 +309,7 @@ platform::Device& World::device() {
             throw std::runtime_error(opened.error());
         }
         _device = std::move(opened.value());
-        _device->warnings().setReceiver(
-            [this](const auto& line) { _output.push_back("& " + escaped(line)); });
+        _device->warnings().setReceiver([this](const auto& line) { sayWarning(line); });
     }
     return *_device;
 }
@@ -336,6 +335,10 @@ void World::reopen() {
 
 void World::say(std::string_view line) {
     _output.push_back(line.empty() ? "|" : "| " + std::string(line));
+}
+
+void World::sayWarning(std::string_view line) {
+    _output.push_back("& " + escaped(line));
 }
 
 void World::print(std::string_view lines) {

@@ -50,6 +50,7 @@ class World {
 
     /// A line of what an action says. `print` takes many, one text.
     void say(std::string_view line);
+    void sayWarning(std::string_view line);
     void print(std::string_view lines);
     Lines takeOutput() { return std::exchange(_output, {}); }
 
