@@ -77,6 +77,8 @@ class World {
 
     Variables variables;
     TemporaryDevice folder;
+    /// What a verb keeps beside the program's own objects, such as a terminal that another program is at.
+    std::shared_ptr<void> companion;
     /// Settings of steps for runs.
     platform::Dictionary settings;
 
