@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <ranges>
 
 #include <fmt/format.h>
@@ -44,9 +43,7 @@ void perform(World& world, const Words& words, Analyze /*analyze*/) {
 
 /// Each word is a path below the top that a search has found.
 void quickDelFound(World& world, const Words& words, Analyze /*analyze*/) {
-    auto& run = runOf(world);
-    run.quickDel(platform::FoundPaths{
-        .folder = run.tree().directEntries("/").value().folder, .prefix = "/", .names = words});
+    runOf(world).quickDel(runOf(world).tree().directEntries("/")->withNames(words));
 }
 
 /// The words are those of a search.
@@ -259,12 +256,12 @@ void backup(World& world, const Words& words) {
 /// An engine with the languages of "Resources" in the device folder, or with the program's, does one thing
 /// after the other: table=TEXT, use=NAME, choose=NAME,NAME, "inUse=NAME NAME", list, forms, codes, analysis,
 /// test, clean, restore.
-void languages(World& world, const Words& words) {
+void chosen(World& world, const Words& words) {
     const auto resources = world.folder.folder() / "Resources";
-    const auto bundle = std::filesystem::exists(resources) ? std::make_unique<platform::Bundle>(resources)
-                                                           : std::make_unique<platform::Bundle>();
+    const platform::Bundle bundle(std::filesystem::exists(resources) ? resources
+                                                                     : platform::Bundle().directory());
     auto& device = world.device();
-    OZLocalizationManager manager(device, device.standardUserDefaults(), *bundle);
+    OZLocalizationManager manager(device, device.standardUserDefaults(), bundle);
     OZCore core(device, world.builder().appList(), manager);
     core.setCleanupLogger(world.builder().cleanupLogger());
     const auto list = [&](const Lines& names) {
@@ -357,18 +354,10 @@ void speak(World& world, const Words& words) {
     world.builder().localizationManager().setUserLanguage(words.at(0));
 }
 
-/// Stores all choices.
-void save(World& world, const Words& /*words*/) {
-    if (world.builder().core(); !world.device().standardUserDefaults().synchronize()) {
-        world.say("not stored");
-    }
-}
-
 const Verbs verbs{{"shown", shown},
                   {"withoutTools", withoutTools},
                   {"custom", custom},
                   {"find", find},
-                  {"save", save},
                   {"choices", choices},
                   {"attachments", attachments},
                   {"types", types},
@@ -378,9 +367,9 @@ const Verbs verbs{{"shown", shown},
                   {"reset", reset},
                   {"log", log},
                   {"hostLog", hostLog},
-                  {"restore", backup<BackupAction::restore>},
-                  {"purge", backup<BackupAction::remove>},
-                  {"languages", languages}};
+                  {"restoreBackups", backup<BackupAction::restore>},
+                  {"removeBackups", backup<BackupAction::remove>},
+                  {"chosen", chosen}};
 
 } // namespace
 
