@@ -85,6 +85,8 @@ class World {
   private:
     void giveItems(std::string_view rest, bool isGone);
     void giveItem(const std::string& path, std::string_view content, bool isGone);
+    /// Takes all that is in a folder by now for gone.
+    void markContent(const std::string& folderPath);
     void giveApp(const Words& words);
     void giveBundle(const Words& words, bool isContainer);
     void givePackage(std::string_view rest);

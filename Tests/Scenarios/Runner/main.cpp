@@ -90,9 +90,15 @@ std::vector<Variables> passesOf(const Scenario& scenario) {
         }
         passes = next;
     };
+    Variables texts;
     for (const auto& [number, text] : scenario.lines) {
-        if (text.starts_with("for ")) {
-            Words words = wordsOf(text);
+        if (text.starts_with("let ")) {
+            std::string_view rest = std::string_view(text).substr(4);
+            const std::string name = takeWord(rest);
+            takeWord(rest);
+            texts[name] = rest;
+        } else if (text.starts_with("for ")) {
+            Words words = wordsOf(expanded(text, texts));
             spread(words.at(1), {words.begin() + 3, words.end()});
         } else if (text.starts_with("run ") && text.ends_with(" in all modes") &&
                    !passes[0].contains("mode")) {
