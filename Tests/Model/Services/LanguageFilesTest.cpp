@@ -11,7 +11,7 @@ using platform::Bundle;
 using Words = std::vector<std::string>;
 
 TEST(LanguageFiles, StandBesideTheProgramsDescription) {
-    EXPECT_EQ(Bundle().bundleIdentifier(), programIdentifier);
+    EXPECT_EQ(Bundle().bundleIdentifier(), devicename::programIdentifier);
     EXPECT_THAT(Bundle().infoString("CFBundleShortVersionString"),
                 testing::Optional(testing::MatchesRegex("[0-9.]+")));
     EXPECT_EQ(Bundle("/nowhere").bundleIdentifier(), "");
