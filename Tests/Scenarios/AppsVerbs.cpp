@@ -82,8 +82,8 @@ void record(World& world, const Words& words) {
     world.print(described(OZApp::make(type, *valueOf(words.at(1)).as<platform::Dictionary>()).get()));
 }
 
-/// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded, and from
-/// what.
+/// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded from
+/// what, and what is stored of that.
 void exclude(World& world, const Words& words) {
     OZAppList& list = world.builder().appList();
     if (words.size() == 3) {
@@ -101,14 +101,10 @@ void exclude(World& world, const Words& words) {
             texts.push_back(fmt::format("{}={}{}", identifier, mask, fromLanguages ? "=languages" : ""));
         }
     }
-    sayAll(world, texts);
-}
-
-/// What would be stored of the exclusions.
-void storedExclusions(World& world, const Words& /*words*/) {
-    world.builder().appList().writeDefaults();
+    list.writeDefaults();
     const auto stored = world.device().standardUserDefaults().objectForKey("excludedApps");
-    world.say(stored ? textOf(*stored) : "nothing");
+    texts.push_back(stored ? textOf(*stored) : "nothing");
+    sayAll(world, texts);
 }
 
 void excludedPaths(World& world, const Words& words) {
@@ -119,38 +115,37 @@ void excludedPaths(World& world, const Words& words) {
 
 /// The directories of user, system, groups, system groups and plug-ins: bundles before data.
 void appFolders(World& world, const Words& /*words*/) {
-    using Folder = std::optional<std::string> (OZAppList::*)() const;
-    for (const Folder folder :
-         {&OZAppList::userAppBundleContainerDir, &OZAppList::userAppDataContainerDir,
-          &OZAppList::systemAppBundleContainerDir, &OZAppList::systemAppDataContainerDir,
-          &OZAppList::userGroupDataContainerDir, &OZAppList::systemGroupDataContainerDir,
-          &OZAppList::pluginDataContainerDir}) {
-        world.say((world.builder().appList().*folder)().value_or("none"));
+    const OZAppList& list = world.builder().appList();
+    Words folders;
+    for (const auto& folder : {list.userAppBundleContainerDir(), list.userAppDataContainerDir(),
+                               list.systemAppBundleContainerDir(), list.systemAppDataContainerDir(),
+                               list.userGroupDataContainerDir(), list.systemGroupDataContainerDir(),
+                               list.pluginDataContainerDir()}) {
+        folders.push_back(folder.value_or("none"));
     }
+    sayAll(world, folders);
 }
 
-/// What models tell; without words, how many of all conceivable ones tell what.
-void model(World& world, const Words& words) {
-    const auto told = [](const std::string& name) {
-        const OZDeviceInformation device(name);
+/// How many of the models tell what; without words, of all conceivable ones.
+void models(World& world, Words words) {
+    for (int place = words.empty() ? 0 : 1200; place < 1200; ++place) {
+        constexpr const char* families[] = {"iPad", "iPhone", "iPod"};
+        words.push_back(fmt::format("{}{},{}", families[place / 400], place / 20 % 20, place % 20));
+    }
+    std::map<std::string, int> counts;
+    for (const auto& word : words) {
+        const OZDeviceInformation device(word);
         std::string text = device.isKnownDevice() ? "known" : "unknown";
         for (const auto& [label, answer] : {std::pair("iPad", device.isiPad()),
                                             {"4inch", device.is4inchDevice()},
                                             {"1x", device.isNonRetinaDevice()},
                                             {"2x", device.isRetina2xDevice()},
                                             {"3x", device.isRetina3xDevice()}}) {
-            constexpr const char* marks[] = {"", " {}", " {}?"};
-            text += fmt::format(fmt::runtime(marks[static_cast<unsigned>(answer)]), label);
+            text += answer == OZTriState::no
+                        ? ""
+                        : fmt::format(" {}{}", label, answer == OZTriState::yes ? "" : "?");
         }
-        return text;
-    };
-    for (const auto& word : words) {
-        world.say(told(word));
-    }
-    std::map<std::string, int> counts;
-    for (int place = words.empty() ? 0 : 1200; place < 1200; ++place) {
-        constexpr const char* families[] = {"iPad", "iPhone", "iPod"};
-        ++counts[told(fmt::format("{}{},{}", families[place / 400], place / 20 % 20, place % 20))];
+        ++counts[text];
     }
     for (const auto& [text, count] : counts) {
         world.say(fmt::format("{} {}", count, text));
@@ -175,10 +170,9 @@ const Verbs verbs{{"apps", apps},
                   {"installed", installed},
                   {"record", record},
                   {"exclude", exclude},
-                  {"stored-exclusions", storedExclusions},
                   {"excluded-paths", excludedPaths},
                   {"app-folders", appFolders},
-                  {"model", model},
+                  {"models", [](World& world, const Words& words) { models(world, words); }},
                   {"fonts", fonts}};
 
 } // namespace
