@@ -12,17 +12,14 @@ namespace scenarios {
 
 namespace {
 
+constexpr std::pair<std::string_view, unsigned> bits[] = {
+    {"system", 1}, {"user", 2}, {"noapple", 1}, {"icon", 2}, {"cleanup", 1}, {"images", 2}, {"languages", 4}};
+
 /// The bits that a text such as "user+system" names.
 template <class Mask>
 Mask maskOf(std::string_view text) {
     unsigned mask = 0;
-    for (const auto& [name, bit] : {std::pair("system", 1U),
-                                    {"user", 2U},
-                                    {"noapple", 1U},
-                                    {"icon", 2U},
-                                    {"cleanup", 1U},
-                                    {"images", 2U},
-                                    {"languages", 4U}}) {
+    for (const auto& [name, bit] : bits) {
         mask |= text.contains(name) ? bit : 0;
     }
     return static_cast<Mask>(mask);
@@ -76,14 +73,16 @@ void apps(World& world, const Words& words) {
     sayAll(world, names, ", ");
 }
 
-/// The application that an info dictionary makes.
+/// The applications that info dictionaries make.
 void record(World& world, const Words& words) {
     const auto type = words.at(0) == "user" ? OZAppType::user : OZAppType::system;
-    world.print(described(OZApp::make(type, *valueOf(words.at(1)).as<platform::Dictionary>()).get()));
+    for (size_t place = 1; place < words.size(); ++place) {
+        world.print(described(OZApp::make(type, *valueOf(words[place]).as<platform::Dictionary>()).get()));
+    }
 }
 
-/// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded from
-/// what, and what is stored of that.
+/// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded, in two ways,
+/// and what is stored of that.
 void exclude(World& world, const Words& words) {
     OZAppList& list = world.builder().appList();
     if (words.size() == 3) {
@@ -94,13 +93,9 @@ void exclude(World& world, const Words& words) {
     }
     Words texts = list.excludedAppsIdentifiers();
     for (const auto& app : list.appList({.typeMask = OZAppTypeMask::all})) {
-        const std::string& identifier = app->identifier();
-        if (list.isAppExcluded(identifier)) {
-            const auto mask = static_cast<unsigned>(list.exclusionMaskForApp(identifier));
-            const bool fromLanguages = list.isAppExcluded(identifier, OZExclusionMask::languages);
-            texts.push_back(fmt::format("{}={}{}", identifier, mask, fromLanguages ? "=languages" : ""));
-        }
+        texts.push_back(list.isAppExcluded(app->identifier()) ? app->displayName() : "");
     }
+    std::erase(texts, "");
     list.writeDefaults();
     const auto stored = world.device().standardUserDefaults().objectForKey("excludedApps");
     texts.push_back(stored ? textOf(*stored) : "nothing");
@@ -136,11 +131,12 @@ void models(World& world, Words words) {
     for (const auto& word : words) {
         const OZDeviceInformation device(word);
         std::string text = device.isKnownDevice() ? "known" : "unknown";
-        for (const auto& [label, answer] : {std::pair("iPad", device.isiPad()),
-                                            {"4inch", device.is4inchDevice()},
-                                            {"1x", device.isNonRetinaDevice()},
-                                            {"2x", device.isRetina2xDevice()},
-                                            {"3x", device.isRetina3xDevice()}}) {
+        const std::pair<const char*, OZTriState> answers[] = {{"iPad", device.isiPad()},
+                                                              {"4inch", device.is4inchDevice()},
+                                                              {"1x", device.isNonRetinaDevice()},
+                                                              {"2x", device.isRetina2xDevice()},
+                                                              {"3x", device.isRetina3xDevice()}};
+        for (const auto& [label, answer] : answers) {
             text += answer == OZTriState::no
                         ? ""
                         : fmt::format(" {}{}", label, answer == OZTriState::yes ? "" : "?");
