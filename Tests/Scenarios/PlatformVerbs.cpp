@@ -432,7 +432,7 @@ const Verbs verbs{
     {"reopen", reopen},
     {"files", [](World& world, const Words& words) { onPaths(world, words, 0, act); }},
     {"other", [](World& world, const Words& words) { onPaths(world, words, 1, act); }},
-    {"items", [](World& world, const Words& words) { onPaths(world, words, 0, actOnItem); }},
+    {"paths", [](World& world, const Words& words) { onPaths(world, words, 0, actOnItem); }},
     {"other-items", [](World& world, const Words& words) { onPaths(world, words, 1, actOnItem); }},
     {"as", as},
     {"defaults", defaults},
