@@ -208,19 +208,6 @@ std::vector<std::string> missing(const std::set<std::string>& from, const std::s
     return paths;
 }
 
-// The tree with every backup at its old name.
-TreeSnapshot withoutBackupNames(const TreeSnapshot& tree) {
-    TreeSnapshot result;
-    for (const auto& [path, state] : tree) {
-        std::string name = path;
-        for (size_t at = 0; (at = name.find(backupExtension)) != std::string::npos;) {
-            name.erase(at, backupExtension.size());
-        }
-        EXPECT_TRUE(result.emplace(name, state).second) << "two items of one name: " << path;
-    }
-    return result;
-}
-
 class Interrupted : public testing::Test {
   protected:
     void SetUp() override {
@@ -289,7 +276,7 @@ TEST_F(Interrupted, ATestRunLosesNothingAndCanBeRepeatedAndRestored) {
         return device;
     };
     interrupt("test run", prepare, cleanup(true), [&](TemporaryDevice& device) {
-        EXPECT_THAT(tests::differences(before, withoutBackupNames(treeOf(device))), IsEmpty());
+        EXPECT_THAT(tests::differences(before, tests::withoutBackupNames(treeOf(device))), IsEmpty());
         repeats = !repeats;
         if (repeats) {
             runInProcess(device, cleanup(true), std::nullopt);
@@ -308,7 +295,7 @@ TEST_F(Interrupted, ARestoreLosesNothingAndTheNextOneCompletesIt) {
         return device;
     };
     interrupt("restore", prepare, restoreAll, [&](TemporaryDevice& device) {
-        EXPECT_THAT(tests::differences(before, withoutBackupNames(treeOf(device))), IsEmpty());
+        EXPECT_THAT(tests::differences(before, tests::withoutBackupNames(treeOf(device))), IsEmpty());
         runInProcess(device, restoreAll, std::nullopt);
         EXPECT_THAT(tests::differences(before, treeOf(device)), IsEmpty());
     });
