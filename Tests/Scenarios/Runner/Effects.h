@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Tests/Scenarios/Runner/Text.h"
+#include "Tests/Support/TreeSnapshot.h"
+
+#include <string_view>
+
+namespace scenarios {
+
+/// Whether a path lies below a folder, at any depth.
+[[nodiscard]] bool isBelow(std::string_view path, std::string_view folder);
+
+/// What became of a tree, as lines with their marks: "- gone", "+ new", "~ changed" and what of it, "@ from
+/// -> to" for what is not a folder and moved. A folder that went stands for all that was in it.
+[[nodiscard]] Lines effectsOn(const tests::TreeSnapshot& before, const tests::TreeSnapshot& after);
+
+} // namespace scenarios

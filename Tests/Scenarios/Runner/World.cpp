@@ -1,0 +1,415 @@
+#include "Tests/Scenarios/Runner/World.h"
+
+#include "Model/Apps/OZAppList.h"
+#include "Platform/Device/DeviceFacts.h"
+#include "Platform/Formats/PropertyList.h"
+#include "Tests/Scenarios/Runner/Effects.h"
+#include "Tests/Support/DemoDevice.h"
+#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Mounts.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include <fmt/format.h>
+#include <sqlite3.h>
+#include <unistd.h>
+
+namespace scenarios {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using platform::Dictionary;
+using platform::Value;
+using tests::TreeSnapshot;
+
+constexpr std::string_view logFolder = "var/mobile/Library/Ozvarine";
+constexpr const char* usualContent = "12345";
+
+void writeHost(const fs::path& path, std::string_view content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+} // namespace
+
+World::World(Variables loops)
+    : variables(std::move(loops))
+    , _facts{{"TimeZone", "UTC"}, {"FoundationVersion", 1445.32}, {"Applications", platform::Array{}}} {
+    folder.addNotingTool("/usr/bin/killall");
+    variables["DEVICE"] = folder.folder().string();
+}
+
+World::~World() {
+    reopen();
+    tests::unmountAll();
+}
+
+double World::foundationVersion() const {
+    return platform::valueAt<double>(_facts, "FoundationVersion") == nullptr
+               ? 0
+               : *platform::valueAt<double>(_facts, "FoundationVersion");
+}
+
+bool World::takeConditions(std::string_view& line) const {
+    bool holds = true;
+    while (line.starts_with('[')) {
+        const size_t end = line.find(']');
+        Words words = wordsOf(expanded(line.substr(1, end - 1), variables));
+        line.remove_prefix(std::min(line.find_first_not_of(' ', end + 1), line.size()));
+        const bool negated = words[0] == "not";
+        words.erase(words.begin(), words.begin() + (negated ? 1 : 0));
+        bool isMet = false;
+        if (words[0] == "from" || words[0] == "below") {
+            const auto named = platform::systemVersionForProductVersion(words[1]);
+            const double bound =
+                named && std::stod(words[1]) < 100 ? named->foundationVersion : std::stod(words[1]);
+            isMet = (foundationVersion() >= bound) == (words[0] == "from");
+        } else {
+            isMet = std::ranges::any_of(variables, [&](const auto& loop) {
+                return std::ranges::find(words, loop.second) != words.end();
+            });
+        }
+        holds = holds && isMet != negated;
+    }
+    return holds;
+}
+
+Words World::spread(std::string_view word) const {
+    Words result = {expanded(word, variables)};
+    for (auto loop = _each.rbegin(); loop != _each.rend(); ++loop) {
+        Words next;
+        for (const auto& text : result) {
+            if (expanded(text, {{loop->first, ""}}) == text) {
+                next.push_back(text);
+                continue;
+            }
+            for (const auto& value : loop->second) {
+                next.push_back(expanded(text, {{loop->first, value}}));
+            }
+        }
+        result = next;
+    }
+    return result;
+}
+
+void World::give(std::string_view line) {
+    if (!takeConditions(line)) {
+        return;
+    }
+    const std::string kind = takeWord(line);
+    const auto rest = [&] { return expanded(line, variables); };
+    if (kind == "let") {
+        const std::string name = takeWord(line);
+        takeWord(line);
+        variables[name] = line;
+    } else if (kind == "each") {
+        const std::string name = takeWord(line);
+        takeWord(line);
+        _each.emplace_back(name, wordsOf(rest()));
+    } else if (kind == "ios") {
+        const auto version = platform::systemVersionForProductVersion(rest());
+        _facts["SystemVersion"] = rest();
+        _facts["FoundationVersion"] = version.value().foundationVersion;
+        _facts["CoreFoundationVersion"] = version.value().coreFoundationVersion;
+    } else if (kind == "foundation") {
+        _facts["FoundationVersion"] = std::stod(rest());
+    } else if (kind == "fact") {
+        const std::string name = takeWord(line);
+        _facts[name] = valueOf(rest());
+    } else if (kind == "no") {
+        _facts.erase(rest());
+    } else if (kind == "demo") {
+        fs::remove_all(folder.folder() / "Tools");
+        tests::copyDemoDevice(folder.folder(), rest().empty() ? "11.1.2" : rest());
+        _facts = *platform::parsePropertyList(tests::contentOf(folder.folder() / "Device.plist"))
+                      .value()
+                      .as<Dictionary>();
+    } else if (kind == "app") {
+        giveApp(wordsOf(rest()));
+    } else if (kind == "gone" || kind == "kept" || kind == "file") {
+        giveItems(line, kind == "gone");
+    } else if (kind == "plist" || kind == "bplist") {
+        const std::string path = expanded(takeWord(line), variables);
+        const auto format =
+            kind == "plist" ? platform::PropertyListFormat::xml : platform::PropertyListFormat::binary;
+        giveItem(path, platform::serializePropertyList(valueOf(rest()), format), false);
+    } else if (kind == "sqlite") {
+        const std::string path = expanded(takeWord(line), variables);
+        giveItem(path, "", false);
+        sqlite3* database = nullptr;
+        if (sqlite3_open(folder.hostPath(path).c_str(), &database) != SQLITE_OK ||
+            sqlite3_exec(database, rest().c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+            throw std::runtime_error(sqlite3_errmsg(database));
+        }
+        sqlite3_close(database);
+    } else if (kind == "tool") {
+        const std::string path = expanded(takeWord(line), variables);
+        line.empty() ? folder.addNotingTool(path) : folder.addTool(path, rest());
+    } else if (kind == "package") {
+        givePackage(rest());
+    } else if (kind == "host") {
+        if (const auto outcome = host(rest()); outcome.status != 0) {
+            throw std::runtime_error(outcome.output);
+        }
+    } else if (kind == "readonly" || kind == "memory") {
+        const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
+        fs::create_directories(place);
+        kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
+    } else if (kind == "needs") {
+        if (const auto outcome = host(rest()); outcome.status != 0) {
+            throw Skipped("needs " + rest() + "\n" + outcome.output);
+        }
+    } else if (kind == "bundle" || kind == "container") {
+        for (const auto& text : spread(line)) {
+            giveBundle(wordsOf(text), kind == "container");
+        }
+    } else if (kind == "set") {
+        const std::string name = takeWord(line);
+        settings[name] = valueOf(rest());
+    } else {
+        throw std::runtime_error("unknown line: " + kind);
+    }
+}
+
+void World::giveItems(std::string_view rest, bool isGone) {
+    const size_t colon = rest.find(": ");
+    const size_t arrow = rest.find(" -> ");
+    if (arrow != std::string_view::npos && arrow < colon) {
+        for (const auto& path : spread(rest.substr(0, arrow))) {
+            folder.addLink(path, expanded(rest.substr(arrow + 4), variables));
+            if (isGone) {
+                _gone.insert(path.substr(1));
+            }
+        }
+    } else if (colon != std::string_view::npos) {
+        for (const auto& path : spread(rest.substr(0, colon))) {
+            giveItem(path, unescaped(expanded(rest.substr(colon + 2), variables)), isGone);
+        }
+    } else {
+        // "~9" at the end: so many days old.
+        Words words = wordsOf(rest);
+        const bool isAged = words.back().starts_with('~');
+        const auto age =
+            std::chrono::minutes(isAged ? std::lround(std::stod(words.back().substr(1)) * 1440) : 0);
+        words.resize(words.size() - (isAged ? 1 : 0));
+        for (const auto& word : words) {
+            for (const auto& path : spread(word)) {
+                if (path.ends_with("/*")) {
+                    markContent(path.substr(0, path.size() - 2));
+                    continue;
+                }
+                giveItem(path, usualContent, isGone);
+                if (isAged) {
+                    fs::last_write_time(folder.hostPath(path), fs::file_time_type::clock::now() - age);
+                }
+            }
+        }
+    }
+}
+
+void World::markContent(const std::string& folderPath) {
+    for (const auto& entry : fs::directory_iterator(folder.hostPath(folderPath))) {
+        _gone.insert(folderPath.substr(1) + "/" + entry.path().filename().string());
+    }
+}
+
+void World::giveItem(const std::string& path, std::string_view content, bool isGone) {
+    if (!path.starts_with('/')) {
+        throw std::runtime_error("no path: " + path);
+    }
+    const fs::path host = folder.hostPath(path);
+    const bool isFolder = path.ends_with('/');
+    fs::create_directories(host.parent_path());
+    if (!isFolder) {
+        writeHost(host, content);
+    }
+    if (isGone) {
+        _gone.insert(path.substr(1, path.size() - (isFolder ? 2 : 1)));
+    }
+}
+
+void World::giveApp(const Words& words) {
+    const std::string& identifier = words.at(1);
+    std::string bundle = "/Applications/" + identifier + ".app";
+    Dictionary info{{"ApplicationType", words[0] == "user" ? "User" : "System"},
+                    {"CFBundleExecutable", words.at(2)},
+                    {"CFBundleIdentifier", identifier},
+                    {"CFBundleDisplayName", words[2]}};
+    bool hasIcon = true;
+    for (size_t at = 3; at + 1 < words.size(); at += 2) {
+        const std::string& value = words[at + 1];
+        const size_t equals = std::min(value.find('='), value.size());
+        if (words[at] == "at") {
+            bundle = value;
+        } else if (words[at] == "container" || words[at] == "in") {
+            info[words[at] == "in" ? "BundleContainer" : "Container"] = value;
+        } else if (words[at] == "group" || words[at] == "plugin") {
+            Value& containers = info[words[at] == "group" ? "GroupDataContainers" : "PluginDataContainers"];
+            (*containers.as<Dictionary>())[value.substr(0, equals)] = value.substr(equals + 1);
+        } else if (words[at] == "without") {
+            hasIcon = value != "icon";
+        } else if (words[at] == "excluded") {
+            _exclusions.emplace_back(identifier, value);
+        } else {
+            throw std::runtime_error("unknown word of an application: " + words[at]);
+        }
+    }
+    info["Path"] = bundle;
+    if (words[0] == "user") {
+        info.emplace("Container", "/c/" + identifier);
+    }
+    folder.addFile(bundle + "/" + words[2]);
+    folder.addFile(bundle + "/Info.plist",
+                   platform::serializePropertyList(Dictionary{{"CFBundleIconFile", "icon.png"}},
+                                                   platform::PropertyListFormat::xml));
+    if (hasIcon) {
+        folder.addFile(bundle + "/icon.png");
+    }
+    _facts["Applications"].as<platform::Array>()->emplace_back(info);
+}
+
+void World::giveBundle(const Words& words, bool isContainer) {
+    Dictionary list = words.size() > 2 ? *valueOf(words[2]).as<Dictionary>() : Dictionary{};
+    list.emplace(isContainer ? "MCMMetadataIdentifier" : "CFBundleIdentifier", words.at(1));
+    if (!isContainer) {
+        list.emplace("CFBundleExecutable", "Main");
+        giveItem(words[0] + "/Main", "code", false);
+    }
+    giveItem(words[0] + (isContainer ? "/.com.apple.mobile_container_manager.metadata.plist" : "/Info.plist"),
+             platform::serializePropertyList(list, platform::PropertyListFormat::binary), false);
+}
+
+void World::givePackage(std::string_view rest) {
+    const std::string name = takeWord(rest);
+    std::string fields;
+    std::string files;
+    while (!rest.empty()) {
+        const size_t end = std::min(rest.find("; "), rest.size());
+        const std::string part(rest.substr(0, end));
+        (part.starts_with('/') ? files : fields) += part + "\n";
+        rest.remove_prefix(std::min(end + 2, rest.size()));
+    }
+    const fs::path package = folder.folder() / "package";
+    fs::remove_all(package);
+    fs::create_directories(package / "DEBIAN");
+    for (const char* place : {"info", "updates"}) {
+        fs::create_directories(folder.hostPath("/var/lib/dpkg") / place);
+    }
+    for (const char* place : {"status", "available"}) {
+        std::ofstream(folder.hostPath("/var/lib/dpkg") / place, std::ios::app);
+    }
+    fs::create_directories(folder.hostPath("/var/log"));
+    writeHost(package / "DEBIAN/control",
+              "Package: " + name + "\nVersion: 1.0\nArchitecture: iphoneos-arm\nMaintainer: a <a@b>\n" +
+                  "Description: test\n" + fields);
+    for (const auto& line : linesOf(files)) {
+        for (const auto& file : wordsOf(line)) {
+            fs::create_directories((package / file.substr(1)).parent_path());
+            writeHost(package / file.substr(1), file);
+        }
+    }
+    give("host dpkg-deb --root-owner-group -b package package.deb && dpkg --root=Root --force-architecture"
+         " --force-depends --log=/dev/null -i package.deb && rm -r package package.deb");
+}
+
+platform::Device& World::device() {
+    if (!_device) {
+        writeHost(folder.folder() / "Device.plist",
+                  platform::serializePropertyList(_facts, platform::PropertyListFormat::binary));
+        auto opened = platform::Device::open(folder.folder());
+        if (!opened) {
+            throw std::runtime_error(opened.error());
+        }
+        _device = std::move(opened.value());
+        _device->warnings().setReceiver([this](const auto& line) { sayWarning(line); });
+    }
+    return *_device;
+}
+
+OZModelBuilder& World::builder() {
+    if (!_builder) {
+        _builder = std::make_unique<OZModelBuilder>(device());
+        for (const auto& [identifier, mask] : _exclusions) {
+            _builder->appList().setExclusionMask(mask == "cleanup"  ? OZExclusionMask::cleanup
+                                                 : mask == "images" ? OZExclusionMask::images
+                                                                    : OZExclusionMask::languages,
+                                                 identifier);
+        }
+    }
+    return *_builder;
+}
+
+void World::reopen() {
+    _kept.clear();
+    _builder.reset();
+    _device.reset();
+}
+
+void World::say(std::string_view line) {
+    _output.push_back(line.empty() ? "|" : "| " + std::string(line));
+}
+
+void World::sayWarning(std::string_view line) {
+    _output.push_back("& " + escaped(line));
+}
+
+void World::print(std::string_view lines) {
+    for (const auto& line : linesOf(lines)) {
+        say(escaped(line));
+    }
+}
+
+TreeSnapshot World::tree() const {
+    TreeSnapshot tree = tests::snapshotOf((folder.folder() / "Root").string());
+    std::erase_if(tree, [](const auto& item) {
+        std::string_view path = item.first;
+        path.remove_prefix(path.starts_with("private/") ? 8 : 0);
+        return path == logFolder || isBelow(path, logFolder);
+    });
+    return tree;
+}
+
+Lines World::takeJournal() {
+    const Lines journal = folder.journal();
+    Lines fresh(journal.begin() + static_cast<std::ptrdiff_t>(std::min(_journalLines, journal.size())),
+                journal.end());
+    _journalLines = journal.size();
+    return fresh;
+}
+
+Lines World::takeEffects() {
+    const TreeSnapshot now = tree();
+    Lines effects = effectsOn(_before, now);
+    _before = now;
+    for (const auto& line : takeJournal()) {
+        effects.push_back("! " + line);
+    }
+    return effects;
+}
+
+tests::Outcome World::host(const std::string& command) const {
+    return tests::shell("cd '" + folder.folder().string() +
+                        "' && export PATH=" OZ_BINARY_DIRECTORY ":$PATH LC_ALL=C.UTF-8 && (" + command + ")");
+}
+
+void World::shell(const std::string& command) {
+    device();
+    reopen();
+    const fs::path errors = folder.folder() / ".errors";
+    const auto outcome = host("(" + command + ") 2>.errors </dev/null");
+    print(outcome.output);
+    for (const auto& line : linesOf(tests::contentOf(errors))) {
+        _output.push_back("& " + escaped(line));
+    }
+    fs::remove(errors);
+    if (outcome.status != 0) {
+        _output.push_back(fmt::format("= {}", outcome.status));
+    }
+}
+
+} // namespace scenarios
