@@ -1,7 +1,10 @@
-#include "Tests/Support/EngineFixture.h"
-#include "Tests/Support/GeneratedTree.h"
+#include "Model/Builder/OZModelBuilder.h"
+#include "Model/Core/OZCleanupLogger.h"
+#include "Model/Core/OZCore.h"
+#include "Tests/Model/Core/GeneratedTree.h"
 #include "Tests/Support/LogReader.h"
 #include "Tests/Support/StandardOutput.h"
+#include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
@@ -16,10 +19,6 @@
 #include <unistd.h>
 
 using testing::IsEmpty;
-using tests::EngineFixture;
-using tests::GeneratedTree;
-using tests::itemsNamedByLog;
-using tests::ListedApp;
 using tests::TreeSnapshot;
 
 namespace {
@@ -28,21 +27,27 @@ using PathSet = std::set<std::string>;
 
 constexpr double generations[] = {751.32, 881.0, 993.0, 1047.25, 1140.11, 1242.12, 1349.13, 1445.32};
 
-ListedApp installed(const std::string& identifier, const std::string& container) {
-    return {.identifier = identifier,
-            .name = container,
-            .container = std::string(GeneratedTree::dataFolder) + container};
+platform::DeviceFacts factsFor(uint64_t seed) {
+    const std::string containers = "/var/mobile/Containers/";
+    platform::Array apps;
+    for (const auto& [identifier, name] : {std::pair("org.example.plain", "plain"),
+                                           {"com.google.chrome.ios", "chrome"},
+                                           {"net.box.BoxNet", "box"}}) {
+        platform::Dictionary info{{"Path", std::string("/Applications/") + identifier + ".app"},
+                                  {"CFBundleExecutable", name},
+                                  {"CFBundleIdentifier", identifier},
+                                  {"ApplicationType", "User"},
+                                  {"Container", containers + "Data/Application/" + name}};
+        apps.emplace_back(info);
+    }
+    (*apps[0].as<platform::Dictionary>())["GroupDataContainers"] =
+        platform::Dictionary{{"group.org.example.plain", containers + "Shared/AppGroup/shared"}};
+    return {.foundationVersion = generations[seed % std::size(generations)], .applications = apps};
 }
 
-std::vector<ListedApp> installedApps() {
-    ListedApp plain = installed("org.example.plain", "plain");
-    plain.groups["group.org.example.plain"] = std::string(GeneratedTree::groupFolder) + "shared";
-    return {plain, installed("com.google.chrome.ios", "chrome"), installed("net.box.BoxNet", "box")};
-}
-
-size_t seedCount() {
-    const char* wanted = std::getenv("OZ_SEEDS");
-    return wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 150;
+uint64_t numberFrom(const char* variable, uint64_t usual) {
+    const char* wanted = std::getenv(variable);
+    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : usual;
 }
 
 // What a run may write beside what its steps remove: its log, and one preference file that it edits.
@@ -70,13 +75,15 @@ struct Totals {
 class Specimen {
   public:
     explicit Specimen(uint64_t seed)
-        : _device(generations[seed % std::size(generations)], installedApps())
-        , _root(_device.device.hostPath("/").string())
-        , _tree((_outside.make("file: outside\nfolder/inner: outside\nlink -> file"), seed), rootPath(),
+        : _device(factsFor(seed))
+        , _root((_device.folder() / "Root").string())
+        , _tree((_outside.make("file: outside\nfolder/inner: outside\nlink -> file"), seed), _root,
                 _outside.path()) {
+        _device.addNotingTool("/usr/bin/killall");
+        _device.device().warnings().setReceiver([](const auto&) {});
         _settings = _tree.settings();
-        _device.core->choices().setCustomFilesExcludingInvalid(_tree.customFiles());
-        _device.core->choices().setFileTypesExcludingIllegal(_tree.fileTypes());
+        _core.choices().setCustomFilesExcludingInvalid(_tree.customFiles());
+        _core.choices().setFileTypesExcludingIllegal(_tree.fileTypes());
         _before = snapshot();
         _outsideBefore = tests::snapshotOf(_outside.path());
     }
@@ -102,16 +109,16 @@ class Specimen {
     }
 
   private:
-    [[nodiscard]] std::string rootPath() const { return _root.substr(0, _root.find_last_not_of('/') + 1); }
     [[nodiscard]] TreeSnapshot snapshot() const {
-        auto items = tests::snapshotOf(rootPath());
+        auto items = tests::snapshotOf(_root);
         std::erase_if(items, [](const auto& item) { return isRunsOwn(item.first); });
         return items;
     }
 
     void run(OZCoreMode mode) {
         const tests::StandardOutput nowhere("/dev/null");
-        _device.run(_settings, mode);
+        _core.choices().setTestMode(mode == OZCoreMode::test);
+        _core.clean(&_settings, mode == OZCoreMode::analyze ? Analyze::yes : Analyze::no);
     }
 
     // Changes nothing, and names each item that it counts.
@@ -120,22 +127,22 @@ class Specimen {
         EXPECT_THAT(tests::differences(_before, snapshot()), IsEmpty()) << "an analysis";
         auto tree = _before;
         tree["private/var/mobile/Library/Ozvarine"] = {.mode = S_IFDIR};
-        for (const auto& [path, state] : tests::snapshotOf(rootPath())) {
+        for (const auto& [path, state] : tests::snapshotOf(_root)) {
             tree[path] = state;
         }
-        const auto items = itemsNamedByLog(log(), tree);
-        EXPECT_EQ(items.size(), _device.core->fileCount()) << "items of the log";
+        const auto items = tests::itemsNamedByLog(_device.contents(OZCleanupLogger::logFilePath), tree);
+        EXPECT_EQ(items.size(), _core.fileCount()) << "items of the log";
         return {items.begin(), items.end()};
     }
 
     void testAndRestore(Totals& totals) {
         run(OZCoreMode::test);
         EXPECT_EQ(filesOf(snapshot()), filesOf(_before)) << "files after a test run";
-        _device.core->backup(BackupAction::restore);
-        totals.restored += _device.core->fileCount();
+        _core.backup(BackupAction::restore);
+        totals.restored += _core.fileCount();
         EXPECT_THAT(tests::differences(_before, snapshot()), IsEmpty()) << "a test run and its restore";
-        _device.core->backup(BackupAction::restore);
-        EXPECT_EQ(_device.core->fileCount(), 0U) << "a second restore";
+        _core.backup(BackupAction::restore);
+        EXPECT_EQ(_core.fileCount(), 0U) << "a second restore";
     }
 
     // All files without their paths.
@@ -188,10 +195,10 @@ class Specimen {
         return std::regex_match(path, prunedByAnalysis);
     }
 
-    [[nodiscard]] std::string log() const { return _device.device.contents(OZCleanupLogger::logFilePath); }
-
     tests::TemporaryFolder _outside{tests::memoryFolder()};
-    EngineFixture _device;
+    TemporaryDevice _device;
+    OZModelBuilder _builder{_device.device()};
+    OZCore& _core = _builder.core();
     std::string _root;
     GeneratedTree _tree;
     platform::Dictionary _settings;
@@ -207,9 +214,8 @@ TEST(GeneratedTrees, KeepTheEnginesPromises) {
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     Totals totals;
-    const char* first = std::getenv("OZ_FIRST_SEED");
-    const uint64_t start = first != nullptr ? std::strtoull(first, nullptr, 10) : 1;
-    const size_t count = seedCount();
+    const uint64_t start = numberFrom("OZ_FIRST_SEED", 1);
+    const uint64_t count = numberFrom("OZ_SEEDS", 150);
     for (uint64_t seed = start; seed < start + count; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Specimen specimen(seed);
