@@ -1,7 +1,6 @@
-#include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/OZCleanupLogger.h"
-#include "Model/Core/OZCore.h"
 #include "Tests/Model/Core/GeneratedTree.h"
+#include "Tests/Support/Engine.h"
 #include "Tests/Support/LogReader.h"
 #include "Tests/Support/StandardOutput.h"
 #include "Tests/Support/TemporaryDevice.h"
@@ -164,8 +163,8 @@ class Specimen {
 
     tests::TemporaryFolder _outside{tests::memoryFolder()};
     TemporaryDevice _device;
-    OZModelBuilder _builder{_device.device()};
-    OZCore& _core = _builder.core();
+    tests::Engine _engine{_device.device()};
+    OZCore& _core = _engine.core;
     std::string _root = _device.folder() / "Root";
     GeneratedTree _tree;
     platform::Dictionary _settings;
