@@ -10,14 +10,6 @@
 using platform::FileType;
 using platform::Item;
 
-namespace {
-
-bool endsInBackupExtension(std::string_view path) {
-    return path.ends_with(CleanupRun::backupExtension);
-}
-
-} // namespace
-
 template <class Work>
 void CleanupRun::forEachItem(const Paths& paths, Work work) {
     for (const auto& path : paths) {
@@ -248,27 +240,6 @@ void CleanupRun::quickDelLangItem(const platform::Result<Item>& item, std::strin
     } else {
         noteUnreached(path, moved.error());
     }
-}
-
-// Nothing to do, and no error, outside of the test mode and for what is a backup already.
-platform::Result<void> CleanupRun::moveToBackup(const Item& item, std::string_view path, FileType type,
-                                                SizeSum* sizes) {
-    if (_mode != OZCoreMode::test || endsInBackupExtension(path)) {
-        return {};
-    }
-    const std::string backupName = std::string(item.name()).append(backupExtension);
-    auto moved = item.rename(backupName);
-    if (!moved) {
-        // What gives way may be among what is still to be summed.
-        if (sizes != nullptr) {
-            std::ignore = sizes->total();
-        }
-        moved = item.renameReplacing(backupName);
-    }
-    if (type != FileType::regular) {
-        _files.forgetLastFolder();
-    }
-    return moved;
 }
 
 void CleanupRun::count(std::string_view path) {
