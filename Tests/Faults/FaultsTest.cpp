@@ -74,21 +74,11 @@ void whatIsNamedHasGone(const Aftermath& aftermath) {
     }
 }
 
-TreeSnapshot below(const TreeSnapshot& tree, const std::string& folder) {
-    TreeSnapshot result;
-    for (const auto& [path, state] : tree) {
-        if (path.starts_with(folder)) {
-            result.emplace(path.substr(folder.size()), state);
-        }
-    }
-    return result;
-}
-
 /// After a success the new end alone.
 void oneEndHoldsAll(const Aftermath& aftermath) {
-    const auto whole = below(aftermath.before, "from/tree");
-    const auto atOld = below(aftermath.after, "from/tree");
-    const auto atNew = below(aftermath.after, "to/tree");
+    const auto whole = scenarios::branchOf(aftermath.before, "from/tree");
+    const auto atOld = scenarios::branchOf(aftermath.after, "from/tree");
+    const auto atNew = scenarios::branchOf(aftermath.after, "to/tree");
     EXPECT_TRUE(atOld == whole || atNew == whole);
     EXPECT_TRUE(!aftermath.subject.done->has_value() || (atNew == whole && atOld.empty()));
     EXPECT_EQ(aftermath.after.at("to/kept"), aftermath.before.at("to/kept"));
