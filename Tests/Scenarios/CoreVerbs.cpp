@@ -43,8 +43,9 @@ struct Filter {
         }
     }
     bool has(std::string_view kind) { return patterns.contains(kind); }
-    std::optional<std::string_view> first(std::string_view kind) {
-        return has(kind) ? std::optional(patterns[kind][0]) : std::nullopt;
+    template <class Text = std::string_view>
+    std::optional<Text> first(std::string_view kind) {
+        return has(kind) ? std::optional(Text(patterns[kind][0])) : std::nullopt;
     }
     NamePatterns all() { return {patterns["exact"], patterns["start"], patterns["middle"], patterns["end"]}; }
 
@@ -150,9 +151,9 @@ void custom(World& world, const Words& words) {
                             .fileType = filter.has("file") ? CustomFileRecord::regularType
                                                            : CustomFileRecord::directoryType,
                             .recursive = filter.has("deep"),
-                            .startPattern = filter.first("start"),
-                            .middlePattern = filter.first("middle"),
-                            .endPattern = filter.first("end")};
+                            .startPattern = filter.first<std::string>("start"),
+                            .middlePattern = filter.first<std::string>("middle"),
+                            .endPattern = filter.first<std::string>("end")};
     for (const auto& [name, setting] : settings) {
         record.customFolderSetting = filter.has(name) ? setting : record.customFolderSetting;
     }
@@ -214,7 +215,7 @@ void log(World& world, const Words& words) {
 void hostLog(World& world, const Words& words) {
     const int root = world.device().fileManager().rootDescriptor();
     auto output = platform::HostOutput::open(world.folder.folder() / words.at(0), root);
-    coreOf(world).cleanupLogger()->setHostOutput(output.value());
+    coreOf(world).cleanupLogger()->setHostOutput(std::move(output.value()));
 }
 
 /// An engine with the languages of "Resources" in the device folder, or with the program's, does one thing
