@@ -4,6 +4,8 @@ build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqli
 # What the program itself calls on the host.
 tool_packages=(findutils sed dpkg apt)
 test_packages=(libgtest-dev libgmock-dev sqlite3 zlib1g-dev)
+# What scripts/style calls. Another version formats otherwise.
+style_packages=(clang-format-14 python3)
 # For the fuzzers and for looking at threads.
 clang_packages=(clang-19 libclang-rt-19-dev)
 # What ./bench measures with, and what it measures against.

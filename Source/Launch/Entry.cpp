@@ -1,5 +1,6 @@
 #include "Launch/Entry.h"
 
+#include "Controller/CommandLine/ExitStatus.h"
 #include "Controller/CommandLine/OZArgvParser.h"
 #include "Launch/Installation.h"
 #include "Launch/JailbreakLibrary.h"
@@ -26,7 +27,7 @@
 
 namespace {
 
-int fail(const std::string& message, int status = 1) {
+int fail(const std::string& message, int status = exitstatus::failure) {
     std::fputs(fmt::format("ozvarine: {}\n", message).c_str(), stderr);
     return status;
 }
@@ -55,11 +56,11 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
     const double version = device.facts().foundationVersion;
     if (!OZApplication::ensureCorrectExecutable(
             OZApplication::executableCalledBy(options.vector.front(), version), version)) {
-        return 1;
+        return exitstatus::failure;
     }
     fixSetuidOnNewerPlatforms(version, callDeviceLibrary);
     if (!gainRoot()) {
-        return 1;
+        return exitstatus::failure;
     }
     if (const auto refusal = refusalBeforeRun(device, options)) {
         return fail(refusal->message, refusal->status);
@@ -91,7 +92,7 @@ int run(const std::vector<std::string>& arguments) {
     if (options->request != LauncherOptions::Request::run) {
         OZStdIO::printf(options->request == LauncherOptions::Request::help ? LauncherOptions::help()
                                                                            : LauncherOptions::version());
-        return 0;
+        return exitstatus::success;
     }
     if (!options->device) {
         return fail("no device given; name one with --device DIR or OZVARINE_DEVICE (ozvarine --help lists "

@@ -103,7 +103,6 @@ constexpr std::array<std::string_view, 7> writtenFolders = {
 };
 
 std::optional<Refusal> treeThatCannotBeWritten(platform::Device& device, const LauncherOptions& options) {
-    constexpr int cannotCreate = 73;
     if (options.purpose() != Purpose::change) {
         return std::nullopt;
     }
@@ -120,7 +119,7 @@ std::optional<Refusal> treeThatCannotBeWritten(platform::Device& device, const L
     return Refusal{fmt::format("nothing was done: {} cannot be written ({}); mount it for writing or run as "
                                "the user it belongs to, or look with --dry-run --log FILE -clean",
                                options.device.value_or("the device's tree"), reason->message()),
-                   cannotCreate};
+                   exitstatus::cannotWrite};
 }
 
 // Two that change things would overwrite each other's choices and mix one log.

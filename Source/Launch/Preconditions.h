@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Controller/CommandLine/ExitStatus.h"
 #include "Launch/LauncherOptions.h"
 
 #include <optional>
@@ -14,7 +15,7 @@ struct Refusal {
     /// One line without its end: what is wrong, and what to do.
     std::string message;
     /// The process's exit status.
-    int status = 1;
+    int status = exitstatus::failure;
 };
 
 /// What has to hold before a switch touches a device. The first thing that does not hold is told; nothing has

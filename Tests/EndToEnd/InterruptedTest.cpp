@@ -1,123 +1,70 @@
-#include "Model/Apps/OZAppList.h"
+// Work that is killed at random moments leaves a device that the next one puts right.
 #include "Model/Apps/OZFontsFolderMover.h"
-#include "Model/Core/OZCore.h"
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Packages/OZPackageList.h"
-#include "Platform/Device/UserDefaults.h"
-#include "Tests/Support/EngineFixture.h"
-#include "Tests/Support/TemporaryDevice.h"
+#include "Tests/Scenarios/Runner/Effects.h"
+#include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Support/Engine.h"
+#include "Tests/Support/Mounts.h"
 #include "Tests/Support/TemporaryFolder.h"
-#include "Tests/Support/TreeSnapshot.h"
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <functional>
-#include <iostream>
-#include <iterator>
-#include <map>
+#include <optional>
 #include <random>
-#include <set>
+#include <ranges>
 
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+using scenarios::World;
 using testing::IsEmpty;
+using tests::differences;
+using tests::Engine;
 using tests::TreeSnapshot;
+using tests::withoutBackupNames;
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Work = std::function<void(platform::Device&)>;
+using Work = void (*)(platform::Device&);
 
-constexpr std::string_view backupExtension = CleanupRun::backupExtension;
-constexpr std::string_view preferences = "/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
+// What is done.
 
-std::unique_ptr<TemporaryDevice> newDevice() {
-    auto device = std::make_unique<TemporaryDevice>(
-        platform::DeviceFacts{.foundationVersion = 1445.32, .applications = platform::Array{}});
-    for (const auto* folder :
-         {"/var/tmp/log-folder", "/var/tmp/staging/deep/er", "/var/mobile/Library/Caches/ImageCache/a",
-          "/var/mobile/Library/Logs/inner", "/var/mobile/Documents/Mine", "/var/root/Library/Caches"}) {
-        for (int number = 0; number < 25; ++number) {
-            device->addFile(fmt::format("{}/item{}{}", folder, number, number % 4 == 0 ? ".log" : ""),
-                            fmt::format("{} {}", folder, number));
-        }
-    }
-    return device;
+template <bool isTest>
+void cleanUp(platform::Device& device) {
+    Engine(device).clean({"LOGFILES", "CACHEFILES", "TEMPFILES", "FILETYPECLEANUP"},
+                         isTest ? OZCoreMode::test : OZCoreMode::clean);
 }
 
-TreeSnapshot treeOf(const TemporaryDevice& device) {
-    auto tree = tests::snapshotOf((device.folder() / "Root").string());
-    std::erase_if(tree,
-                  [](const auto& item) { return item.first.starts_with("var/mobile/Library/Ozvarine"); });
-    return tree;
-}
-
-void withEngine(platform::Device& device, const std::function<void(OZCore&)>& work) {
-    OZAppList apps(device);
-    const tests::NoLanguages languages(device);
-    OZCore core(device, apps, languages.manager);
-    core.setCleanupLogger(std::make_unique<OZCleanupLogger>(device));
-    work(core);
-}
-
-Work cleanup(bool testMode) {
-    return [testMode](platform::Device& device) {
-        withEngine(device, [&](OZCore& core) {
-            const platform::Dictionary settings{
-                {"LOGFILES", true}, {"CACHEFILES", true}, {"TEMPFILES", true}, {"FILETYPECLEANUP", true}};
-            core.choices().setTestMode(testMode);
-            core.clean(&settings, Analyze::no);
-        });
-    };
-}
-
-// Until a call finds nothing.
+/// Until a call finds nothing.
 void restoreAll(platform::Device& device) {
-    withEngine(device, [](OZCore& core) {
-        do {
-            core.backup(BackupAction::restore);
-        } while (core.fileCount() > 0);
-    });
+    Engine engine(device);
+    do {
+        engine.core.backup(BackupAction::restore);
+    } while (engine.core.fileCount() > 0);
 }
 
-// Saves again and again; every saved state holds one number in several places.
-void saveDefaults(platform::Device& device) {
+/// Saves again and again; every saved state holds one number in several places.
+void saveSettings(platform::Device& device) {
     auto& defaults = device.standardUserDefaults();
     for (int number = 1; number < 60; ++number) {
-        for (const auto* key : {"first", "second"}) {
-            defaults.setObject(key, number);
-        }
+        defaults.setObject("first", number);
+        defaults.setObject("second", number);
         defaults.setObject("filling", std::string(static_cast<size_t>(number) * 500, 'x'));
         std::ignore = defaults.synchronize();
     }
 }
 
-constexpr std::string_view addonPath = "/Library/MobileSubstrate/DynamicLibraries/Addon";
-constexpr std::string_view addonList = "/var/lib/dpkg/info/org.example.addon.list";
-
-std::unique_ptr<TemporaryDevice> newDeviceWithAddon() {
-    auto device = newDevice();
-    device->addFile("/var/lib/dpkg/status", "Package: org.example.addon\nStatus: install ok installed\n"
-                                            "Maintainer: Example <addons@example.org>\nVersion: 1\n"
-                                            "Architecture: iphoneos-arm\nDescription: An add-on\n");
-    device->addFile(addonList, fmt::format("/.\n/Library\n{}.dylib\n", addonPath));
-    device->addFile(fmt::format("{}.dylib", addonPath), "addon");
-    return device;
-}
-
-// Switches the add-on again and again; in the end it is off.
+/// Switches the add-on again and again; in the end it is off.
 void toggleAddon(platform::Device& device) {
     OZPackageList packages(device);
     OZCSAddonList addons(device);
@@ -129,61 +76,29 @@ void toggleAddon(platform::Device& device) {
     }
 }
 
-// The content of each regular file below a folder; empty where there is none, or a link in its place.
-std::map<std::string, std::string> filesBelow(const TemporaryDevice& device, std::string_view folder) {
-    std::map<std::string, std::string> files;
-    const auto top = device.hostPath(folder);
-    if (!std::filesystem::is_directory(std::filesystem::symlink_status(top))) {
-        return files;
-    }
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(top)) {
-        if (entry.is_regular_file()) {
-            const auto path = entry.path().lexically_relative(top).string();
-            files[path] = device.contents(fmt::format("{}/{}", folder, path));
-        }
-    }
-    return files;
-}
-
-// The data partition is a file system of its own where the system lets tests have one.
-std::unique_ptr<TemporaryDevice> newDeviceWithFonts() {
-    constexpr double iOS6 = 793.0;
-    auto device = std::make_unique<TemporaryDevice>(platform::DeviceFacts{.foundationVersion = iOS6});
-    for (int number = 0; number < 60; ++number) {
-        device->addFile(fmt::format("{}/{}/font{}.ttf", OZFontsFolderMover::systemPath,
-                                    number % 2 == 0 ? "Core" : "Cache", number),
-                        std::string(20000, static_cast<char>('0' + number)));
-    }
-    const std::string data = device->hostPath("/var");
-    std::filesystem::create_directories(data);
-    std::ignore = ::mount("fonts", data.c_str(), "tmpfs", 0, "size=16m");
-    return device;
-}
-
 void moveFonts(platform::Device& device) {
     std::optional<OZFontsFolderError> error;
     std::ignore = OZFontsFolderMover(device).moveFolder(&error);
 }
 
-// Runs the work in a process of its own and kills it after a while, or lets it end where no time is given.
 struct Ending {
     Clock::duration after;
     bool wasKilled;
 };
 
-Ending runInProcess(TemporaryDevice& device, const Work& work, std::optional<Clock::duration> killAfter) {
+/// Runs the work in a process of its own and kills it after a while, or lets it end where no time is given.
+Ending runInProcess(World& world, Work work, std::optional<Clock::duration> killAfter = std::nullopt) {
     const auto start = Clock::now();
     const pid_t child = ::fork();
     if (child == 0) {
         ::setpgid(0, 0);
         ::dup2(::open("/dev/null", O_RDWR | O_CLOEXEC), STDOUT_FILENO);
-        work(device.device());
+        work(world.device());
         ::_exit(0);
     }
     ::setpgid(child, child);
     if (killAfter) {
-        ::usleep(static_cast<useconds_t>(
-            std::chrono::duration_cast<std::chrono::microseconds>(*killAfter).count()));
+        ::usleep(static_cast<useconds_t>(*killAfter / std::chrono::microseconds(1)));
         ::kill(-child, SIGKILL);
     }
     int status = 0;
@@ -194,180 +109,172 @@ Ending runInProcess(TemporaryDevice& device, const Work& work, std::optional<Clo
     return {Clock::now() - start, WIFSIGNALED(status)};
 }
 
-std::set<std::string> pathsOf(const TreeSnapshot& tree) {
-    std::set<std::string> paths;
-    for (const auto& [path, state] : tree) {
-        paths.insert(path);
+// What has to hold afterwards.
+
+struct Aftermath {
+    World& world;
+    /// The tree before all work, and after work that nobody killed.
+    TreeSnapshot before;
+    TreeSnapshot whole;
+    Work work;
+};
+
+std::vector<std::string> pathsOf(const TreeSnapshot& tree) {
+    const auto paths = std::views::keys(tree);
+    return {paths.begin(), paths.end()};
+}
+
+void takesNothingElseAndIsCompletedByTheNext(Aftermath& aftermath) {
+    auto& [world, before, whole, work] = aftermath;
+    ASSERT_LT(whole.size(), before.size());
+    const auto left = pathsOf(world.tree());
+    EXPECT_TRUE(std::ranges::includes(left, pathsOf(whole))) << "kept by a whole run";
+    EXPECT_TRUE(std::ranges::includes(pathsOf(before), left)) << "new";
+    runInProcess(world, work);
+    EXPECT_EQ(pathsOf(world.tree()), pathsOf(whole));
+}
+
+void losesNothingAndIsRestored(Aftermath& aftermath) {
+    auto& [world, before, whole, work] = aftermath;
+    EXPECT_THAT(differences(before, withoutBackupNames(world.tree())), IsEmpty());
+    static bool repeats = false;
+    repeats = !repeats;
+    if (repeats) {
+        runInProcess(world, work);
     }
-    return paths;
+    runInProcess(world, restoreAll);
+    EXPECT_THAT(differences(before, world.tree()), IsEmpty());
 }
 
-std::vector<std::string> missing(const std::set<std::string>& from, const std::set<std::string>& in) {
-    std::vector<std::string> paths;
-    std::ranges::set_difference(from, in, std::back_inserter(paths));
-    return paths;
+/// Those of the numbers that are saved, one in three places.
+void settingsAreOfOneState(Aftermath& aftermath) {
+    const auto numbers = [&] {
+        const auto bytes =
+            aftermath.world.folder.contents("/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist");
+        const auto list = platform::parsePropertyList(bytes);
+        const auto* saved = list ? list->as<platform::Dictionary>() : nullptr;
+        EXPECT_TRUE(saved != nullptr || bytes.empty());
+        return saved == nullptr
+                   ? std::vector<uint64_t>()
+                   : std::vector<uint64_t>{saved->at("first").unsignedValue().value_or(0),
+                                           saved->at("second").unsignedValue().value_or(0),
+                                           platform::valueAt<std::string>(*saved, "filling")->size() / 500};
+    };
+    const auto left = numbers();
+    EXPECT_TRUE(left.empty() || left == std::vector(3, left[0]));
+    runInProcess(aftermath.world, aftermath.work);
+    EXPECT_EQ(numbers(), std::vector<uint64_t>(3, 59));
 }
 
-// The tree with every backup at its old name.
-TreeSnapshot withoutBackupNames(const TreeSnapshot& tree) {
-    TreeSnapshot result;
-    for (const auto& [path, state] : tree) {
-        std::string name = path;
-        for (size_t at = 0; (at = name.find(backupExtension)) != std::string::npos;) {
-            name.erase(at, backupExtension.size());
-        }
-        EXPECT_TRUE(result.emplace(name, state).second) << "two items of one name: " << path;
+void addonIsOneFileInAWholeList(Aftermath& aftermath) {
+    const std::string folder = "Library/MobileSubstrate/DynamicLibraries";
+    const std::string whenOn = fmt::format("/.\n/Library\n/{}/Addon.dylib\n", folder);
+    const std::string whenOff = fmt::format("{}/{}/Addon.disabled\n", whenOn, folder);
+    for (const bool isSure : {false, true}) {
+        const auto branch = scenarios::branchOf(aftermath.world.tree(), folder);
+        const auto list = aftermath.world.folder.contents("/var/lib/dpkg/info/org.example.addon.list");
+        ASSERT_EQ(branch.size(), 2U);
+        const auto& [name, state] = *branch.rbegin();
+        EXPECT_TRUE(name == "/Addon.disabled" || (name == "/Addon.dylib" && !isSure)) << name;
+        EXPECT_EQ(state, aftermath.before.at(folder + "/Addon.dylib"));
+        EXPECT_TRUE(list == whenOff || (list == whenOn && !isSure)) << list;
+        runInProcess(aftermath.world, aftermath.work);
     }
-    return result;
 }
 
-class Interrupted : public testing::Test {
+void fontsAreWholeInOnePlace(Aftermath& aftermath) {
+    const auto fonts = scenarios::branchOf(aftermath.before, "System/Library/Fonts");
+    for (int repeats = 0; repeats < 2; ++repeats) {
+        const auto tree = aftermath.world.tree();
+        const std::vector places = {scenarios::branchOf(tree, "System/Library/Fonts"),
+                                    scenarios::branchOf(tree, "var/Fonts")};
+        // Or nothing, or a link.
+        EXPECT_THAT(places, testing::Each(testing::AnyOf(fonts, testing::SizeIs(testing::Lt(2)))));
+        EXPECT_THAT(places, testing::Contains(fonts));
+        runInProcess(aftermath.world, aftermath.work);
+    }
+}
+
+// Devices.
+
+const std::string junk =
+    R"(each N in 0.log 1 2 3 4.log 5 6 7 8.log 9 10 11 12.log 13 14 15 16.log 17 18 19 20.log
+file /var/tmp/log-folder/item$N /var/tmp/staging/deep/er/item$N /var/mobile/Library/Caches/ImageCache/a/item$N
+file /var/mobile/Library/Logs/inner/item$N /var/mobile/Documents/Mine/item$N /var/root/Library/Caches/item$N
+file /var/mobile/Library/Preferences/)";
+
+const std::string addon = R"(file /Library/MobileSubstrate/DynamicLibraries/Addon.dylib: addon
+file /var/lib/dpkg/info/org.example.addon.list: /.\n/Library\n/Library/MobileSubstrate/DynamicLibraries/Addon.dylib\n
+file /var/lib/dpkg/status: Package: org.example.addon\nStatus: install ok installed\nMaintainer: E <e@example.org>\nVersion: 1\nArchitecture: iphoneos-arm\nDescription: An add-on\n)";
+
+// The data partition is a file system of its own where the system lets tests have one.
+const std::string fonts = R"(foundation 793
+file /System/Library/Fonts/Core/ /System/Library/Fonts/Cache/
+host cd Root/System/Library/Fonts && for F in Core Cache; do head -c 600000 /dev/urandom | split -b 20000 - $F/font; done
+memory /var 16777216)";
+
+struct Trial {
+    std::string name;
+    std::string device;
+    Work before;
+    Work work;
+    void (*expect)(Aftermath&);
+
+    friend void PrintTo(const Trial& trial, std::ostream* stream) { *stream << trial.name; }
+};
+
+const Trial trials[] = {
+    {"Cleanup", junk, nullptr, cleanUp<false>, takesNothingElseAndIsCompletedByTheNext},
+    {"TestRun", junk, nullptr, cleanUp<true>, losesNothingAndIsRestored},
+    {"Restore", junk, cleanUp<true>, restoreAll, losesNothingAndIsRestored},
+    {"SaveOfSettings", junk, nullptr, saveSettings, settingsAreOfOneState},
+    {"Toggle", addon, nullptr, toggleAddon, addonIsOneFileInAWholeList},
+    {"MoveOfFonts", fonts, nullptr, moveFonts, fontsAreWholeInOnePlace},
+};
+
+class Interrupted : public testing::TestWithParam<Trial> {
   protected:
-    void SetUp() override {
-        if (::geteuid() != 0) {
-            GTEST_SKIP() << "needs root for the tools of a run";
+    /// Works on a new device and has the outcome judged.
+    Ending attempt(std::optional<Clock::duration> killAfter) {
+        const auto& [name, device, before, work, expect] = GetParam();
+        World world{{}};
+        for (const auto& line : scenarios::linesOf(device)) {
+            world.give(line);
         }
-        ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
-        ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-        // What is mounted here is nobody else's.
-        if (::unshare(CLONE_NEWNS) == 0) {
-            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+        Aftermath aftermath{.world = world, .before = world.tree(), .whole = whole, .work = work};
+        if (before != nullptr) {
+            runInProcess(world, before);
         }
+        const auto ending = runInProcess(world, work, killAfter);
+        if (!killAfter) {
+            aftermath.whole = whole = world.tree();
+        }
+        expect(aftermath);
+        return ending;
     }
 
-    // A sixth of all for each of the six tests.
-    static size_t killCount() {
-        const char* wanted = std::getenv("OZ_KILLS");
-        return (wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 42) / 6;
-    }
-
-    // Kills the work at random moments, each time on what `prepare` makes, and has the rest judged.
-    void interrupt(const char* name, const std::function<std::unique_ptr<TemporaryDevice>()>& prepare,
-                   const Work& work, const std::function<void(TemporaryDevice&)>& judge) {
-        auto first = prepare();
-        const auto whole = runInProcess(*first, work, std::nullopt).after;
-        judge(*first);
-        size_t cut = 0;
-        for (size_t kill = 0; kill < killCount() && !HasFailure(); ++kill) {
-            auto device = prepare();
-            const auto moment = whole * static_cast<int64_t>(_random() % 1000) / 1000;
-            cut += runInProcess(*device, work, moment).wasKilled ? 1 : 0;
-            judge(*device);
-        }
-        std::cout << "figures: " << killCount() << " kills of a " << name << ", " << cut
-                  << " of them before its end\n";
-    }
-
-    std::minstd_rand _random{7};
+    TreeSnapshot whole;
 };
 
 } // namespace
 
-TEST_F(Interrupted, ACleanupTakesNothingElseAndTheNextOneCompletesIt) {
-    auto whole = newDevice();
-    const auto before = treeOf(*whole);
-    runInProcess(*whole, cleanup(false), std::nullopt);
-    const auto kept = pathsOf(treeOf(*whole));
-    ASSERT_LT(kept.size(), before.size());
-    interrupt("cleanup", newDevice, cleanup(false), [&](TemporaryDevice& device) {
-        const auto left = treeOf(device);
-        EXPECT_THAT(missing(kept, pathsOf(left)), IsEmpty()) << "kept by a whole run";
-        for (const auto& [path, state] : left) {
-            EXPECT_TRUE(before.contains(path)) << path;
-        }
-        runInProcess(device, cleanup(false), std::nullopt);
-        EXPECT_EQ(pathsOf(treeOf(device)), kept);
-    });
+TEST_P(Interrupted, WorkIsPutRightByTheNext) {
+    if (::geteuid() != 0 || !tests::hasOwnMounts()) {
+        GTEST_SKIP() << "needs root, and mounts of its own";
+    }
+    ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
+    ::prctl(PR_SET_CHILD_SUBREAPER, 1);
+    const char* wanted = std::getenv("OZ_KILLS");
+    const size_t kills =
+        (wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 7 * std::size(trials)) / std::size(trials);
+    const auto time = attempt(std::nullopt).after;
+    std::minstd_rand random{7};
+    size_t cut = 0;
+    for (size_t kill = 0; kill < kills && !HasFailure(); ++kill) {
+        cut += attempt(time * static_cast<int64_t>(random() % 1000) / 1000).wasKilled ? 1 : 0;
+    }
+    fmt::print("figures: {} kills of a {}, {} of them before its end\n", kills, GetParam().name, cut);
 }
 
-TEST_F(Interrupted, ATestRunLosesNothingAndCanBeRepeatedAndRestored) {
-    TreeSnapshot before;
-    bool repeats = false;
-    const auto prepare = [&] {
-        auto device = newDevice();
-        before = treeOf(*device);
-        return device;
-    };
-    interrupt("test run", prepare, cleanup(true), [&](TemporaryDevice& device) {
-        EXPECT_THAT(tests::differences(before, withoutBackupNames(treeOf(device))), IsEmpty());
-        repeats = !repeats;
-        if (repeats) {
-            runInProcess(device, cleanup(true), std::nullopt);
-        }
-        runInProcess(device, restoreAll, std::nullopt);
-        EXPECT_THAT(tests::differences(before, treeOf(device)), IsEmpty());
-    });
-}
-
-TEST_F(Interrupted, ARestoreLosesNothingAndTheNextOneCompletesIt) {
-    TreeSnapshot before;
-    const auto prepare = [&] {
-        auto device = newDevice();
-        before = treeOf(*device);
-        runInProcess(*device, cleanup(true), std::nullopt);
-        return device;
-    };
-    interrupt("restore", prepare, restoreAll, [&](TemporaryDevice& device) {
-        EXPECT_THAT(tests::differences(before, withoutBackupNames(treeOf(device))), IsEmpty());
-        runInProcess(device, restoreAll, std::nullopt);
-        EXPECT_THAT(tests::differences(before, treeOf(device)), IsEmpty());
-    });
-}
-
-TEST_F(Interrupted, ASaveOfChoicesLeavesTheOldOnesOrTheNew) {
-    const auto prepare = [] {
-        auto device = newDevice();
-        std::filesystem::create_directories(device->hostPath(preferences).parent_path());
-        return device;
-    };
-    interrupt("save", prepare, saveDefaults, [](TemporaryDevice& device) {
-        if (!std::filesystem::exists(device.hostPath(preferences))) {
-            return;
-        }
-        const auto value = platform::parsePropertyList(device.contents(preferences));
-        ASSERT_TRUE(value.has_value());
-        const auto& saved = *value->as<platform::Dictionary>();
-        const auto number = saved.at("first").unsignedValue();
-        EXPECT_EQ(saved.at("second").unsignedValue(), number);
-        EXPECT_EQ(platform::valueAt<std::string>(saved, "filling")->size(), *number * 500);
-        runInProcess(device, saveDefaults, std::nullopt);
-        const auto whole = platform::parsePropertyList(device.contents(preferences));
-        EXPECT_EQ(whole->as<platform::Dictionary>()->at("second").unsignedValue(), 59);
-    });
-}
-
-TEST_F(Interrupted, AToggleLeavesOneFileAndAWholeListAndTheNextOneCompletesIt) {
-    interrupt("toggle", newDeviceWithAddon, toggleAddon, [](TemporaryDevice& device) {
-        const std::string whenOn = fmt::format("/.\n/Library\n{}.dylib\n", addonPath);
-        const std::string whenOff = fmt::format("{}{}.disabled\n", whenOn, addonPath);
-        const auto folder = std::string(addonPath.substr(0, addonPath.rfind('/')));
-        const auto files = filesBelow(device, folder);
-        ASSERT_EQ(files.size(), 1U);
-        EXPECT_TRUE(files.begin()->first == "Addon.dylib" || files.begin()->first == "Addon.disabled");
-        EXPECT_EQ(files.begin()->second, "addon");
-        EXPECT_THAT(device.contents(addonList), testing::AnyOf(whenOn, whenOff));
-        runInProcess(device, toggleAddon, std::nullopt);
-        EXPECT_EQ(filesBelow(device, folder).begin()->first, "Addon.disabled");
-        EXPECT_EQ(device.contents(addonList), whenOff);
-    });
-}
-
-TEST_F(Interrupted, AFontsMoveLeavesTheWholeFolderInOneOfItsPlaces) {
-    std::map<std::string, std::string> fonts;
-    const auto prepare = [&] {
-        auto device = newDeviceWithFonts();
-        fonts = filesBelow(*device, OZFontsFolderMover::systemPath);
-        return device;
-    };
-    interrupt("fonts move", prepare, moveFonts, [&](TemporaryDevice& device) {
-        for (int repeats = 0; repeats < 2; ++repeats) {
-            const auto onSystem = filesBelow(device, OZFontsFolderMover::systemPath);
-            const auto onData = filesBelow(device, OZFontsFolderMover::dataPath);
-            EXPECT_TRUE(onSystem == fonts || onSystem.empty());
-            EXPECT_TRUE(onData == fonts || onData.empty());
-            EXPECT_FALSE(onSystem.empty() && onData.empty());
-            runInProcess(device, moveFonts, std::nullopt);
-        }
-        ::umount2(device.hostPath("/var").c_str(), MNT_DETACH);
-    });
-}
+INSTANTIATE_TEST_SUITE_P(, Interrupted, testing::ValuesIn(trials),
+                         [](const auto& trial) { return trial.param.name; });

@@ -1,4 +1,3 @@
-#include <cstdarg>
 #include <cstring>
 #include <map>
 #include <mutex>
@@ -48,18 +47,14 @@ int remember(int file, const std::string& path) {
 
 extern "C" {
 
-int __real_openat64(int folder, const char* name, int flags, ...);
+int __real_openat64(int folder, const char* name, int flags, mode_t mode);
 int __real_fstatat64(int folder, const char* name, struct stat64* status, int flags);
 int __real_unlinkat(int folder, const char* name, int flags);
 int __real_renameat2(int from, const char* name, int to, const char* newName, unsigned flags);
 int __real_close(int file);
-long __real_syscall(long number, ...);
+long __real_syscall(long number, long a, long b, long c, long d, long e, long f);
 
-int __wrap_openat64(int folder, const char* name, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
+int __wrap_openat64(int folder, const char* name, int flags, mode_t mode) {
     const std::string path = plain(folder, name);
     const bool follows = (flags & O_DIRECTORY) != 0;
     return remember(__real_openat64(AT_FDCWD, path.c_str(), follows ? flags & ~O_NOFOLLOW : flags, mode),
@@ -87,21 +82,14 @@ int __wrap_close(int file) {
     return __real_close(file);
 }
 
-long __wrap_syscall(long number, ...) {
-    va_list arguments;
-    va_start(arguments, number);
-    long values[6];
-    for (long& value : values) {
-        value = va_arg(arguments, long);
-    }
-    va_end(arguments);
+long __wrap_syscall(long number, long a, long b, long c, long d, long e, long f) {
     if (number != SYS_openat2) {
-        return __real_syscall(number, values[0], values[1], values[2], values[3], values[4], values[5]);
+        return __real_syscall(number, a, b, c, d, e, f);
     }
-    const int base = static_cast<int>(values[0]);
-    const auto* name = reinterpret_cast<const char*>(values[1]);
-    const auto* how = reinterpret_cast<const open_how*>(values[2]);
+    const int base = static_cast<int>(a);
+    const auto* name = reinterpret_cast<const char*>(b);
+    const auto* how = reinterpret_cast<const open_how*>(c);
     const std::string path = *name == '/' ? pathOf(base) + name : plain(base, name);
-    return remember(__real_openat64(AT_FDCWD, path.c_str(), static_cast<int>(how->flags)), path);
+    return remember(__real_openat64(AT_FDCWD, path.c_str(), static_cast<int>(how->flags), 0), path);
 }
 }

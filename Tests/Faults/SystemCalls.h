@@ -2,12 +2,22 @@
 
 #include <cstddef>
 #include <functional>
-#include <map>
 #include <string>
+#include <vector>
 
 namespace tests {
 
-/// One call to the system that fails: the `number`th of its name, counted from 1.
+/// A call to the system, the `number`th of its name, counted from 1.
+struct Call {
+    std::string name;
+    size_t number = 0;
+    /// Where it was made: the functions on the stack.
+    std::string place;
+    /// The item that it is about, by its path on the host; empty where that is no matter of the tree. Calls
+    /// that read or write what is open go on where the last one ended: each has its own.
+    std::string item;
+};
+
 struct Fault {
     std::string call;
     size_t number = 0;
@@ -17,19 +27,13 @@ struct Fault {
 /// The name under which allocations count as calls; they fail with an exception, whatever the error.
 inline constexpr const char* allocation = "operator new";
 
-/// How often `work` makes each call. Only calls of this thread count, here and below.
-std::map<std::string, size_t> countCalls(const std::function<void()>& work);
+/// The calls that `work` makes: allocations alone, or all others.
+std::vector<Call> callsOf(const std::function<void()>& work, bool allocations);
 
 /// Runs `work` with that one call failing instead of being made.
 void runWithFault(const Fault& fault, const std::function<void()>& work);
 
-/// While it lives, all calls of a name fail, whatever else does.
-class StandingFault {
-  public:
-    StandingFault(std::string call, int error);
-    StandingFault(const StandingFault&) = delete;
-    StandingFault& operator=(const StandingFault&) = delete;
-    ~StandingFault();
-};
+/// From now on all calls of this name fail, whatever else does; with no name, none.
+void setStandingFault(Fault fault);
 
 } // namespace tests

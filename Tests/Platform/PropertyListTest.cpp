@@ -31,21 +31,19 @@ Result<Value> reread(const Value& value, PropertyListFormat format) {
     return parsePropertyList(serializePropertyList(value, format));
 }
 
-const Value sample = Dictionary{
-    {"true", true},
-    {"negative", -5},
-    {"lowest", std::numeric_limits<int64_t>::min()},
-    {"highest", std::numeric_limits<uint64_t>::max()},
-    {"real", 0.1},
-    {"large", -1e300},
-    {"data", Data{"\0\xFF\0"s}},
-    {"empty", Data{}},
-    {"distant future", Date{63113904000.0}},
-    {"identifier", Uid{5}},
-    {"text <&> \xF0\x9F\x98\x80", " a\n<&>'\" \xC3\xA4 \xF0\x9F\x98\x80 "},
-    {"", ""},
-    {"array", Array{1, Array{}, Dictionary{}, Dictionary{{"a", Array{"b"}}}}},
-};
+const Value sample = Dictionary{{"true", true},
+                                {"negative", -5},
+                                {"lowest", std::numeric_limits<int64_t>::min()},
+                                {"highest", std::numeric_limits<uint64_t>::max()},
+                                {"real", 0.1},
+                                {"large", -1e300},
+                                {"data", Data{"\0\xFF\0"s}},
+                                {"empty", Data{}},
+                                {"distant future", Date{63113904000.0}},
+                                {"identifier", Uid{5}},
+                                {"text <&> \xF0\x9F\x98\x80", " a\n<&>'\" \xC3\xA4 \xF0\x9F\x98\x80 "},
+                                {"", ""},
+                                {"array", Array{1, Array{}, Dictionary{}, Dictionary{{"a", Array{"b"}}}}}};
 
 std::string bigEndian(uint64_t number, size_t size) {
     std::string bytes(size, '\0');
@@ -73,6 +71,17 @@ std::string arrayObject(const std::vector<uint64_t>& references) {
         object += bigEndian(reference, 4);
     }
     return object;
+}
+
+constexpr size_t mebibyte = size_t{1} << 20;
+
+/// Text or bytes that take so much.
+std::string blobObject(char kind, size_t length, size_t bytes) {
+    return kind + ("\x12" + bigEndian(length, 4)) + std::string(bytes, 'N');
+}
+
+std::string tagged(const std::string& tag, size_t mebibytes) {
+    return "<" + tag + ">" + std::string(mebibytes * mebibyte, 'A') + "</" + tag + ">";
 }
 
 /// Every array refers to the next one `width` times; the last is a number.
@@ -119,26 +128,17 @@ TEST(PropertyList, RefusesMalformedAndTooDeepLists) {
     manyObjects.replace(good.size() - 24, 8, 8, '\xFF');
     const std::string wide = encoded(xml("<true/>"), "UTF-16LE");
     const std::vector<std::string> lists = {
-        wildOffset,
-        manyObjects,
-        binary({arrayObject({1}), arrayObject({0})}),                    // a cycle
-        binary({arrayObject({9})}),                                      // no such object
-        binary({"\xD1"s + bigEndian(1, 4) + bigEndian(1, 4), "\x10\1"}), // a key that is no text
-        binary({"\x4F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}),            // huge lengths
-        binary({"\xAF\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}),
-        binary({"\x6F\x13\x80\0\0\0\0\0\0\1"s}),
-        binary({"\x53"s + "a\0b"s}),
-        binary({"\x51\x80"}),
-        binary({"\x14" + std::string(16, '\xFF')}),
+        // A wild offset, a wild count, a cycle, no such object, a key that is no text, huge lengths.
+        wildOffset, manyObjects, binary({arrayObject({1}), arrayObject({0})}), binary({arrayObject({9})}),
+        binary({"\xD1"s + bigEndian(1, 4) + bigEndian(1, 4), "\x10\1"}),
+        binary({"\x4F\x13\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}),
+        binary({"\xAF\x13\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF"}), binary({"\x6F\x13\x80\0\0\0\0\0\0\1"s}),
+        // A byte 0, no ASCII, a number of 128 bits, a null.
+        binary({"\x53"s + "a\0b"s}), binary({"\x51\x80"}), binary({"\x14" + std::string(16, '\xFF')}),
         binary({"\0"s}),
-        laughs(300, 1), // too deep
-        nestedXml(100000),
-        repeated("(", 100000),
-        "{" + repeated("a = {", 300),
-        repeated("(", 300) + repeated(")", 300),
-        wide.substr(0, wide.size() - 8),
-        wide + "\n", // half a character
-    };
+        // Too deep, cut off, half a character.
+        laughs(300, 1), nestedXml(100000), repeated("(", 100000), "{" + repeated("a = {", 300),
+        repeated("(", 300) + repeated(")", 300), wide.substr(0, wide.size() - 8), wide + "\n"};
     for (const std::string& list : lists) {
         EXPECT_EQ(parsePropertyList(list).error(), std::errc::illegal_byte_sequence) << list.substr(0, 100);
     }
@@ -177,7 +177,6 @@ TEST(PropertyList, TakesAtMost64MebibytesForOneList) {
     if (tests::sanitized) {
         GTEST_SKIP() << "a sanitizer takes memory of its own";
     }
-    constexpr size_t mebibyte = size_t{1} << 20;
     std::string keys;
     for (size_t i = 0; keys.size() < 4 * mebibyte; ++i) {
         keys += "<key>a key of some length " + std::to_string(i) + "</key><integer>1</integer>";
@@ -191,22 +190,20 @@ TEST(PropertyList, TakesAtMost64MebibytesForOneList) {
         nestedXml(1000000),
         xml("<array>" + repeated("<string>twenty characters...</string>", mebibyte / 7) + "</array>"),
         xml("<dict>" + keys + "</dict>"),
-        xml("<string>" + std::string(15 * mebibyte, 'a') + "</string>"),
-        xml("<data>" + std::string(15 * mebibyte, 'A') + "</data>"),
-        xml("<string>" + std::string(40 * mebibyte, 'a') + "</string>"),
-        binary({"\x4F\x12" + bigEndian(15 * mebibyte, 4) + std::string(15 * mebibyte, 'a')}),
-        binary({"\x5F\x12" + bigEndian(15 * mebibyte, 4) + std::string(15 * mebibyte, 'a')}),
-        binary({"\x6F\x12" + bigEndian(5 * mebibyte, 4) + std::string(10 * mebibyte, '\x4E')}),
-        binary({arrayObject(std::vector<uint64_t>(100, 1)),
-                "\x4F\x12" + bigEndian(mebibyte, 4) + std::string(mebibyte, 'a')}),
+        xml(tagged("string", 15)),
+        xml(tagged("data", 15)),
+        xml(tagged("string", 40)),
+        binary({blobObject('\x4F', 15 * mebibyte, 15 * mebibyte)}),
+        binary({blobObject('\x5F', 15 * mebibyte, 15 * mebibyte)}),
+        binary({blobObject('\x6F', 5 * mebibyte, 10 * mebibyte)}),
+        binary({arrayObject(std::vector<uint64_t>(100, 1)), blobObject('\x4F', mebibyte, mebibyte)}),
         "(" + repeated("a,", mebibyte / 5) + ")",
         "(" + repeated("(),", mebibyte / 5) + ")",
-        "{a=\"" + std::string(7 * mebibyte, 'a') + "\";}",
+        "{a=\"" + repeated("a", 7 * mebibyte) + "\";}",
         "{a=\"" + repeated("\xE4\xBD\xA0", 7 * mebibyte / 3) + "\";}",
-        "{a=<" + std::string(7 * mebibyte, 'a') + ">;}",
-        encoded("\uFEFF" + xml("<string>" + std::string(5 * mebibyte, 'a') + "</string>"), "UTF-16LE"),
-        encoded("\uFEFF(" + repeated("aaaa,", mebibyte / 5) + ")", "UTF-32BE"),
-    };
+        "{a=<" + repeated("a", 7 * mebibyte) + ">;}",
+        encoded("\uFEFF" + xml(tagged("string", 5)), "UTF-16LE"),
+        encoded("\uFEFF(" + repeated("aaaa,", mebibyte / 5) + ")", "UTF-32BE")};
     for (const std::string& list : lists) {
         const auto inputKilobytes = static_cast<long>(std::min<size_t>(list.size(), 16 * mebibyte) / 1024);
         EXPECT_TRUE(staysWithin(64 * 1024 - inputKilobytes, list)) << list.size();

@@ -12,17 +12,14 @@ namespace scenarios {
 
 namespace {
 
+constexpr std::pair<std::string_view, unsigned> bits[] = {
+    {"system", 1}, {"user", 2}, {"noapple", 1}, {"icon", 2}, {"cleanup", 1}, {"images", 2}, {"languages", 4}};
+
 /// The bits that a text such as "user+system" names.
 template <class Mask>
 Mask maskOf(std::string_view text) {
     unsigned mask = 0;
-    for (const auto& [name, bit] : {std::pair("system", 1U),
-                                    {"user", 2U},
-                                    {"noapple", 1U},
-                                    {"icon", 2U},
-                                    {"cleanup", 1U},
-                                    {"images", 2U},
-                                    {"languages", 4U}}) {
+    for (const auto& [name, bit] : bits) {
         mask |= text.contains(name) ? bit : 0;
     }
     return static_cast<Mask>(mask);
@@ -76,14 +73,16 @@ void apps(World& world, const Words& words) {
     sayAll(world, names, ", ");
 }
 
-/// The application that an info dictionary makes.
+/// The applications that info dictionaries make.
 void record(World& world, const Words& words) {
     const auto type = words.at(0) == "user" ? OZAppType::user : OZAppType::system;
-    world.print(described(OZApp::make(type, *valueOf(words.at(1)).as<platform::Dictionary>()).get()));
+    for (size_t place = 1; place < words.size(); ++place) {
+        world.print(described(OZApp::make(type, *valueOf(words[place]).as<platform::Dictionary>()).get()));
+    }
 }
 
-/// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded, and from
-/// what.
+/// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded, in two ways,
+/// and what is stored of that.
 void exclude(World& world, const Words& words) {
     OZAppList& list = world.builder().appList();
     if (words.size() == 3) {
@@ -94,21 +93,13 @@ void exclude(World& world, const Words& words) {
     }
     Words texts = list.excludedAppsIdentifiers();
     for (const auto& app : list.appList({.typeMask = OZAppTypeMask::all})) {
-        const std::string& identifier = app->identifier();
-        if (list.isAppExcluded(identifier)) {
-            const auto mask = static_cast<unsigned>(list.exclusionMaskForApp(identifier));
-            const bool fromLanguages = list.isAppExcluded(identifier, OZExclusionMask::languages);
-            texts.push_back(fmt::format("{}={}{}", identifier, mask, fromLanguages ? "=languages" : ""));
-        }
+        texts.push_back(list.isAppExcluded(app->identifier()) ? app->displayName() : "");
     }
-    sayAll(world, texts);
-}
-
-/// What would be stored of the exclusions.
-void storedExclusions(World& world, const Words& /*words*/) {
-    world.builder().appList().writeDefaults();
+    std::erase(texts, "");
+    list.writeDefaults();
     const auto stored = world.device().standardUserDefaults().objectForKey("excludedApps");
-    world.say(stored ? textOf(*stored) : "nothing");
+    texts.push_back(stored ? textOf(*stored) : "nothing");
+    sayAll(world, texts);
 }
 
 void excludedPaths(World& world, const Words& words) {
@@ -119,38 +110,38 @@ void excludedPaths(World& world, const Words& words) {
 
 /// The directories of user, system, groups, system groups and plug-ins: bundles before data.
 void appFolders(World& world, const Words& /*words*/) {
-    using Folder = std::optional<std::string> (OZAppList::*)() const;
-    for (const Folder folder :
-         {&OZAppList::userAppBundleContainerDir, &OZAppList::userAppDataContainerDir,
-          &OZAppList::systemAppBundleContainerDir, &OZAppList::systemAppDataContainerDir,
-          &OZAppList::userGroupDataContainerDir, &OZAppList::systemGroupDataContainerDir,
-          &OZAppList::pluginDataContainerDir}) {
-        world.say((world.builder().appList().*folder)().value_or("none"));
+    const OZAppList& list = world.builder().appList();
+    Words folders;
+    for (const auto& folder : {list.userAppBundleContainerDir(), list.userAppDataContainerDir(),
+                               list.systemAppBundleContainerDir(), list.systemAppDataContainerDir(),
+                               list.userGroupDataContainerDir(), list.systemGroupDataContainerDir(),
+                               list.pluginDataContainerDir()}) {
+        folders.push_back(folder.value_or("none"));
     }
+    sayAll(world, folders);
 }
 
-/// What models tell; without words, how many of all conceivable ones tell what.
-void model(World& world, const Words& words) {
-    const auto told = [](const std::string& name) {
-        const OZDeviceInformation device(name);
-        std::string text = device.isKnownDevice() ? "known" : "unknown";
-        for (const auto& [label, answer] : {std::pair("iPad", device.isiPad()),
-                                            {"4inch", device.is4inchDevice()},
-                                            {"1x", device.isNonRetinaDevice()},
-                                            {"2x", device.isRetina2xDevice()},
-                                            {"3x", device.isRetina3xDevice()}}) {
-            constexpr const char* marks[] = {"", " {}", " {}?"};
-            text += fmt::format(fmt::runtime(marks[static_cast<unsigned>(answer)]), label);
-        }
-        return text;
-    };
-    for (const auto& word : words) {
-        world.say(told(word));
-    }
-    std::map<std::string, int> counts;
+/// How many of the models tell what; without words, of all conceivable ones.
+void models(World& world, Words words) {
     for (int place = words.empty() ? 0 : 1200; place < 1200; ++place) {
         constexpr const char* families[] = {"iPad", "iPhone", "iPod"};
-        ++counts[told(fmt::format("{}{},{}", families[place / 400], place / 20 % 20, place % 20))];
+        words.push_back(fmt::format("{}{},{}", families[place / 400], place / 20 % 20, place % 20));
+    }
+    std::map<std::string, int> counts;
+    for (const auto& word : words) {
+        const OZDeviceInformation device(word);
+        std::string text = device.isKnownDevice() ? "known" : "unknown";
+        const std::pair<const char*, OZTriState> answers[] = {{"iPad", device.isiPad()},
+                                                              {"4inch", device.is4inchDevice()},
+                                                              {"1x", device.isNonRetinaDevice()},
+                                                              {"2x", device.isRetina2xDevice()},
+                                                              {"3x", device.isRetina3xDevice()}};
+        for (const auto& [label, answer] : answers) {
+            text += answer == OZTriState::no
+                        ? ""
+                        : fmt::format(" {}{}", label, answer == OZTriState::yes ? "" : "?");
+        }
+        ++counts[text];
     }
     for (const auto& [text, count] : counts) {
         world.say(fmt::format("{} {}", count, text));
@@ -175,10 +166,9 @@ const Verbs verbs{{"apps", apps},
                   {"installed", installed},
                   {"record", record},
                   {"exclude", exclude},
-                  {"stored-exclusions", storedExclusions},
                   {"excluded-paths", excludedPaths},
                   {"app-folders", appFolders},
-                  {"model", model},
+                  {"models", [](World& world, const Words& words) { models(world, words); }},
                   {"fonts", fonts}};
 
 } // namespace

@@ -2,7 +2,6 @@
 
 #include "Model/Items/Deletable/Dictionaries/OZDictionaryList.h"
 #include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
-#include "Model/Items/Togglable/Daemons/OZDaemon.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonList.h"
 #include "Model/Items/Togglable/Daemons/OZOverrideDaemon.h"
 #include "Model/Items/Togglable/OZCSAddon.h"
@@ -18,54 +17,50 @@
 #include "Tests/Scenarios/Runner/World.h"
 
 #include <algorithm>
-#include <fstream>
-#include <stdexcept>
+#include <filesystem>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace scenarios {
 
 namespace {
 
-OZTogglableItemList& togglableList(World& world, const std::string& name) {
-    auto& builder = world.builder();
+OZTogglableItemList& togglables(World& world, const std::string& name) {
     if (name == "daemons") {
-        return builder.daemonList();
+        return world.builder().daemonList();
     }
-    auto& workspace = builder.packageWorkspace();
+    auto& workspace = world.builder().packageWorkspace();
     return name == "addons" ? static_cast<OZTogglableItemList&>(workspace.CSAddonList())
                             : workspace.prefBundleList();
 }
 
-/// Such as "name", "-name" for what is off, "name>off" for what is to change, "name?" for what is for another
+/// Such as "name", "-name" for what is off, "name>off" for what is to change, "name?" for a page of another
 /// version, "-group(-a b)".
 std::string stateOf(OZTogglableItem& item, const std::string& name) {
     const bool isOn = item.currentEnabledState();
-    std::string text = (isOn ? "" : "-") + name;
-    if (const auto* page = dynamic_cast<OZPreferenceBundle*>(&item)) {
-        text += page->isForCurrentiOSVersion() ? "" : "?";
+    const auto* page = dynamic_cast<OZPreferenceBundle*>(&item);
+    const std::string text = (isOn ? "" : "-") + name +
+                             (page == nullptr || page->isForCurrentiOSVersion() ? "" : "?") +
+                             (item.enabledState() == isOn ? ""
+                              : isOn                      ? ">off"
+                                                          : ">on");
+    auto* list = dynamic_cast<OZTogglableItemList*>(&item);
+    Words members;
+    for (const auto& [key, member] : list == nullptr ? OZTogglableItemMap() : list->items()) {
+        members.push_back(stateOf(*member, key));
     }
-    if (isOn != item.enabledState()) {
-        text += isOn ? ">off" : ">on";
-    }
-    if (auto* list = dynamic_cast<OZTogglableItemList*>(&item)) {
-        std::string members;
-        for (const auto& [key, member] : list->items()) {
-            members += (members.empty() ? "" : " ") + stateOf(*member, key);
-        }
-        text += "(" + members + ")";
-    }
-    return text;
+    return list == nullptr ? text : fmt::format("{}({})", text, fmt::join(members, " "));
 }
 
 /// "items LIST": "addons", "pages" or "daemons".
 void items(World& world, const Words& words) {
-    world.say(stateOf(togglableList(world, words.at(0)), ""));
+    world.say(stateOf(togglables(world, words.at(0)), ""));
 }
 
 /// "titles LIST": a line for each item, in the order of titles, with its package, icon and description.
 void titles(World& world, const Words& words) {
-    for (const auto& item : togglableList(world, words.at(0)).itemsSortedByTitle()) {
+    for (const auto& item : togglables(world, words.at(0)).itemsSortedByTitle()) {
         auto* group = dynamic_cast<OZPreferenceBundleGroup*>(item.get());
         const auto* file = dynamic_cast<OZTogglablePkgFile*>(item.get());
         const auto package = group != nullptr  ? group->package()
@@ -81,8 +76,8 @@ void titles(World& world, const Words& words) {
 /// "switch LIST ITEM ACTION…" lets one item, or "all", be "on" or "off", and be told to "apply" or "discard"
 /// that. Says what the last two did, and the state then.
 void change(World& world, const Words& words) {
-    auto& list = togglableList(world, words.at(0));
-    const auto found = words.at(1) == "all" ? nullptr : list.itemWithIdentifier(words[1]);
+    auto& list = togglables(world, words.at(0));
+    const auto found = list.itemWithIdentifier(words.at(1));
     if (!found && words[1] != "all") {
         return world.say("unknown");
     }
@@ -92,8 +87,8 @@ void change(World& world, const Words& words) {
         if (*word == "on" || *word == "off") {
             item.setEnabledState(*word == "on");
         } else {
-            const bool isDone = *word == "apply" ? item.applyChanges() : item.discardChanges();
-            said += isDone ? *word + ", " : "no " + *word + ", ";
+            said += (*word == "apply" ? item.applyChanges() : item.discardChanges()) ? "" : "no ";
+            said += *word + ", ";
         }
     }
     world.say(said + stateOf(item, item.identifier()));
@@ -105,24 +100,17 @@ void toggler(World& world, const Words& words) {
     auto& workspace = world.builder().packageWorkspace();
     OZCSAddonToggler toggler(workspace, world.device().standardUserDefaults());
     for (const auto& word : words) {
-        const std::string name = word.substr(0, word.find('='));
         const bool isOn = word.ends_with("=on");
         if (word == "all") {
             toggler.toggleAll();
-        } else if (name == "auto") {
+        } else if (word.starts_with("auto=")) {
             toggler.setAutoManageDependencies(isOn);
         } else {
-            toggler.setEnabledStateOfAddon(
-                static_cast<OZCSAddon&>(*workspace.CSAddonList().itemWithIdentifier(name)), isOn);
+            const auto addon = workspace.CSAddonList().itemWithIdentifier(word.substr(0, word.find('=')));
+            toggler.setEnabledStateOfAddon(static_cast<OZCSAddon&>(*addon), isOn);
         }
     }
     world.say(stateOf(workspace.CSAddonList(), toggler.autoManageDependencies() ? "auto" : "manual"));
-}
-
-/// "daemon LABEL": one that need not be in the table.
-void daemon(World& world, const Words& words) {
-    const auto daemon = OZDaemon::make(world.device(), words.at(0));
-    world.say(daemon ? daemon->title() : "none");
 }
 
 /// "overridden LABEL LISTING": what the service manager's listing says.
@@ -135,9 +123,27 @@ void restore(World& world, const Words& /*words*/) {
     world.builder().systemRestore()->restore();
 }
 
-OZDeletableItemList& deletableList(World& world, const std::string& name) {
+OZDeletableItemList& deletables(World& world, const std::string& name) {
     return name == "dictionaries" ? static_cast<OZDeletableItemList&>(world.builder().dictionaryList())
                                   : world.builder().preferenceFileList();
+}
+
+/// "rows LIST": the titles of "dictionaries" or "preferences"; with "paths", "icons" or "sizes" behind it a
+/// line for each.
+void rows(World& world, const Words& words) {
+    Words titles;
+    for (const auto& item : deletables(world, words.at(0)).allItems()) {
+        titles.push_back(item->title());
+        if (words.size() > 1) {
+            world.say(item->title() + ": " +
+                      (words[1] == "paths"   ? item->identifier()
+                       : words[1] == "icons" ? item->iconURL().value_or("none")
+                                             : item->humanReadableSize()));
+        }
+    }
+    if (words.size() == 1) {
+        world.say(titles.empty() ? "nothing" : fmt::format("{}", fmt::join(titles, ", ")));
+    }
 }
 
 /// Removes the first row with a title, as a user does who sees it.
@@ -147,44 +153,16 @@ void deleteRow(OZDeletableItemList& list, const std::string& title) {
     list.deleteItemAtIndex(static_cast<size_t>(row - items.begin()));
 }
 
-/// "rows LIST": the titles of "dictionaries" or "preferences"; "paths", "icons" or "sizes" behind it: a line
-/// for each with its identifier, icon or size.
-void rows(World& world, const Words& words) {
-    auto& list = deletableList(world, words.at(0));
-    std::string titles;
-    for (const auto& item : list.allItems()) {
-        if (words.size() == 1) {
-            titles += (titles.empty() ? "" : ", ") + item->title();
-        } else {
-            world.say(item->title() + ": " +
-                      (words[1] == "paths"   ? item->identifier()
-                       : words[1] == "icons" ? item->iconURL().value_or("none")
-                                             : item->humanReadableSize()));
-        }
-    }
-    if (words.size() == 1) {
-        world.say(titles.empty() ? "nothing" : titles);
-    }
-}
-
 /// "delete LIST TITLE…".
 void deleteRows(World& world, const Words& words) {
-    auto& list = deletableList(world, words.at(0));
+    auto& list = deletables(world, words.at(0));
     std::for_each(words.begin() + 1, words.end(), [&](const auto& title) { deleteRow(list, title); });
 }
 
-void search(World& world, const Words& words) {
-    deletableList(world, words.at(0)).reloadItems();
-}
-
 /// Says when the preference daemon's restart starts and ends, by the seconds that the main queue was told of.
-class Reloads : public OZPrefDaemonReloadDelegate {
-  public:
-    void prefDaemonReloadStarted() override { note("started"); }
-    void prefDaemonReloadEnded() override { note("ended"); }
-    void note(const char* what) {
-        said += fmt::format("{}{} at {}", said.empty() ? "" : ", ", what, seconds);
-    }
+struct Reloads : OZPrefDaemonReloadDelegate {
+    void prefDaemonReloadStarted() override { said += fmt::format("started at {}, ", seconds); }
+    void prefDaemonReloadEnded() override { said += fmt::format("ended at {}, ", seconds); }
 
     double seconds = 0;
     std::string said;
@@ -194,15 +172,13 @@ class Reloads : public OZPrefDaemonReloadDelegate {
 /// restart, "end" lets the tool see the file "stop" and waits for its end, "close" lets go of the list.
 void reloads(World& world, const Words& words) {
     auto& device = world.device();
-    device.mainQueue().setManualClock(true);
+    auto& queue = device.mainQueue();
+    queue.setManualClock(true);
     Reloads reloads;
-    std::unique_ptr<OZPreferenceFileList> list;
+    auto list = std::make_unique<OZPreferenceFileList>(device, &world.builder().appList(),
+                                                       [](auto) { return std::nullopt; });
+    list->setPrefDaemonReloadDelegate(&reloads);
     for (const auto& word : words) {
-        if (!list) {
-            list = std::make_unique<OZPreferenceFileList>(device, &world.builder().appList(),
-                                                          [](auto) { return std::nullopt; });
-            list->setPrefDaemonReloadDelegate(&reloads);
-        }
         if (word.starts_with('-')) {
             deleteRow(*list, word.substr(1));
         } else if (word == "now") {
@@ -210,36 +186,27 @@ void reloads(World& world, const Words& words) {
         } else if (word == "close") {
             list.reset();
         } else if (word == "end") {
-            bool hasEnded = false;
-            const platform::Observation observation(
-                device.notificationCenter(), OZTaskDidTerminateNotification,
-                list->prefDaemonReloadTask().get(), [&](const auto&) { hasEnded = true; });
-            const auto stop = world.folder.folder() / "stop";
-            std::ofstream(stop) << "now";
-            if (!device.mainQueue().runUntil([&] { return hasEnded; }, 30)) {
-                throw std::runtime_error("the tool does not end");
-            }
-            std::filesystem::remove(stop);
+            bool isRunning = true;
+            const platform::Observation end(device.notificationCenter(), OZTaskDidTerminateNotification,
+                                            list->prefDaemonReloadTask().get(),
+                                            [&](const auto&) { isRunning = false; });
+            world.give("host touch stop");
+            reloads.said += queue.runUntil([&] { return !isRunning; }, 30) ? "" : "hanging, ";
+            world.give("host rm stop");
         } else {
-            const double end = reloads.seconds + std::stod(word);
-            while (reloads.seconds < end) {
+            for (const double end = reloads.seconds + std::stod(word); reloads.seconds < end;) {
                 reloads.seconds += 0.25;
-                device.mainQueue().advance(0.25);
-                device.mainQueue().runPending();
+                queue.advance(0.25);
+                queue.runPending();
             }
         }
     }
-    if (list && list->prefDaemonReloadTask()) {
-        reloads.said += ", busy";
-    }
-    world.say(reloads.said.empty() ? "nothing" : reloads.said);
+    world.say(reloads.said + (list && list->prefDaemonReloadTask() ? "busy" : "idle"));
 }
 
-const Verbs verbs{
-    {"items", items},       {"titles", titles},         {"switch", change},   {"toggler", toggler},
-    {"daemon", daemon},     {"overridden", overridden}, {"restore", restore}, {"rows", rows},
-    {"delete", deleteRows}, {"search", search},         {"reloads", reloads},
-};
+const Verbs verbs{{"items", items},     {"titles", titles},         {"switch", change},
+                  {"toggler", toggler}, {"overridden", overridden}, {"restore", restore},
+                  {"rows", rows},       {"delete", deleteRows},     {"reloads", reloads}};
 
 } // namespace
 

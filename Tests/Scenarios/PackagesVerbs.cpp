@@ -81,8 +81,8 @@ void owners(World& world, const Words& words) {
     }
 }
 
-/// "edit BYTES PATH…": what becomes of a package's list of files with these bytes when paths are added
-/// ("+/path") and removed ("-/path"): an answer for each, and the bytes. Its date and mode have to stay.
+/// "edit BYTES PATH…": whether a package's list of files with these bytes changes when paths are added
+/// ("+/path") and removed ("-/path"), and the bytes whenever it does. Its date and mode have to stay.
 void edit(World& world, const Words& words) {
     const std::string path = "/var/lib/dpkg/info/edited.list";
     world.folder.addFile(path, words.at(0));
@@ -91,17 +91,19 @@ void edit(World& world, const Words& words) {
     fs::last_write_time(file, date);
     fs::permissions(file, fs::perms(0640));
     OZPackage package(world.device(), "edited");
-    std::string said;
+    Words said;
     for (auto word = words.begin() + 1; word != words.end(); ++word) {
+        const std::string before = world.folder.contents(path);
         const std::string changed = word->substr(1);
-        said += ((*word)[0] == '+' ? package.addFilePath(changed) : package.removeFilePath(changed)) ? "yes "
-                                                                                                     : "no ";
+        const bool isDone =
+            (*word)[0] == '+' ? package.addFilePath(changed) : package.removeFilePath(changed);
+        const std::string bytes = world.folder.contents(path);
+        said.push_back((isDone ? "yes" : "no") + (bytes == before ? "" : " " + escaped(bytes)));
     }
-    const bool isKept =
-        fs::last_write_time(file) == date && fs::status(file).permissions() == fs::perms(0640);
-    const std::string bytes = world.folder.contents(path);
-    world.say(said + (bytes == words[0] ? "unchanged" : escaped(bytes)) +
-              (isKept ? "" : " with another date or mode"));
+    if (fs::last_write_time(file) != date || fs::status(file).permissions() != fs::perms(0640)) {
+        said.emplace_back("another date or mode");
+    }
+    world.say(fmt::format("{}", fmt::join(said, " ")));
     world.takeEffects();
 }
 
@@ -116,17 +118,16 @@ void listed(World& world, const Words& words) {
 void infos(World& world, const Words& /*words*/) {
     auto& workspace = world.builder().packageWorkspace();
     for (const auto& [identifier, info] : workspace.packageInfoByPkgId()) {
+        auto needed = workspace.CSAddonDependenciesForPkgId(identifier);
+        auto needing = workspace.CSAddonDependantsForPkgId(identifier);
+        std::ranges::sort(needed, {}, &OZCSAddon::identifier);
+        std::ranges::sort(needing, {}, &OZCSAddon::identifier);
         world.say(info->name() + ":" + identifiersOf(info->CSAddons()) +
                   (info->preferenceBundle() ? ", page " + info->preferenceBundle()->identifier() : "") +
                   (info->iconURL() ? ", icon " + *info->iconURL() : "") +
+                  (needed.empty() ? "" : ", needs" + identifiersOf(needed)) +
+                  (needing.empty() ? "" : ", for" + identifiersOf(needing)) +
                   (workspace.finishedLoading() ? "" : ", not loaded"));
-        for (auto [text, addons] : {std::pair("needs", workspace.CSAddonDependenciesForPkgId(identifier)),
-                                    {"needed by", workspace.CSAddonDependantsForPkgId(identifier)}}) {
-            std::ranges::sort(addons, {}, &OZCSAddon::identifier);
-            if (!addons.empty()) {
-                world.say(std::string("  ") + text + identifiersOf(addons));
-            }
-        }
     }
 }
 

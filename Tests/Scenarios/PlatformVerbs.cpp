@@ -1,5 +1,6 @@
 // What scenarios can do with paths, files and formats.
 
+#include "Platform/Device/HostOutput.h"
 #include "Platform/Formats/PropertyList.h"
 #include "Platform/Formats/StringsFile.h"
 #include "Tests/Platform/PropertyListTexts.h"
@@ -16,10 +17,12 @@
 #include <set>
 #include <stdexcept>
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <grp.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace scenarios {
@@ -40,20 +43,15 @@ void reopen(World& world, const Words& /*words*/) {
     world.reopen();
 }
 
-/// Says each subject's answer, or one for all where they agree. "ok" goes without saying.
+/// Says the subjects' answers, or one for all where they agree. "ok" goes without saying.
 void sayAnswers(World& world, const Words& subjects,
                 const std::function<std::string(const std::string&)>& ask) {
-    std::vector<std::pair<std::string, std::string>> answers;
-    for (const auto& subject : subjects) {
-        answers.emplace_back(subject, ask(subject));
-    }
-    const std::string& first = answers.at(0).second;
-    if (std::ranges::any_of(answers, [&](const auto& answer) { return answer.second != first; })) {
-        for (const auto& [subject, answer] : answers) {
-            world.say(escaped(subject) + ": " + answer);
-        }
-    } else if (first != "ok") {
-        world.say(first);
+    Words answers;
+    std::ranges::transform(subjects, std::back_inserter(answers), ask);
+    if (std::ranges::adjacent_find(answers, std::not_equal_to()) != answers.end()) {
+        world.say(fmt::format("{}", fmt::join(answers, ", ")));
+    } else if (answers.at(0) != "ok") {
+        world.say(answers[0]);
     }
 }
 
@@ -135,12 +133,13 @@ std::string writeTo(Result<FileHandle> file, const std::string& text) {
     return !file || !file->seekToEnd() ? answerOf(file) : answerOf(file->write(text));
 }
 
-/// Does something with a path by a file manager's operation. An argument stands behind "=".
+using Acts = std::map<std::string, std::function<std::string()>>;
+
+/// Does something with a path by a file manager's operations. An argument stands behind "=".
 std::string act(FileManager& files, const std::string& name, const std::string& path, const std::string& to) {
     const auto number = [&](int base) { return static_cast<uint32_t>(std::stoul(to, nullptr, base)); };
-    const auto limit = [&] { return to.empty() ? FileManager::defaultContentLimit : std::stoul(to); };
     const auto folder = [&](auto kind) { return answerOf(files.createDirectoryAtPath(path, kind)); };
-    const std::map<std::string, std::function<std::string()>> acts = {
+    const Acts acts = {
         {"append", [&] { return writeTo(files.openForWriting(path), to); }},
         {"cd", [&] { return answerOf(files.changeCurrentDirectoryPath(path)); }},
         {"copy", [&] { return answerOf(files.copyItemAtPath(path, to)); }},
@@ -164,7 +163,11 @@ std::string act(FileManager& files, const std::string& name, const std::string& 
         {"mode", [&] { return answerOf(files.setPermissionsOfItemAtPath(path, number(8))); }},
         {"move", [&] { return answerOf(files.moveItemAtPath(path, to)); }},
         {"own", [&] { return answerOf(files.setOwnerOfItemAtPath(path, number(10), std::nullopt)); }},
-        {"read", [&] { return answerOf(files.contentsAtPath(path, limit())); }},
+        {"read",
+         [&] {
+             return answerOf(to.empty() ? files.contentsAtPath(path)
+                                        : files.contentsAtPath(path, number(10)));
+         }},
         {"remove", [&] { return answerOf(files.removeItemAtPath(path)); }},
         {"resolve", [&] { return files.stringByResolvingSymlinksInPath(path); }},
         {"rewrite", [&] { return answerOf(files.writeContents(path, *files.contentsAtPath(path))); }},
@@ -180,32 +183,15 @@ std::string act(FileManager& files, const std::string& name, const std::string& 
     return acts.at(name)();
 }
 
-/// "folder:name" in an opened folder, "folder::path" below it, else what a path names.
-Result<Item> itemNamed(FileManager& files, const std::string& path) {
-    const size_t colon = path.find(':');
-    if (colon == std::string::npos) {
-        return files.itemAtPath(path);
-    }
-    const auto folder = files.folderAtPath(path.substr(0, colon)).value();
-    return path.substr(colon).starts_with("::") ? files.itemBelow(folder, path.substr(colon + 2))
-                                                : Item(folder, path.substr(colon + 1));
-}
-
 std::string removeFound(const Item& folder) {
     const auto walk = folder.enumerate();
     walk->nextObject();
     return answerOf(walk->item().remove());
 }
 
-/// The same with an item of its folder.
-std::string actOnItem(FileManager& files, const std::string& name, const std::string& path,
-                      const std::string& to) {
-    const auto found = itemNamed(files, path);
-    if (!found) {
-        return answerOf(found);
-    }
-    const Item& item = *found;
-    const std::map<std::string, std::function<std::string()>> acts = {
+/// The same with an item.
+std::string act(const Item& item, const std::string& name, const std::string& to) {
+    const Acts acts = {
         {"found", [&] { return "ok"; }},
         {"move", [&] { return answerOf(item.moveTo(Item(item.parent(), to))); }},
         {"open", [&] { return answerOf(item.openFolder()); }},
@@ -221,62 +207,105 @@ std::string actOnItem(FileManager& files, const std::string& name, const std::st
     return acts.at(name)();
 }
 
+/// "folder:name" in an opened folder, "folder::path" below it, else what a path names.
+Result<Item> itemNamed(FileManager& files, const std::string& path) {
+    const size_t colon = path.find(':');
+    if (colon == std::string::npos) {
+        return files.itemAtPath(path);
+    }
+    const auto folder = files.folderAtPath(path.substr(0, colon)).value();
+    return path.substr(colon).starts_with("::") ? files.itemBelow(folder, path.substr(colon + 2))
+                                                : Item(folder, path.substr(colon + 1));
+}
+
 /// The acts ("read,write=text") on each path, by the way of finding paths that a loop "paths" tells, in the
-/// folder "device" of the tree, or as "let root" names it: what is beside it is out of bounds.
-void onPaths(World& world, const Words& words, size_t handle, decltype(act)* actOn) {
+/// folder "device" of the tree, or as "let root" names it: what is beside it is out of bounds. The second
+/// handle shares its root with the first.
+void onPaths(World& world, const Words& words, size_t handle, bool isOnItems) {
     const auto variable = [&](const char* name, const char* usual) {
-        const auto found = world.variables.find(name);
-        return found == world.variables.end() ? usual : found->second;
+        return world.variables.contains(name) ? world.variables[name] : usual;
     };
     auto& handles = world.kept<std::vector<FileManager>>([&] {
-        const auto resolution =
+        const auto way =
             variable("paths", "kernel") == "kernel" ? PathResolution::kernel : PathResolution::componentWise;
-        const auto files =
-            FileManager::atRoot(world.folder.hostPath(variable("root", "/device")), resolution);
+        const auto files = FileManager::atRoot(world.folder.hostPath(variable("root", "/device")), way);
         return std::vector<FileManager>(files ? 2 : 0, *files);
     });
     if (handles.empty()) {
         return world.say("no root");
     }
+    const auto answer = [&](const std::string& path, const std::string& wish) {
+        const size_t equals = std::min(wish.find('='), wish.size());
+        const std::string name = wish.substr(0, equals);
+        const std::string to = wish.substr(std::min(equals + 1, wish.size()));
+        if (!isOnItems) {
+            return act(handles.at(handle), name, path, to);
+        }
+        const auto item = itemNamed(handles.at(handle), path);
+        return item ? act(*item, name, to) : answerOf(item);
+    };
     sayAnswers(world, {words.begin() + 1, words.end()}, [&](const std::string& path) {
         Words answers;
-        std::string_view names = words[0];
-        while (!names.empty()) {
-            const std::string_view name = names.substr(0, names.find(','));
-            names.remove_prefix(std::min(name.size() + 1, names.size()));
-            const size_t equals = std::min(name.find('='), name.size());
-            answers.push_back(actOn(handles[handle], std::string(name.substr(0, equals)), path,
-                                    std::string(name.substr(std::min(equals + 1, name.size())))));
+        for (const auto wish : std::views::split(words[0], ',')) {
+            answers.push_back(answer(path, std::string(wish.begin(), wish.end())));
         }
         const bool agree = std::ranges::adjacent_find(answers, std::not_equal_to()) == answers.end();
         return escaped(agree ? answers[0] : fmt::format("{}", fmt::join(answers, ", ")));
     });
 }
 
-/// Does an action in a process of its own: "as user=501 …", "as fsize=1000 …" (files get no larger).
+/// Notes an extended attribute on items, by their paths in the tree, and says what is noted.
+void note(World& world, const Words& words) {
+    for (size_t at = 1; at < words.size(); ++at) {
+        ::setxattr(world.folder.hostPath(words[at]).c_str(), "user.note", words[0].data(), words[0].size(),
+                   0);
+    }
+}
+
+void noted(World& world, const Words& words) {
+    sayAnswers(world, words, [&](const std::string& path) {
+        char text[16];
+        const ssize_t size = ::getxattr(world.folder.hostPath(path).c_str(), "user.note", text, sizeof text);
+        return size < 0 ? "nothing" : '"' + escaped({text, static_cast<size_t>(size)}) + '"';
+    });
+}
+
+void socket(World& world, const Words& words) {
+    for (const auto& path : words) {
+        ::mknod(world.folder.hostPath(path).c_str(), S_IFSOCK | 0644, 0);
+    }
+}
+
+/// What comes of opening files of the host, in the device folder, for output.
+void output(World& world, const Words& words) {
+    const Descriptor tree(::open((world.folder.folder() / "Root").c_str(), O_PATH | O_CLOEXEC));
+    for (const auto& word : words) {
+        const auto opened = HostOutput::open(world.folder.folder() / word, tree.get());
+        world.say(opened ? "ok" : opened.error());
+    }
+}
+
+/// Does an action in a process of its own: "as user=501 …", "as umask=63 …", "as fsize=1000 …" (files get no
+/// larger).
 void as(World& world, const Words& words) {
-    const size_t equals = words.at(0).find('=');
-    const bool isUser = words[0].starts_with("user");
-    const auto number = static_cast<uid_t>(std::stoul(words[0].substr(equals + 1)));
+    const auto number = static_cast<uid_t>(std::stoul(words.at(0).substr(words[0].find('=') + 1)));
     const std::string said = world.folder.folder() / "said";
     std::ofstream file(said);
     const pid_t child = ::fork();
     if (child == 0) {
         const rlimit limit{number, number};
-        const bool became =
-            isUser ? ::setgroups(0, nullptr) == 0 && ::setresgid(number, number, number) == 0 &&
-                         ::setresuid(number, number, number) == 0
-                   : ::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
-        if (became) {
-            Verbs::named(words.at(1))(world, {words.begin() + 2, words.end()});
-        }
+        ::signal(SIGXFSZ, SIG_IGN);
+        const bool became = words[0].starts_with("user")
+                                ? ::setgroups(0, nullptr) == 0 && ::setresgid(number, number, number) == 0 &&
+                                      ::setresuid(number, number, number) == 0
+                            : words[0].starts_with("umask") ? ::umask(number) != number
+                                                            : ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
+        became ? Verbs::named(words.at(1))(world, {words.begin() + 2, words.end()})
+               : world.say("no such process");
         file << fmt::format("{}", fmt::join(world.takeOutput(), "\n")) << std::flush;
-        ::_exit(became ? 0 : 1);
+        ::_exit(0);
     }
-    int status = 0;
-    if (::waitpid(child, &status, 0) != child || status != 0) {
-        throw std::runtime_error("no such process");
-    }
+    ::waitpid(child, nullptr, 0);
     for (const auto& line : linesOf(tests::contentOf(said))) {
         world.say(line.substr(2));
     }
@@ -427,22 +456,18 @@ void encoded(World& world, const Words& words) {
     }
 }
 
-const Verbs verbs{
-    {"show", show},
-    {"reopen", reopen},
-    {"files", [](World& world, const Words& words) { onPaths(world, words, 0, act); }},
-    {"other", [](World& world, const Words& words) { onPaths(world, words, 1, act); }},
-    {"paths", [](World& world, const Words& words) { onPaths(world, words, 0, actOnItem); }},
-    {"other-items", [](World& world, const Words& words) { onPaths(world, words, 1, actOnItem); }},
-    {"as", as},
-    {"defaults", defaults},
-    {"parse", parse},
-    {"xml", xml},
-    {"strings", strings},
-    {"encoded", encoded},
-    {"tools", tools},
-    {"facts", facts},
-    {"generations", generations}};
+template <size_t handle, bool isOnItems>
+void on(World& world, const Words& words) {
+    onPaths(world, words, handle, isOnItems);
+}
+
+const Verbs pathVerbs{
+    {"files", on<0, false>}, {"item", on<0, true>}, {"other", on<1, false>}, {"other-item", on<1, true>}};
+const Verbs verbs{{"as", as},         {"defaults", defaults}, {"encoded", encoded},
+                  {"facts", facts},   {"note", note},         {"noted", noted},
+                  {"output", output}, {"parse", parse},       {"reopen", reopen},
+                  {"show", show},     {"socket", socket},     {"strings", strings},
+                  {"tools", tools},   {"xml", xml},           {"generations", generations}};
 
 } // namespace
 

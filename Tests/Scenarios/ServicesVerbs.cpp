@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 namespace scenarios {
 
@@ -32,71 +33,59 @@ void synchronize(World& world, const Words& /*words*/) {
 }
 
 /// The languages of the host folder "Resources" of the device folder where that is there, else the program's.
-struct Localization {
-    explicit Localization(World& world)
+struct Languages {
+    explicit Languages(World& world)
         : bundle(fs::exists(world.folder.folder() / "Resources") ? world.folder.folder() / "Resources"
                                                                  : platform::Bundle().directory())
-        , manager(world.device(), world.device().standardUserDefaults(), bundle)
-        , observation(world.device().notificationCenter(), OZLocalizationNotification, &manager,
-                      [this](const auto&) { ++announced; }) {}
+        , manager(world.device(), world.device().standardUserDefaults(), bundle) {}
 
     platform::Bundle bundle;
     OZLocalizationManager manager;
-    size_t announced = 0;
-    platform::Observation observation;
 };
 
-/// "speaks [LANGUAGE LOCALE]": the language that the program picks on a device with these preferences, "-"
-/// for none, or with those that it has.
+/// "speaks LANGUAGE/LOCALE…": the languages that the program picks on devices with these preferences, "-" for
+/// none, and their names in themselves.
 void speaks(World& world, const Words& words) {
-    if (!words.empty()) {
+    Words said;
+    for (const auto& word : words) {
         platform::Dictionary preferences;
-        if (words[0] != "-") {
-            preferences["AppleLanguages"] = platform::Array{words[0], "fr"};
+        if (const std::string language = word.substr(0, word.find('/')); language != "-") {
+            preferences["AppleLanguages"] = platform::Array{language, "fr"};
         }
-        if (words.at(1) != "-") {
-            preferences["AppleLocale"] = words[1];
+        if (const std::string locale = word.substr(word.find('/') + 1); locale != "-") {
+            preferences["AppleLocale"] = locale;
         }
         world.folder.addFile(
             OZLocalizationManager::globalPreferencesPath,
             platform::serializePropertyList(preferences, platform::PropertyListFormat::binary));
         world.takeEffects();
+        Languages languages(world);
+        const bool isEarly = languages.manager.userLanguage().has_value();
+        languages.manager.loadDefaults();
+        const std::string& language = *languages.manager.userLanguage();
+        said.push_back((isEarly ? "early " : "") + language + " " +
+                       languages.manager.localizedLanguageWithName(language).value_or("nameless"));
     }
-    Localization localization(world);
-    auto& manager = localization.manager;
-    if (manager.userLanguage()) {
-        world.say("too early");
-    }
-    manager.loadDefaults();
-    const std::string& language = *manager.userLanguage();
-    world.say(language + ", " + manager.localizedLanguageWithName(language).value_or("nameless"));
-    if (localization.announced != 2) {
-        world.say(fmt::format("announced {} times", localization.announced));
-    }
+    world.say(fmt::format("{}", fmt::join(said, ", ")));
 }
 
 /// What the device's preferences tell, and the languages that there are.
 void system(World& world, const Words& /*words*/) {
-    Localization localization(world);
-    const auto& manager = localization.manager;
-    world.say(manager.systemLanguage() + " " + manager.systemLocale() +
-              (manager.isSystemLanguageKnown() ? "" : ", unknown"));
-    std::string names;
-    for (const auto& name : manager.languageNames()) {
-        names += (names.empty() ? "" : ", ") + name;
-    }
-    world.say(names);
+    const Languages languages(world);
+    world.say(fmt::format("{} {}{} of {}", languages.manager.systemLanguage(),
+                          languages.manager.systemLocale(),
+                          languages.manager.isSystemLanguageKnown() ? "" : ", unknown,",
+                          fmt::join(languages.manager.languageNames(), ", ")));
 }
 
 /// "texts LANGUAGE KEY…".
 void texts(World& world, const Words& words) {
-    Localization localization(world);
-    localization.manager.setUserLanguage(words.at(0));
-    std::string texts;
-    for (auto key = words.begin() + 1; key != words.end(); ++key) {
-        texts += (texts.empty() ? "" : ", ") + localization.manager.localizedStringForKey(*key);
-    }
-    world.say(texts);
+    Languages languages(world);
+    languages.manager.setUserLanguage(words.at(0));
+    Words texts;
+    std::transform(words.begin() + 1, words.end(), std::back_inserter(texts),
+                   [&](const auto& key) { return languages.manager.localizedStringForKey(key); });
+    world.say(fmt::format("{}", fmt::join(texts, ", ")));
 }
 
 /// "languages CHOICE…": chooses each language, "-" for none and "reset" for the device's, and says what it
@@ -109,11 +98,8 @@ void languages(World& world, const Words& words) {
     std::string said;
     for (const auto& word : words) {
         announced = 0;
-        if (word == "reset") {
-            manager.resetUserLanguage();
-        } else {
-            manager.setUserLanguage(word == "-" ? std::nullopt : std::optional<std::string_view>(word));
-        }
+        word == "reset" ? manager.resetUserLanguage()
+                        : manager.setUserLanguage(word == "-" ? std::nullopt : std::optional(word));
         said += fmt::format("{} x{}, ", *manager.userLanguage(), announced);
     }
     world.say(said + "now " + *manager.userLanguage());
@@ -131,21 +117,22 @@ void plugins(World& world, const Words& words) {
     const auto atRespring = loader.pluginIdentifiersToLoadIntoSpringBoard();
     for (const OZPlugin* plugin : loader.allPlugins()) {
         const std::string& identifier = plugin->identifier();
+        const bool isAtRespring = std::ranges::find(atRespring, identifier) != atRespring.end();
         world.say(plugin->title() + " (" + identifier.substr(prefix.size()) + ") of " + plugin->dependency() +
                   (plugin->available() ? ", available" : "") + (plugin->enabled() ? ", enabled" : "") +
                   (loader.shouldPluginBeLoaded(identifier) ? ", to be loaded" : "") +
-                  (std::ranges::find(atRespring, identifier) != atRespring.end() ? " at a respring" : ""));
+                  (isAtRespring ? " at a respring" : ""));
     }
 }
 
 /// The libraries that are asked for where only those that are there, and not "broken", can be loaded.
 void libraries(World& world, const Words& /*words*/) {
-    std::string names;
+    Words names = {"asked for"};
     world.builder().pluginLoader().loadThirdPartyDylibs([&](std::string_view path) {
-        names += (names.empty() ? "" : " ") + fs::path(path).stem().string();
+        names.push_back(fs::path(path).stem());
         return fs::exists(world.folder.hostPath(path)) && world.folder.contents(path) != "broken";
     });
-    world.say(names.empty() ? "none" : names);
+    world.say(fmt::format("{}", fmt::join(names, " ")));
 }
 
 const Verbs verbs{{"stored", stored},       {"store", store},     {"synchronize", synchronize},

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -105,6 +106,21 @@ TreeSnapshot snapshotOf(const std::string& hostFolder) {
     TreeSnapshot snapshot;
     walk(folder, "", snapshot);
     return snapshot;
+}
+
+TreeSnapshot withoutBackupNames(const TreeSnapshot& tree) {
+    constexpr std::string_view extension = ".OzvarineBackup";
+    TreeSnapshot result;
+    for (const auto& [path, state] : tree) {
+        std::string name = path;
+        for (size_t at = 0; (at = name.find(extension)) != std::string::npos;) {
+            name.erase(at, extension.size());
+        }
+        if (!result.emplace(name, state).second) {
+            throw std::runtime_error("two items of one name: " + path);
+        }
+    }
+    return result;
 }
 
 std::string describe(const std::string& path, const ItemState& state) {

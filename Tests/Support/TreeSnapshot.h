@@ -31,6 +31,8 @@ struct ItemState {
 using TreeSnapshot = std::map<std::string, ItemState>;
 
 TreeSnapshot snapshotOf(const std::string& hostFolder);
+/// The tree with every backup at its old name.
+TreeSnapshot withoutBackupNames(const TreeSnapshot& tree);
 /// One line: path, mode in octal, owner, size, time and content.
 std::string describe(const std::string& path, const ItemState& state);
 /// What became of a tree: lines that begin with "gone", "new" or "changed"; none for no change.

@@ -1,7 +1,6 @@
 #include "Content.h"
 
 #include "Platform/Files/Path.h"
-
 #include "Platform/Formats/PropertyList.h"
 
 #include <array>

@@ -1,5 +1,6 @@
 #include "Controller/CommandLine/OZArgvParser.h"
 
+#include "Controller/CommandLine/ExitStatus.h"
 #include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
@@ -55,6 +56,10 @@ OZCleanAction cleanActionFor(std::span<const std::string> vector) {
     return found == cleanActions.end() ? OZCleanAction::plain : found->second;
 }
 
+int statusOf(bool done) {
+    return done ? exitstatus::success : exitstatus::failure;
+}
+
 } // namespace
 
 std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string> vector) {
@@ -64,25 +69,25 @@ std::optional<int> OZArgvParser::parseArgumentVector(std::span<const std::string
     const std::string& option = vector[1];
     if (option == "-printsettings") {
         printSettings();
-        return 0;
+        return exitstatus::success;
     }
     if (option == "-clean") {
-        return cleanWithAction(cleanActionFor(vector)) ? 0 : 1;
+        return statusOf(cleanWithAction(cleanActionFor(vector)));
     }
     if (option == "-cli") {
-        return showMenu() ? 0 : 1;
+        return statusOf(showMenu());
     }
     if (option == "-respring") {
         respring();
-        return 0;
+        return exitstatus::success;
     }
     if (option == "-restore-togglable-items") {
         restoreTogglableItems();
-        return 0;
+        return exitstatus::success;
     }
     OZStdIO::fprintf(stderr, fmt::format(fmt::runtime(usageFormat), vector[0], option));
     OZStdIO::fprintf(stderr, helpText);
-    return 1;
+    return exitstatus::failure;
 }
 
 bool OZArgvParser::isInputInteractive() {

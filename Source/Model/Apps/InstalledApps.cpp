@@ -4,13 +4,6 @@
 
 #include <algorithm>
 
-namespace {
-
-// Far more than any bundle has, and little enough to be read for each of a thousand.
-constexpr uint64_t infoPlistLimit = uint64_t{1} << 20U;
-
-} // namespace
-
 void InstalledApps::noteError(const std::error_code& error) {
     constexpr std::errc natural[] = {
         std::errc::no_such_file_or_directory,
@@ -44,35 +37,4 @@ InstalledApps listedApps(const platform::Array& applications) {
         }
     }
     return apps;
-}
-
-platform::Result<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
-                                                     std::string_view bundlePath) {
-    return readDictionary(fileManager, platform::joinPath(bundlePath, "Info.plist"), infoPlistLimit);
-}
-
-platform::Result<platform::Dictionary> readDictionary(platform::FileManager& fileManager,
-                                                      std::string_view path, uint64_t limit) {
-    const auto content = fileManager.contentsAtPath(path, limit);
-    if (!content) {
-        return std::unexpected(content.error());
-    }
-    auto parsed = platform::parsePropertyList(*content);
-    auto* dictionary = parsed ? parsed->as<platform::Dictionary>() : nullptr;
-    return dictionary != nullptr ? platform::Result<platform::Dictionary>(std::move(*dictionary))
-                                 : platform::failure(EILSEQ);
-}
-
-std::optional<platform::Dictionary> infoDictionaryOfBundle(const platform::Dictionary& infoPlist,
-                                                           std::string_view bundlePath) {
-    if (platform::valueAt<std::string>(infoPlist, infokey::identifier) == nullptr) {
-        return std::nullopt;
-    }
-    platform::Dictionary info{{std::string(infokey::path), bundlePath}};
-    for (const auto key : {infokey::executable, infokey::identifier, infokey::displayName, infokey::name}) {
-        if (const auto* text = platform::valueAt<std::string>(infoPlist, key)) {
-            info.emplace(key, *text);
-        }
-    }
-    return info;
 }

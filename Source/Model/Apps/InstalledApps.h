@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/Apps/InfoPlist.h"
 #include "Platform/Formats/PropertyList.h"
 
 #include <map>
@@ -9,24 +10,7 @@
 
 namespace platform {
 class Device;
-class FileManager;
 } // namespace platform
-
-/// Keys of an info dictionary, in which loaders describe an installed application.
-namespace infokey {
-inline constexpr std::string_view path = "Path";
-inline constexpr std::string_view executable = "CFBundleExecutable";
-inline constexpr std::string_view identifier = "CFBundleIdentifier";
-inline constexpr std::string_view displayName = "CFBundleDisplayName";
-inline constexpr std::string_view name = "CFBundleName";
-inline constexpr std::string_view bundleContainer = "BundleContainer";
-inline constexpr std::string_view container = "Container";
-/// Dictionaries from identifier to path.
-inline constexpr std::string_view groupDataContainers = "GroupDataContainers";
-inline constexpr std::string_view pluginDataContainers = "PluginDataContainers";
-/// "User" or "System"; only in a device's own list of its applications.
-inline constexpr std::string_view applicationType = "ApplicationType";
-} // namespace infokey
 
 /// What a loader gives: info dictionaries by identifier.
 struct InstalledApps {
@@ -46,15 +30,3 @@ struct InstalledApps {
 
 /// The applications of a device's own list; entries that lack a type or a needed key are passed over.
 [[nodiscard]] InstalledApps listedApps(const platform::Array& applications);
-
-/// A bundle's Info.plist.
-[[nodiscard]] platform::Result<platform::Dictionary> readInfoPlist(platform::FileManager& fileManager,
-                                                                   std::string_view bundlePath);
-/// A property list of at most `limit` bytes with a dictionary at its top; anything else is an error
-/// (`std::errc::illegal_byte_sequence`).
-[[nodiscard]] platform::Result<platform::Dictionary> readDictionary(platform::FileManager& fileManager,
-                                                                    std::string_view path, uint64_t limit);
-/// The info dictionary of a bundle with this Info.plist; none without a textual identifier. Only what a
-/// bundle may tell of itself is taken over: where its containers are is never its own to say.
-[[nodiscard]] std::optional<platform::Dictionary>
-infoDictionaryOfBundle(const platform::Dictionary& infoPlist, std::string_view bundlePath);

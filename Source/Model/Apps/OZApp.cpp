@@ -9,27 +9,11 @@
 
 #include <algorithm>
 
+using infoplist::identifierAt;
+using infoplist::pathAt;
+using infoplist::textAt;
+
 namespace {
-
-std::optional<std::string> textAt(const platform::Dictionary& info, std::string_view key) {
-    const auto* text = platform::valueAt<std::string>(info, key);
-    return text == nullptr || text->empty() ? std::nullopt : std::optional(*text);
-}
-
-std::optional<std::string> pathAt(const platform::Dictionary& info, std::string_view key) {
-    auto path = textAt(info, key);
-    if (!path || !path->starts_with('/')) {
-        return std::nullopt;
-    }
-    path->resize(std::max<size_t>(path->find_last_not_of('/') + 1, 1));
-    return path;
-}
-
-/// Identifiers come from files that applications bring along, and become names below containers.
-std::optional<std::string> identifierAt(const platform::Dictionary& info) {
-    auto identifier = textAt(info, infokey::identifier);
-    return identifier && platform::isFileName(*identifier) ? identifier : std::nullopt;
-}
 
 OZApp::Containers containersAt(const platform::Dictionary& info, std::string_view key) {
     OZApp::Containers containers;

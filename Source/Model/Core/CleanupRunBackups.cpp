@@ -1,10 +1,16 @@
-// Backups that test runs have left.
+// Backups: test mode gives items other names in place of removing them, and a restore gives them the old
+// ones.
 #include "Model/Core/CleanupRun.h"
+#include "Model/Core/SizeSum.h"
 
 #include <algorithm>
 #include <numeric>
 
 namespace {
+
+bool endsInBackupExtension(std::string_view path) {
+    return path.ends_with(CleanupRun::backupExtension);
+}
 
 // The indexes of paths; those of one depth stay in their order.
 std::vector<size_t> deepestFirst(const std::vector<std::string>& paths) {
@@ -20,6 +26,27 @@ std::vector<size_t> deepestFirst(const std::vector<std::string>& paths) {
 }
 
 } // namespace
+
+// Nothing to do, and no error, outside of the test mode and for what is a backup already.
+platform::Result<void> CleanupRun::moveToBackup(const platform::Item& item, std::string_view path,
+                                                platform::FileType type, SizeSum* sizes) {
+    if (_mode != OZCoreMode::test || endsInBackupExtension(path)) {
+        return {};
+    }
+    const std::string backupName = std::string(item.name()).append(backupExtension);
+    auto moved = item.rename(backupName);
+    if (!moved) {
+        // What gives way may be among what is still to be summed.
+        if (sizes != nullptr) {
+            std::ignore = sizes->total();
+        }
+        moved = item.renameReplacing(backupName);
+    }
+    if (type != platform::FileType::regular) {
+        _files.forgetLastFolder();
+    }
+    return moved;
+}
 
 // A backup inside of a folder that is itself a backup is reached by the path that the search has seen, as
 // long as that folder waits for it.

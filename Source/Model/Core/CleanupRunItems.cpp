@@ -10,14 +10,6 @@
 using platform::FileType;
 using platform::Item;
 
-namespace {
-
-bool endsInBackupExtension(std::string_view path) {
-    return path.ends_with(CleanupRun::backupExtension);
-}
-
-} // namespace
-
 template <class Work>
 void CleanupRun::forEachItem(const Paths& paths, Work work) {
     for (const auto& path : paths) {
@@ -46,7 +38,7 @@ auto CleanupRun::whereFound(Work work) {
 }
 
 void CleanupRun::del(const Paths& paths) {
-    forEachItem(paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+    forEachItem(paths, whereFound([&](const Item& item, std::string_view path) { delItem(item, path); }));
 }
 
 void CleanupRun::del(const FoundPaths& found) {
@@ -55,7 +47,7 @@ void CleanupRun::del(const FoundPaths& found) {
         countLooks(looks, [](const ItemLook& look) { return look.type == FileType::regular; });
         return;
     }
-    forEachItem(found, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+    forEachItem(found, whereFound([&](const Item& item, std::string_view path) { delItem(item, path); }));
 }
 
 void CleanupRun::delr(const Paths& paths) {
@@ -71,7 +63,7 @@ void CleanupRun::delr(const FoundPaths& found) {
 template <class List>
 void CleanupRun::delrEach(const List& list) {
     SizeSum sizes(_device.backgroundQueue());
-    forEachItem(list, whereFound([&](const Item& item, auto path) {
+    forEachItem(list, whereFound([&](const Item& item, std::string_view path) {
                     delrItem(item, path, sizes);
                     if (_mode == OZCoreMode::test) {
                         std::ignore = sizes.total();
@@ -84,14 +76,16 @@ void CleanupRun::delrEach(const List& list) {
 void CleanupRun::delrEntries(const FoundPaths& entries) {
     platform::BackgroundWork removals(_device.backgroundQueue());
     SizeSum sizes(_device.backgroundQueue());
-    forEachItem(entries,
-                whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes, &removals); }));
+    forEachItem(entries, whereFound([&](const Item& item, std::string_view path) {
+                    delrItem(item, path, sizes, &removals);
+                }));
     addSize(sizes.total());
     removals.finish();
 }
 
 void CleanupRun::quickDel(const Paths& paths) {
-    forEachItem(paths, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(paths,
+                whereFound([&](const Item& item, std::string_view path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDel(const FoundPaths& found) {
@@ -100,7 +94,8 @@ void CleanupRun::quickDel(const FoundPaths& found) {
         countLooks(looks);
         return;
     }
-    forEachItem(found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(found,
+                whereFound([&](const Item& item, std::string_view path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDelFound(const std::vector<std::string>& arguments) {
@@ -131,18 +126,18 @@ void CleanupRun::countLooks(ItemLooks& looks, const std::function<bool(const Ite
 }
 
 void CleanupRun::quickDelLang(const Paths& paths) {
-    forEachItem(paths, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+    forEachItem(paths, [&](const auto& item, std::string_view path) { quickDelLangItem(item, path); });
 }
 
 void CleanupRun::quickDelLang(const FoundPaths& found) {
-    forEachItem(found, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+    forEachItem(found, [&](const auto& item, std::string_view path) { quickDelLangItem(item, path); });
 }
 
 void CleanupRun::removeLinks(const FoundPaths& links) {
     if (_mode != OZCoreMode::clean) {
         return;
     }
-    forEachItem(links, whereFound([&](const Item& item, auto path) {
+    forEachItem(links, whereFound([&](const Item& item, std::string_view path) {
                     const auto attributes = item.attributes();
                     if (attributes && attributes->type == FileType::symbolicLink) {
                         std::ignore = removeItem(item, path, StayedItem::uncounted);
@@ -248,27 +243,6 @@ void CleanupRun::quickDelLangItem(const platform::Result<Item>& item, std::strin
     } else {
         noteUnreached(path, moved.error());
     }
-}
-
-// Nothing to do, and no error, outside of the test mode and for what is a backup already.
-platform::Result<void> CleanupRun::moveToBackup(const Item& item, std::string_view path, FileType type,
-                                                SizeSum* sizes) {
-    if (_mode != OZCoreMode::test || endsInBackupExtension(path)) {
-        return {};
-    }
-    const std::string backupName = std::string(item.name()).append(backupExtension);
-    auto moved = item.rename(backupName);
-    if (!moved) {
-        // What gives way may be among what is still to be summed.
-        if (sizes != nullptr) {
-            std::ignore = sizes->total();
-        }
-        moved = item.renameReplacing(backupName);
-    }
-    if (type != FileType::regular) {
-        _files.forgetLastFolder();
-    }
-    return moved;
 }
 
 void CleanupRun::count(std::string_view path) {

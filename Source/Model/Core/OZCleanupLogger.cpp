@@ -129,6 +129,11 @@ void OZCleanupLogger::write(std::string_view text, std::string_view more) {
     }
 }
 
+std::string OZCleanupLogger::banner(std::string_view title) {
+    const std::string line(title.size() + 4, '#');
+    return fmt::format("{}\n# {} #\n{}\n", line, title, line);
+}
+
 void OZCleanupLogger::logWithSpacer(std::string_view text) {
     write(text, "\n\n");
 }

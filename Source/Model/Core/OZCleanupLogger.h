@@ -21,6 +21,10 @@ class OZCleanupLogger {
 
     static constexpr std::string_view logFilePath = devicename::logFile;
 
+    /// What a log begins with: the title in a frame, three lines.
+    static std::string banner(std::string_view title);
+    static constexpr unsigned long lineBehindBanner = 4;
+
     /// Opens the log and goes on at its end; a missing one is made, its folder too. Nothing if it is open.
     /// Gathered writing is for runs that change nothing: the log of any other tells what was touched even
     /// when the process is killed.

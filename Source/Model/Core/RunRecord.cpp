@@ -7,18 +7,6 @@
 
 #include <fmt/format.h>
 
-namespace {
-
-// Right behind the banner's three lines.
-constexpr unsigned long summaryLine = 4;
-
-std::string bannerFor(std::string_view title) {
-    const std::string line(title.size() + 4, '#');
-    return fmt::format("{}\n# {} #\n{}\n", line, title, line);
-}
-
-} // namespace
-
 void RunRecord::reset() {
     _mode = OZCoreMode::clean;
     _fileCount = 0;
@@ -38,7 +26,7 @@ uint64_t RunRecord::begin(OZCoreMode mode, std::string_view title, platform::Fil
         _cleanupLogger->openLogFileForWriting(logWriting);
     }
     const uint64_t freeAtStart = _mode == OZCoreMode::clean ? _device.volumes().totalFreeSpace() : 0;
-    log(bannerFor(title));
+    log(OZCleanupLogger::banner(title));
     return freeAtStart;
 }
 
@@ -51,7 +39,7 @@ void RunRecord::end(std::optional<uint64_t> freeAtStart) {
     tellWhatStayed();
     if (_cleanupLogger) {
         _cleanupLogger->closeLogFile();
-        _cleanupLogger->logAtLine(summary, summaryLine);
+        _cleanupLogger->logAtLine(summary, OZCleanupLogger::lineBehindBanner);
         _cleanupLogger->endLog();
     }
 }

@@ -138,6 +138,8 @@ class FileManager {
     /// `DeviceRoot::targetOfMissingLink`), nothing may take its place (EEXIST): the data behind it would be
     /// out of sight.
     Result<Item> newItemAtPath(std::string_view path);
+    Result<void> fromItemTo(std::string_view from, std::string_view to,
+                            Result<void> (Item::*work)(const Item& target) const);
     Result<void> replaceContents(std::string_view path, std::string_view bytes,
                                  const std::optional<FileOwnership>& ownership);
 

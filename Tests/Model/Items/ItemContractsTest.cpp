@@ -4,6 +4,7 @@
 #include "Model/Items/Deletable/Dictionaries/OZDMDictionaryList.h"
 #include "Model/Items/Deletable/Dictionaries/OZDictionaryList.h"
 #include "Model/Items/Deletable/Preferences/OZPreferenceFileList.h"
+#include "Model/Items/Togglable/Daemons/OZDaemon.h"
 #include "Model/Items/Togglable/Daemons/OZDaemonTable.h"
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Items/Togglable/OZPreferenceBundleGroup.h"
@@ -13,15 +14,14 @@
 
 #include <set>
 
-#include <gmock/gmock.h>
-
-namespace fs = std::filesystem;
+#include <gtest/gtest.h>
 
 namespace {
 
 using platform::AssertionFailure;
+using platform::Dictionary;
 
-TEST(DaemonTable, NamesEveryDaemonOnce) {
+TEST(Items, OfTheDaemonTableAreNamedOnce) {
     // The unused places of the table add the empty name.
     std::multiset<std::string_view> names;
     for (const auto& group : daemonGroupTable) {
@@ -34,94 +34,86 @@ TEST(DaemonTable, NamesEveryDaemonOnce) {
     EXPECT_EQ(std::set(names.begin(), names.end()).size(), names.size() - names.count("") + 1);
 }
 
-TEST(Items, RefuseWhatMakesNoSense) {
+TEST(Items, RefuseWhatMakesNoSenseAndKeepTheSizeThatTheyHaveShown) {
     TemporaryDevice temporary;
     auto& device = temporary.device();
-    temporary.addFile("/on");
-    EXPECT_THROW(OZTogglableFile::make(device, "", "/on", "/off"), AssertionFailure);
-    EXPECT_EQ(OZTogglableFile::make(device, "id", "on"), nullptr) << "it has no folders";
+    temporary.addFile("/one", std::string(24, 'x'));
+    temporary.addFile("/two", std::string(1000, 'x'));
+    EXPECT_THROW(OZTogglableFile::make(device, "", "/one", "/off"), AssertionFailure);
+    EXPECT_EQ(OZTogglableFile::make(device, "id", "one"), nullptr) << "it has no folders";
     EXPECT_EQ(OZPreferenceBundleGroup::make("none", {}), nullptr);
+    EXPECT_THROW(OZDaemon::make(device, ""), AssertionFailure);
+    EXPECT_EQ(OZDaemon::make(device, "com.apple.missing"), nullptr);
+    for (const auto& [label, title] :
+         {std::pair("com.apple.a", "a"), {"com.apple.", "com.apple."}, {"org.a", "org.a"}}) {
+        temporary.addFile("/System/Library/LaunchDaemons/" + std::string(label) + ".plist");
+        EXPECT_EQ(OZDaemon::make(device, label)->title(), title);
+    }
     EXPECT_THROW(OZDeletableItem(device, {}, "id"), AssertionFailure);
-    EXPECT_THROW(OZDeletableItem(device, {"/on"}, ""), AssertionFailure);
+    EXPECT_THROW(OZDeletableItem(device, {"/one"}, ""), AssertionFailure);
+    OZDeletableItem files(device, {"/one", "/two", "/nowhere"}, "id");
+    EXPECT_EQ(files.humanReadableSize(), "1.00 KiB");
+    temporary.addFile("/two", "small");
+    EXPECT_EQ(files.humanReadableSize(), "1.00 KiB");
     EXPECT_THROW(std::ignore = OZDictionaryList(device).itemAtIndex(0), platform::Exception);
     const OZAppList apps(device);
     EXPECT_THROW(OZPreferenceFileList(device, nullptr, [](auto) { return std::nullopt; }), AssertionFailure);
     EXPECT_THROW(OZPreferenceFileList(device, &apps, {}), AssertionFailure);
-    EXPECT_THROW(OZPlugin(device, "id", "", "/on", true), AssertionFailure);
+    EXPECT_THROW(OZPlugin(device, "id", "", "/one", true), AssertionFailure);
     temporary.addFile("/Library/MobileSubstrate/DynamicLibraries/PreferenceLoader.disabled");
     EXPECT_THROW(OZCSAddonList(device).items(), platform::Exception);
 }
 
-TEST(Items, OfSeveralPathsKeepTheSizeThatTheyHaveShown) {
-    TemporaryDevice temporary;
-    temporary.addFile("/one", std::string(24, 'x'));
-    temporary.addFile("/two", std::string(1000, 'x'));
-    OZDeletableItem files(temporary.device(), {"/one", "/two", "/nowhere"}, "id");
-    EXPECT_EQ(files.humanReadableSize(), "1.00 KiB");
-    temporary.addFile("/two", "small");
-    EXPECT_EQ(files.humanReadableSize(), "1.00 KiB");
-}
-
 /// An asset that is purged as the platform's service does it.
 struct Asset : DictionaryAsset {
-    Asset(TemporaryDevice& owner, std::string at, platform::Dictionary told, bool isThere = true)
-        : device(owner)
-        , path(std::move(at))
-        , attributesTold(std::move(told))
+    Asset(std::string at, Dictionary told, bool isThere = true)
+        : path(std::move(at))
+        , names(std::move(told))
         , isPresent(isThere) {}
-
     [[nodiscard]] bool isPresentOnDisk() const override { return isPresent; }
     [[nodiscard]] std::string localPath() const override { return path; }
-    [[nodiscard]] platform::Dictionary attributes() const override { return attributesTold; }
-    void purge() override {
-        fs::remove_all(device.hostPath(path));
-        isPresent = false;
-    }
+    [[nodiscard]] Dictionary attributes() const override { return names; }
+    void purge() override { isPresent = false; }
 
-    TemporaryDevice& device;
     std::string path;
-    platform::Dictionary attributesTold;
+    Dictionary names;
     bool isPresent;
 };
 
 struct AssetService : DictionaryAssetService {
     std::vector<std::shared_ptr<DictionaryAsset>> availableDefinitionDictionaries() override {
-        return assets;
+        return {assets.begin(), assets.end()};
     }
 
-    std::vector<std::shared_ptr<DictionaryAsset>> assets;
+    std::vector<std::shared_ptr<Asset>> assets;
 };
 
-TEST(Dictionaries, AreLeftToTheAssetServiceWhereThereIsOne) {
+TEST(Items, ThatAreDictionariesAreLeftToTheAssetServiceWhereThereIsOne) {
     TemporaryDevice device(platform::DeviceFacts{.foundationVersion = 1140.11});
     for (const char* path : {"/a/Known.dictionary", "/b/Away.dictionary", "/c/Unnamed.dictionary",
                              "/e/another.dictionary", "/Library/Dictionaries/Scanned.dictionary"}) {
         device.addFile(std::string(path) + "/Contents/Info.plist");
     }
-    device.addFile("/d/Broken.dictionary/Body");
-    const auto named = [](const char* name) { return platform::Dictionary{{"DictionaryPackageName", name}}; };
     AssetService service;
-    service.assets = {std::make_shared<Asset>(device, "/a", named("Known.dictionary")),
-                      std::make_shared<Asset>(device, "/b", named("Away.dictionary"), false),
-                      std::make_shared<Asset>(device, "/c", platform::Dictionary()),
-                      std::make_shared<Asset>(device, "/d", named("Broken.dictionary")),
-                      std::make_shared<Asset>(device, "", named("Known.dictionary")),
-                      std::make_shared<Asset>(device, "/e", named("another.dictionary"))};
-    OZDictionaryList list(device.device(), &service);
-    const auto titles = [&] {
-        std::string text;
-        for (const auto& item : list.allItems()) {
-            text += item->title() + " ";
-        }
-        return text;
+    const auto add = [&](const char* path, const char* name, bool isThere = true) {
+        service.assets.push_back(
+            std::make_shared<Asset>(path, Dictionary{{"DictionaryPackageName", name}}, isThere));
     };
-    EXPECT_EQ(titles(), "another Known ");
+    add("/a", "Known.dictionary");
+    add("/b", "Away.dictionary", false);
+    add("/d", "Broken.dictionary");
+    add("", "Known.dictionary");
+    add("/e", "another.dictionary");
+    service.assets.push_back(std::make_shared<Asset>("/c", Dictionary()));
+    OZDictionaryList list(device.device(), &service);
+    ASSERT_EQ(list.numberOfItems(), 2);
+    EXPECT_EQ(list.itemAtIndex(0)->title() + list.itemAtIndex(1)->title(), "anotherKnown");
     list.deleteItemAtIndex(1);
-    EXPECT_FALSE(fs::exists(device.hostPath("/a"))) << "the asset goes, not the dictionary alone";
-    EXPECT_TRUE(fs::exists(device.hostPath("/e/another.dictionary")));
-    EXPECT_EQ(titles(), "another ");
+    EXPECT_FALSE(service.assets[0]->isPresent);
+    EXPECT_TRUE(service.assets[4]->isPresent);
+    EXPECT_EQ(list.numberOfItems(), 1);
     list.reloadItems();
-    EXPECT_EQ(titles(), "another ");
+    EXPECT_EQ(list.numberOfItems(), 1);
     TemporaryDevice older(platform::DeviceFacts{.foundationVersion = 1047.25});
     EXPECT_FALSE(OZDMDictionaryList::isSupported(older.device(), &service));
 }

@@ -16,17 +16,6 @@ std::string nameIn(const TreeSnapshot& tree, const std::string& path) {
     return escaped("/" + path + (tree.at(path).isFolder() ? "/" : ""));
 }
 
-/// All below a path, by the rest of the path.
-TreeSnapshot branchOf(const TreeSnapshot& tree, const std::string& path) {
-    TreeSnapshot branch;
-    for (auto item = tree.find(path); item != tree.end() && item->first.starts_with(path); ++item) {
-        if (item->first == path || isBelow(item->first, path)) {
-            branch[item->first.substr(path.size())] = item->second;
-        }
-    }
-    return branch;
-}
-
 std::string changeOf(const ItemState& before, const ItemState& after) {
     std::string text;
     if (before.mode != after.mode) {
@@ -56,6 +45,16 @@ Lines topsMissing(const TreeSnapshot& tree, const TreeSnapshot& other) {
 
 bool isBelow(std::string_view path, std::string_view folder) {
     return path.size() > folder.size() && path.starts_with(folder) && path[folder.size()] == '/';
+}
+
+TreeSnapshot branchOf(const TreeSnapshot& tree, const std::string& path) {
+    TreeSnapshot branch;
+    for (auto item = tree.find(path); item != tree.end() && item->first.starts_with(path); ++item) {
+        if (item->first == path || isBelow(item->first, path)) {
+            branch[item->first.substr(path.size())] = item->second;
+        }
+    }
+    return branch;
 }
 
 Lines effectsOn(const TreeSnapshot& before, const TreeSnapshot& after) {

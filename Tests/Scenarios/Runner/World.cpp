@@ -209,12 +209,22 @@ void World::giveItems(std::string_view rest, bool isGone) {
         words.resize(words.size() - (isAged ? 1 : 0));
         for (const auto& word : words) {
             for (const auto& path : spread(word)) {
+                if (path.ends_with("/*")) {
+                    markContent(path.substr(0, path.size() - 2));
+                    continue;
+                }
                 giveItem(path, usualContent, isGone);
                 if (isAged) {
                     fs::last_write_time(folder.hostPath(path), fs::file_time_type::clock::now() - age);
                 }
             }
         }
+    }
+}
+
+void World::markContent(const std::string& folderPath) {
+    for (const auto& entry : fs::directory_iterator(folder.hostPath(folderPath))) {
+        _gone.insert(folderPath.substr(1) + "/" + entry.path().filename().string());
     }
 }
 

@@ -89,6 +89,8 @@ class World {
   private:
     void giveItems(std::string_view rest, bool isGone);
     void giveItem(const std::string& path, std::string_view content, bool isGone);
+    /// Takes all that is in a folder by now for gone.
+    void markContent(const std::string& folderPath);
     void giveApp(const Words& words);
     void giveGoneBy(const Words& steps);
     void giveBundle(const Words& words, bool isContainer);
@@ -124,12 +126,14 @@ using Verb = void (*)(World& world, const Words& words);
 /// Makes verbs known under their names; one object for each room's file of verbs.
 class Verbs {
   public:
-    Verbs(std::initializer_list<std::pair<const char*, Verb>> verbs);
-    /// Throws std::runtime_error for a name that nobody knows.
+    Verbs(std::initializer_list<std::pair<const char*, Verb>> verbs, const char* file = __builtin_FILE());
+    /// The one of the room of the scenario that runs, or of the only room that has it. Throws
+    /// std::runtime_error for a name that nobody knows.
     static Verb named(std::string_view name);
 };
 
-/// A run of the engine that is no cleanup: "run NAME words", with counters and a log that begin anew.
+/// A run of the engine that is no cleanup, with counters and a log that begin anew. The words after "run" are
+/// its own, its name the first of them.
 using Action = void (*)(World& world, const Words& words, Analyze analyze);
 class Actions {
   public:

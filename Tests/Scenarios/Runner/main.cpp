@@ -3,7 +3,6 @@
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Mounts.h"
-#include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,6 +12,7 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace scenarios {
@@ -23,8 +23,15 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view marks = "|&!-+~@=";
 
-std::map<std::string, Verb, std::less<>>& verbs() {
-    static std::map<std::string, Verb, std::less<>> verbs;
+/// The room of the scenario that runs.
+std::string& room() {
+    static std::string room;
+    return room;
+}
+
+/// By name and room.
+std::map<std::string, std::map<std::string, Verb>, std::less<>>& verbs() {
+    static std::map<std::string, std::map<std::string, Verb>, std::less<>> verbs;
     return verbs;
 }
 
@@ -42,6 +49,19 @@ bool isExpectation(std::string_view line) {
         line.remove_prefix(std::min(line.find_first_not_of(' ', line.find(']') + 1), line.size()));
     }
     return (!line.empty() && marks.contains(line[0])) || isExpectationOfRun(line);
+}
+
+/// What stands behind an arrow, parted by " | ": lines of output, or with other marks.
+Lines linesOfArrow(std::string text) {
+    for (size_t at = 0; (at = text.find(" | ", at)) != std::string::npos;) {
+        text.replace(at, 3, "\n");
+    }
+    Lines lines = linesOf(text + "\n");
+    for (auto& line : lines) {
+        const bool hasMark = line.size() > 1 && marks.contains(line[0]) && line[1] == ' ';
+        line = line.empty() ? "|" : hasMark ? line : "| " + line;
+    }
+    return lines;
 }
 
 /// What has come of actions in place of what their files expect, by file and the numbers of the first line
@@ -90,9 +110,15 @@ std::vector<Variables> passesOf(const Scenario& scenario) {
         }
         passes = next;
     };
+    Variables texts;
     for (const auto& [number, text] : scenario.lines) {
-        if (text.starts_with("for ")) {
-            Words words = wordsOf(text);
+        if (text.starts_with("let ")) {
+            std::string_view rest = std::string_view(text).substr(4);
+            const std::string name = takeWord(rest);
+            takeWord(rest);
+            texts[name] = rest;
+        } else if (text.starts_with("for ")) {
+            Words words = wordsOf(expanded(text, texts));
             spread(words.at(1), {words.begin() + 3, words.end()});
         } else if (text.starts_with("run ") && text.ends_with(" in all modes") &&
                    !passes[0].contains("mode")) {
@@ -140,6 +166,7 @@ class ScenarioTest : public testing::Test {
   private:
     void run(const Variables& pass) {
         World world(pass);
+        room() = fs::path(_file).parent_path().filename().string();
         const auto& lines = _scenario.lines;
         bool hasChanged = true;
         for (size_t place = 0; place < lines.size();) {
@@ -188,7 +215,8 @@ class ScenarioTest : public testing::Test {
     void act(World& world, const std::string& text, Lines& expected, size_t first, size_t end) {
         const size_t arrow = text.rfind(" => ");
         if (arrow != std::string::npos) {
-            expected.insert(expected.begin(), "| " + expanded(text.substr(arrow + 4), world.variables));
+            std::ranges::copy(linesOfArrow(expanded(text.substr(arrow + 4), world.variables)),
+                              std::inserter(expected, expected.begin()));
         }
         const std::string command = expanded(text.substr(2, arrow - 2), world.variables);
         if (text[0] == '$') {
@@ -259,11 +287,10 @@ void registerFile(const fs::path& file) {
 
 } // namespace
 
-Verbs::Verbs(std::initializer_list<std::pair<const char*, Verb>> named) {
+Verbs::Verbs(std::initializer_list<std::pair<const char*, Verb>> named, const char* file) {
+    const std::string stem = fs::path(file).stem().string();
     for (const auto& [name, verb] : named) {
-        if (!verbs().emplace(name, verb).second) {
-            throw std::logic_error(std::string("two verbs: ") + name);
-        }
+        verbs()[name][stem.substr(0, stem.find("Verbs"))] = verb;
     }
 }
 
@@ -279,19 +306,27 @@ Action Actions::named(std::string_view name) {
 }
 
 Verb Verbs::named(std::string_view name) {
-    const auto verb = verbs().find(name);
-    if (verb == verbs().end()) {
+    const auto known = verbs().find(name);
+    if (known == verbs().end()) {
         throw std::runtime_error("no verb: " + std::string(name));
     }
-    return verb->second;
+    const auto own = known->second.find(room());
+    if (own == known->second.end() && known->second.size() > 1) {
+        throw std::runtime_error("more than one room has the verb " + std::string(name));
+    }
+    return own == known->second.end() ? known->second.begin()->second : own->second;
 }
 
 } // namespace scenarios
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    // Devices are many and small, and dpkg has each of its files put on the disk.
-    ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
+    // Devices are many and small, and dpkg has each of its files put on the disk. They lie in a memory of
+    // their own, which ends with this process, and ends a copy of a hole of a terabyte before it fills the
+    // host's.
+    if (tests::hasOwnMounts() && ::mount("tmpfs", "/dev/shm", "tmpfs", 0, "size=1g") == 0) {
+        ::setenv("TMPDIR", "/dev/shm", 1);
+    }
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(OZ_SCENARIOS)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {

@@ -12,6 +12,10 @@ constexpr CleanupAction batteryActions[] = {
     {.primitive = delFolderContents, .path = "/var/mobile/Library/BatteryLife/Archives"},
 };
 
+// Archives of the last seven days are still being uploaded; the search counts whole days, so that what goes
+// is eight days old.
+constexpr std::string_view olderThanTheUpload = "+7";
+
 } // namespace
 
 void cleanBatteryData(const StepContext& context) {
@@ -21,6 +25,6 @@ void cleanBatteryData(const StepContext& context) {
     if (containers && isNotEmptyOrWhitespace(*containers)) {
         run.quickDel(run.find({*containers, "-mindepth", "5", "-maxdepth", "5", "-regextype",
                                "posix-extended", "-regex", "^.*/Library/BatteryLife/Archives/.*$", "-mtime",
-                               "+7", "-type", "f", "-print"}));
+                               std::string(olderThanTheUpload), "-type", "f", "-print"}));
     }
 }
