@@ -1,0 +1,53 @@
+#pragma once
+
+#include <limits>
+#include <memory>
+#include <string_view>
+
+class OZACConcrete;
+class OZViewController;
+enum class OZActivityHUD;
+enum class OZAlertStyle : int;
+
+/// A place in a window, in points.
+struct Rectangle {
+    double x = 0;
+    double y = 0;
+    double width = 0;
+    double height = 0;
+
+    /// The one that stands for none.
+    static constexpr Rectangle null() {
+        return {.x = std::numeric_limits<double>::max(), .y = std::numeric_limits<double>::max()};
+    }
+    bool operator==(const Rectangle&) const = default;
+};
+
+/// What the interface asks of a toolkit beyond its views: to show screens and dialogs, and to do what an
+/// application does on its desktop. All of it on the main thread.
+class Host {
+  public:
+    virtual ~Host() = default;
+
+    /// Shows a screen over another one, and takes away all that stands over a screen. The screens hear of it
+    /// by their appearance.
+    virtual void present(OZViewController& screen, OZViewController& over, bool animated) = 0;
+    virtual void dismissHierarchy(OZViewController& screen, bool animated) = 0;
+
+    /// Shows a screen in the place of another one, which stands behind it on its tab.
+    virtual void push(OZViewController& screen, OZViewController& behind) = 0;
+
+    /// A dialog that is not shown yet.
+    [[nodiscard]] virtual std::unique_ptr<OZACConcrete> makeAlert(OZAlertStyle style) = 0;
+
+    /// Shows the overlay of an activity that cannot be left until it is taken away.
+    virtual void presentActivity(OZActivityHUD hud) = 0;
+    virtual void dismissActivity(bool success) = 0;
+
+    /// Opens a URL by the desktop; false where nobody does.
+    virtual bool openURL(std::string_view url) = 0;
+    [[nodiscard]] virtual bool canOpenURL(std::string_view url) const = 0;
+
+    /// The height of the screen that the window is on, in points.
+    [[nodiscard]] virtual double screenHeight() const = 0;
+};
