@@ -1,6 +1,7 @@
 #include "Launch/Preconditions.h"
 
 #include "Platform/Device/Device.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <array>
 
@@ -10,9 +11,6 @@
 namespace {
 
 using Purpose = LauncherOptions::Purpose;
-
-constexpr std::string_view dataFolder = "/var/mobile";
-constexpr std::string_view privateDataFolder = "/private/var/mobile";
 
 // What a person says of another device would choose the wrong rules.
 std::optional<Refusal> contradictingVersion(platform::Device& device, const LauncherOptions& options) {
@@ -67,15 +65,15 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
     }
     auto fileManager = device.fileManager();
     const std::string tree = options.device.value_or("the device");
-    const auto folder = fileManager.folderAtPath(dataFolder);
+    const auto folder = fileManager.folderAtPath(names::mobileHome);
     if (!folder && folder.error() == std::errc::operation_not_permitted) {
         return Refusal{
             fmt::format("a link on the way to var/mobile in {} belongs to another user than what it "
                         "leads to, and is not followed; give both to one user, with chown -h",
                         tree)};
     }
-    if (fileManager.folderAtPath(privateDataFolder)) {
-        return isSameFolder(fileManager, dataFolder, privateDataFolder)
+    if (fileManager.folderAtPath(names::privateMobileHome)) {
+        return isSameFolder(fileManager, names::mobileHome, names::privateMobileHome)
                    ? std::nullopt
                    : std::optional(Refusal{fmt::format(
                          "in {} var is not private/var, where the device has its data; move var away, or put "
@@ -97,9 +95,9 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
 constexpr std::array<std::string_view, 7> writtenFolders = {
     "/",
     "/var",
-    "/var/mobile",
+    names::mobileHome,
     "/var/mobile/Library",
-    "/var/mobile/Library/Preferences",
+    names::mobilePreferences,
     "/var/mobile/Library/Caches",
     "/tmp",
 };

@@ -21,13 +21,19 @@ bool enterMountNamespace() {
 // The folders that this process has mounted something on.
 std::vector<std::string> mounted;
 
+} // namespace
+
+bool hasOwnMounts() {
+    static const bool has =
+        ::unshare(CLONE_NEWNS) == 0 && ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    return has;
+}
+
 void unmountAll() {
     for (; !mounted.empty(); mounted.pop_back()) {
         ::umount2(mounted.back().c_str(), MNT_DETACH);
     }
 }
-
-} // namespace
 
 std::optional<std::string> inMountNamespace(const std::function<std::string()>& block) {
     std::array<int, 2> ends{};

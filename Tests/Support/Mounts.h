@@ -8,6 +8,8 @@
 
 namespace tests {
 
+/// Whether this process may have mounts of its own, which it has from the first call on.
+bool hasOwnMounts();
 /// Runs a block in a process with mounts of its own and gives what it tells; none where that is not allowed.
 std::optional<std::string> inMountNamespace(const std::function<std::string()>& block);
 
@@ -15,5 +17,7 @@ std::optional<std::string> inMountNamespace(const std::function<std::string()>& 
 /// A file system in memory, of so many bytes.
 void mountMemory(const std::filesystem::path& folder, uint64_t bytes);
 void makeReadOnly(const std::filesystem::path& folder);
+/// Takes off whatever those two have mounted.
+void unmountAll();
 
 } // namespace tests

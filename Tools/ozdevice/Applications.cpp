@@ -1,13 +1,11 @@
 #include "Bundles.h"
 #include "KnownApplications.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <fmt/format.h>
 
 namespace ozdevice {
 namespace {
-
-constexpr std::string_view installationCache =
-    "/var/mobile/Library/Caches/com.apple.mobile.installation.plist";
 
 enum class Extras { none, group, groupAndPlugin };
 
@@ -219,7 +217,7 @@ void ApplicationTree::remember(const char* type, const BundleRow& row, const std
 
 void ApplicationTree::addInstallationCache() {
     if (!_build.generation.hasContainers()) {
-        _build.add(installationCache,
+        _build.add(names::installationCache,
                    platform::Dictionary{{"System", _installed[0]}, {"User", _installed[1]}});
     }
 }

@@ -1,5 +1,7 @@
 #include "Bundles.h"
 
+#include "Platform/Device/DeviceNames.h"
+
 #include <fmt/format.h>
 
 namespace ozdevice {
@@ -42,8 +44,6 @@ constexpr TreeEntry languages[] = {
     {"/zh-Hans.lproj/Localizable.strings"},
 };
 
-constexpr std::string_view metadataName = ".com.apple.mobile_container_manager.metadata.plist";
-
 } // namespace
 
 platform::Dictionary infoDictionary(const BundleRow& row, Icon icon) {
@@ -74,7 +74,7 @@ void addBundle(DeviceBuild& build, const std::string& path, const BundleRow& row
 }
 
 void addContainerMetadata(DeviceBuild& build, const std::string& container, std::string_view identifier) {
-    build.add(fmt::format("{}/{}", container, metadataName),
+    build.add(fmt::format("{}/{}", container, names::containerMetadata),
               platform::Dictionary{{"MCMMetadataIdentifier", identifier},
                                    {"MCMMetadataContentClass", 2},
                                    {"MCMMetadataUUID", build.random.uuid()}});

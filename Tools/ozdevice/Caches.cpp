@@ -1,4 +1,7 @@
 #include "DeviceBuild.h"
+#include "Platform/Device/DeviceNames.h"
+
+#include <fmt/format.h>
 
 namespace ozdevice {
 namespace {
@@ -213,7 +216,7 @@ void addCaches(DeviceBuild& build) {
         const std::string container =
             std::string(build.generation.systemGroupData) + "/" + build.random.uuid();
         build.add(batteryArchives, container);
-        build.add(container + "/.com.apple.mobile_container_manager.metadata.plist",
+        build.add(fmt::format("{}/{}", container, names::containerMetadata),
                   platform::Dictionary{{"MCMMetadataIdentifier", "systemgroup.com.apple.powerlog"}});
     }
 }

@@ -1,7 +1,7 @@
 #include "Generation.h"
 
+#include "Model/Apps/AppContainerLayout.h"
 #include "Platform/Device/DeviceFacts.h"
-#include "Platform/Device/Generations.h"
 
 #include <charconv>
 
@@ -20,21 +20,6 @@ constexpr MajorVersion majorVersions[] = {
     {4, "4.3.3", "iPhone3,1"},   {5, "5.1.1", "iPhone4,1"},   {6, "6.1.2", "iPhone5,2"},
     {7, "7.1.2", "iPhone6,2"},   {8, "8.4.1", "iPhone7,1"},   {9, "9.3.3", "iPhone8,1"},
     {10, "10.3.3", "iPhone9,3"}, {11, "11.1.2", "iPhone9,3"},
-};
-
-struct Layout {
-    double sinceFoundationVersion;
-    std::string_view userBundles, userData, pluginData, groupData, systemData, systemGroupData;
-};
-
-// Newest first.
-constexpr Layout layouts[] = {
-    {ios::v9_2, "/var/containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
-     "/var/mobile/Containers/Data/PluginKitPlugin", "/var/mobile/Containers/Shared/AppGroup",
-     "/var/containers/Data/System", "/var/containers/Shared/SystemGroup"},
-    {ios::v8_0, "/var/mobile/Containers/Bundle/Application", "/var/mobile/Containers/Data/Application",
-     "/var/mobile/Containers/Data/PluginKitPlugin", "/var/mobile/Containers/Shared/AppGroup", "", ""},
-    {0, "/var/mobile/Applications", "/var/mobile/Applications", "", "", "", ""},
 };
 
 const MajorVersion* majorVersionOf(std::string_view productVersion) {
@@ -69,17 +54,13 @@ std::expected<Generation, std::string> Generation::make(std::string_view product
     }
     Generation made{std::string(release), version->foundationVersion, version->coreFoundationVersion,
                     known->major};
-    for (const Layout& layout : layouts) {
-        if (made.foundationVersion >= layout.sinceFoundationVersion) {
-            made.userBundles = layout.userBundles;
-            made.userData = layout.userData;
-            made.pluginData = layout.pluginData;
-            made.groupData = layout.groupData;
-            made.systemData = layout.systemData;
-            made.systemGroupData = layout.systemGroupData;
-            break;
-        }
-    }
+    const AppContainerLayout& layout = appContainerLayout(made.foundationVersion);
+    made.userBundles = layout.userAppBundles;
+    made.userData = layout.userAppData;
+    made.pluginData = layout.pluginData;
+    made.groupData = layout.userGroupData;
+    made.systemData = layout.systemAppData;
+    made.systemGroupData = layout.systemGroupData;
     return made;
 }
 

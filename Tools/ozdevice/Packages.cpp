@@ -1,6 +1,7 @@
 #include "Packages.h"
 
 #include "HostProgram.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <filesystem>
 
@@ -8,9 +9,6 @@
 
 namespace ozdevice {
 namespace {
-
-constexpr std::string_view databaseFolder = "/var/lib/dpkg";
-constexpr std::string_view archiveFolder = "/var/cache/apt/archives";
 
 constexpr TreeEntry emptyDatabase[] = {
     {"/var/lib/dpkg/alternatives/"}, {"/var/lib/dpkg/info/"},      {"/var/lib/dpkg/parts/"},
@@ -112,7 +110,7 @@ void PackageInstaller::runDpkg(std::vector<std::string> arguments) {
 void PackageInstaller::keepArchives() {
     for (const std::string& archive : _archives) {
         const std::string name = std::filesystem::path(archive).filename();
-        const std::string kept = fmt::format("{}/{}", archiveFolder, name);
+        const std::string kept = fmt::format("{}/{}", names::packageArchives, name);
         std::filesystem::copy_file(archive, _build.tree.hostPath(kept));
         _build.tree.adopt(kept, {.age = _build.someAge()});
     }
@@ -132,8 +130,8 @@ void PackageInstaller::writeAutomaticPackages() {
 
 void PackageInstaller::install() {
     _build.add(emptyDatabase);
-    _build.add(fmt::format("{}/status", databaseFolder), std::string_view());
-    _build.add(fmt::format("{}/available", databaseFolder), std::string_view());
+    _build.add(fmt::format("{}/status", names::packageDatabase), std::string_view());
+    _build.add(fmt::format("{}/available", names::packageDatabase), std::string_view());
     std::vector<std::string> removed;
     for (const PackageRow& row : packageTable()) {
         if (isFor(row, _build.generation)) {

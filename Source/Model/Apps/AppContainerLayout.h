@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Device/Generations.h"
 
 #include <iterator>
@@ -21,26 +22,26 @@ struct AppContainerLayout {
 /// Newest first.
 inline constexpr AppContainerLayout appContainerLayouts[] = {
     {.sinceFoundationVersion = ios::v9_2,
-     .userAppBundles = "/var/containers/Bundle/Application",
-     .userAppData = "/var/mobile/Containers/Data/Application",
-     .systemAppBundles = "/Applications",
-     .systemAppData = "/var/containers/Data/System",
-     .userGroupData = "/var/mobile/Containers/Shared/AppGroup",
-     .systemGroupData = "/var/containers/Shared/SystemGroup",
-     .pluginData = "/var/mobile/Containers/Data/PluginKitPlugin"},
+     .userAppBundles = names::userAppBundlesSince9_2,
+     .userAppData = names::userAppData,
+     .systemAppBundles = names::systemApps,
+     .systemAppData = names::systemAppData,
+     .userGroupData = names::userGroupData,
+     .systemGroupData = names::systemGroupData,
+     .pluginData = names::pluginData},
     {.sinceFoundationVersion = ios::v8_0,
-     .userAppBundles = "/var/mobile/Containers/Bundle/Application",
-     .userAppData = "/var/mobile/Containers/Data/Application",
-     .systemAppBundles = "/Applications",
+     .userAppBundles = names::userAppBundlesSince8_0,
+     .userAppData = names::userAppData,
+     .systemAppBundles = names::systemApps,
      .systemAppData = "",
-     .userGroupData = "/var/mobile/Containers/Shared/AppGroup",
+     .userGroupData = names::userGroupData,
      .systemGroupData = "",
-     .pluginData = "/var/mobile/Containers/Data/PluginKitPlugin"},
+     .pluginData = names::pluginData},
     // One folder holds an application's bundle and its data.
     {.sinceFoundationVersion = 0,
-     .userAppBundles = "/var/mobile/Applications",
-     .userAppData = "/var/mobile/Applications",
-     .systemAppBundles = "/Applications",
+     .userAppBundles = names::userAppsBefore8_0,
+     .userAppData = names::userAppsBefore8_0,
+     .systemAppBundles = names::systemApps,
      .systemAppData = "",
      .userGroupData = "",
      .systemGroupData = "",

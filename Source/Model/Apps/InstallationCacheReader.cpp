@@ -1,17 +1,16 @@
 #include "Model/Apps/InstallationCacheReader.h"
 
 #include "Platform/Device/Device.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <algorithm>
 #include <set>
 
 namespace {
 
-constexpr std::string_view cacheFile = "/var/mobile/Library/Caches/com.apple.mobile.installation.plist";
 // It holds the Info.plist of every application.
 constexpr uint64_t cacheFileLimit = uint64_t{64} << 20U;
 constexpr std::string_view userAppsFolder = "/private/var/mobile/Applications";
-constexpr std::string_view systemAppsFolder = "/Applications";
 // Deliberately unknown, so that nothing of it is ever touched.
 constexpr std::string_view unknownApp = "biteSMS.app";
 constexpr std::string_view privateFolder = "/private";
@@ -100,11 +99,11 @@ void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, 
 
 void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
     InstalledApps::InfoDictionaries found;
-    for (const auto& item : namesIn(fileManager, systemAppsFolder, apps)) {
+    for (const auto& item : namesIn(fileManager, names::systemApps, apps)) {
         if (!item.ends_with(".app") || item.ends_with(unknownApp)) {
             continue;
         }
-        const auto path = platform::joinPath(systemAppsFolder, item);
+        const auto path = platform::joinPath(names::systemApps, item);
         if (auto info = known.contains(path) ? std::nullopt : infoOfBundle(fileManager, path, apps)) {
             found.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
                                    std::move(*info));
@@ -118,7 +117,7 @@ void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known
 InstalledApps readInstallationCache(platform::Device& device) {
     auto fileManager = device.fileManager();
     InstalledApps apps;
-    if (const auto cache = readDictionary(fileManager, cacheFile, cacheFileLimit)) {
+    if (const auto cache = readDictionary(fileManager, names::installationCache, cacheFileLimit)) {
         apps.systemAppInfo = dictionariesAt(*cache, "System");
         apps.userAppInfo = dictionariesAt(*cache, "User");
     } else {

@@ -2,6 +2,7 @@
 
 #include "Model/Apps/AppContainerLayout.h"
 #include "Platform/Device/Device.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <algorithm>
 #include <set>
@@ -10,7 +11,6 @@
 
 namespace {
 
-constexpr std::string_view metadataFile = ".com.apple.mobile_container_manager.metadata.plist";
 constexpr std::string_view metadataIdentifier = "MCMMetadataIdentifier";
 constexpr uint64_t metadataLimit = uint64_t{1} << 20U;
 constexpr std::string_view groupsEntitlement = "com.apple.security.application-groups";
@@ -86,8 +86,8 @@ std::vector<std::string> InstalledAppsScan::bundlesIn(std::string_view folder, s
 Containers InstalledAppsScan::containersIn(std::string_view folder) {
     Containers containers;
     for (auto& container : foldersIn(folder)) {
-        const auto metadata =
-            valueOf(readDictionary(_fileManager, platform::joinPath(container, metadataFile), metadataLimit));
+        const auto metadata = valueOf(readDictionary(
+            _fileManager, platform::joinPath(container, names::containerMetadata), metadataLimit));
         if (const auto* identifier = platform::valueAt<std::string>(metadata, metadataIdentifier)) {
             containers.emplace(*identifier, std::move(container));
         } else {

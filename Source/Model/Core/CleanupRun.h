@@ -5,6 +5,7 @@
 #include "Model/Core/OnlyFiles.h"
 #include "Model/Core/StayedItems.h"
 #include "Model/Core/TreeView.h"
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Files/FileManager.h"
 
 #include <cstdint>
@@ -32,7 +33,7 @@ class CleanupRun {
   public:
     using Paths = std::vector<std::string>;
 
-    static constexpr std::string_view backupExtension = ".OzvarineBackup";
+    static constexpr std::string_view backupExtension = names::backupExtension;
 
     /// The device and the record outlive the run.
     CleanupRun(platform::Device& device, RunRecord& record, OZCoreMode mode);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Files/FileManager.h"
 
 #include <memory>
@@ -18,7 +19,7 @@ class OZCleanupLogger {
   public:
     explicit OZCleanupLogger(platform::Device& device);
 
-    static constexpr std::string_view logFilePath = "/var/mobile/Library/Ozvarine/junk.txt";
+    static constexpr std::string_view logFilePath = names::logFile;
 
     /// Opens the log and goes on at its end; a missing one is made, its folder too. Nothing if it is open.
     /// Gathered writing is for runs that change nothing: the log of any other tells what was touched even

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Model/Services/OZUserDefaultsSync.h"
+#include "Platform/Device/DeviceNames.h"
 
 #include <map>
 #include <optional>
@@ -24,8 +25,7 @@ inline constexpr std::string_view OZLocalizationNotification = "OZLocalizationNo
 class OZLocalizationManager : public OZUserDefaultsSync {
   public:
     /// The device's preferences, by their device path.
-    static constexpr std::string_view globalPreferencesPath =
-        "/var/mobile/Library/Preferences/.GlobalPreferences.plist";
+    static constexpr std::string_view globalPreferencesPath = names::globalPreferences;
 
     /// Reads the device's preferences and finds the languages; there is no `userLanguage` before the first
     /// `loadDefaults`. What is given outlives the manager.

@@ -1,5 +1,6 @@
 #include "Platform/Device/Device.h"
 
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Formats/PropertyList.h"
 
 #include <chrono>
@@ -18,8 +19,6 @@ namespace {
 
 // Two cores and more run it; more threads than tools that are waited for would only sleep.
 constexpr size_t queueThreads = 2;
-
-constexpr const char* userDefaultsFile = "/var/mobile/Library/Preferences/com.ozdev90.ozvarine.plist";
 
 void sleepForReal(double seconds) {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
@@ -101,7 +100,8 @@ Device::Device(FileManager fileManager, DeviceFacts facts, ToolTable tools)
     , _facts(std::move(facts))
     , _tools(std::move(tools))
     , _volumes(_fileManager, _facts.volumes)
-    , _standardUserDefaults(_fileManager, _notificationCenter, _warnings, userDefaultsFile)
+    , _standardUserDefaults(_fileManager, _notificationCenter, _warnings,
+                            std::string(names::programPreferences))
     , _sleep(sleepForReal)
     , _highPriorityQueue(Queue::concurrent("high", queueThreads))
     , _backgroundQueue(Queue::concurrent("background", queueThreads)) {}

@@ -1,6 +1,6 @@
-#include "Model/Core/ProgramIdentity.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Device/Bundle.h"
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Device/UserDefaults.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
@@ -232,7 +232,7 @@ TEST(LanguageFiles, AreFoundFromTheDevicesThatNeedThem) {
 }
 
 TEST(LanguageFiles, StandBesideTheProgramsDescription) {
-    EXPECT_EQ(Bundle().bundleIdentifier(), programIdentifier);
+    EXPECT_EQ(Bundle().bundleIdentifier(), names::programIdentifier);
     EXPECT_THAT(Bundle().infoString("CFBundleShortVersionString"),
                 testing::Optional(testing::MatchesRegex("[0-9.]+")));
     EXPECT_EQ(Bundle("/nowhere").bundleIdentifier(), "");

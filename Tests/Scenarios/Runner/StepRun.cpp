@@ -129,12 +129,13 @@ bool isExpectationOfRun(std::string_view line) {
 
 std::string runSteps(World& world, std::string_view words, const Lines& expected) {
     Words steps = wordsOf(words);
+    const Action action = Actions::named(steps.at(0));
     Mode mode = Mode::clean;
     if (const auto in = std::ranges::find(steps, "in"); in != steps.end()) {
         mode = modeOf(*(in + 1));
         steps.erase(in, steps.end());
     }
-    for (const auto& step : steps) {
+    for (const auto& step : action == nullptr ? steps : Words{}) {
         const size_t equals = std::min(step.find('='), step.size());
         world.settings[step.substr(0, equals)] =
             uint64_t{equals < step.size() ? std::stoull(step.substr(equals + 1)) : 1};
@@ -145,7 +146,12 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
     {
         const tests::StandardOutput nowhere("/dev/null");
         core.choices().setTestMode(mode == Mode::test);
-        core.clean(&world.settings, mode == Mode::analysis ? Analyze::yes : Analyze::no);
+        const auto analyze = mode == Mode::analysis ? Analyze::yes : Analyze::no;
+        core.clean(&world.settings, analyze);
+        if (action != nullptr) {
+            core.cleanupLogger()->deleteLogFile();
+            action(world, {steps.begin() + 1, steps.end()}, analyze);
+        }
     }
     outcome.log = world.folder.contents(OZCleanupLogger::logFilePath);
     outcome.asked = world.takeJournal();
@@ -154,7 +160,8 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
 
     // Lines with marks tell where a run does something else than taking what is said to go.
     TreeSnapshot wanted = treeAfter(mode, outcome.before, world.gone());
-    Lines effects = effectsOn(wanted, world.tree());
+    Lines effects = world.takeOutput();
+    std::ranges::copy(effectsOn(wanted, world.tree()), std::back_inserter(effects));
     for (const auto& line : outcome.asked) {
         effects.push_back("! " + line);
     }

@@ -1,5 +1,6 @@
 #include "Tests/Scenarios/Runner/Text.h"
 
+#include "Platform/Formats/UTF8.h"
 #include "Tests/Support/HostFile.h"
 
 #include <algorithm>
@@ -34,6 +35,21 @@ bool matchesLine(std::string_view expected, std::string_view actual) {
 
 bool standsForManyLines(std::string_view expected) {
     return expected.size() == anything.size() + 2 && expected.ends_with(anything);
+}
+
+/// Behind the bracket that closes the first one; quotes hide brackets.
+size_t endOfDictionary(std::string_view text) {
+    bool isQuoted = false;
+    int depth = 0;
+    for (size_t at = 0; at < text.size(); ++at) {
+        isQuoted = isQuoted != (text[at] == '"');
+        depth += isQuoted ? 0 : text[at] == '{' ? 1 : text[at] == '}' ? -1 : 0;
+        at += text[at] == '\\' ? 1 : 0;
+        if (depth == 0) {
+            return at + 1;
+        }
+    }
+    return text.size();
 }
 
 using Place = Lines::const_iterator;
@@ -107,11 +123,12 @@ std::string unescaped(std::string_view text) {
 
 std::string escaped(std::string_view text) {
     std::string shown;
+    const bool isText = platform::isUTF8(text);
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
-        if (character == '\\' || character == '\n') {
-            shown += character == '\n' ? "\\n" : "\\\\";
-        } else if (byte < 0x20 || byte == 0x7f) {
+        if (character == '\\' || character == '\n' || character == '\0') {
+            shown += character == '\n' ? "\\n" : character == '\0' ? "\\0" : "\\\\";
+        } else if (byte < 0x20 || byte == 0x7f || (byte >= 0x80 && !isText)) {
             shown += fmt::format("\\x{:02x}", byte);
         } else {
             shown += character;
@@ -131,7 +148,8 @@ std::string takeWord(std::string_view& line) {
         word = unescaped(line.substr(1, end - 1));
         line.remove_prefix(std::min(end + 1, line.size()));
     } else {
-        const size_t end = std::min(line.find(' '), line.size());
+        const size_t end =
+            line.starts_with('{') ? endOfDictionary(line) : std::min(line.find(' '), line.size());
         word = line.substr(0, end);
         line.remove_prefix(end);
     }

@@ -30,7 +30,7 @@ struct Scenario {
 [[nodiscard]] std::vector<Scenario> scenariosOf(const std::string& file);
 
 /// The words of a line; a word in double quotes may hold blanks and "\n", "\t", "\r", "\\", "\"", "\0" and
-/// "\xNN".
+/// "\xNN". A dictionary in braces is one word as it stands.
 [[nodiscard]] Words wordsOf(std::string_view line);
 /// The text with "$NAME" and "${NAME}" replaced; a "$" before no known name stands for itself.
 [[nodiscard]] std::string expanded(std::string_view text, const Variables& variables);
@@ -38,7 +38,7 @@ struct Scenario {
 std::string takeWord(std::string_view& line);
 /// What "\n" and the like stand for.
 [[nodiscard]] std::string unescaped(std::string_view text);
-/// The other way round, for what a line cannot show as it stands.
+/// The other way round, for what a line cannot show as it stands, such as bytes that are no UTF-8.
 [[nodiscard]] std::string escaped(std::string_view text);
 
 /// Whether the lines are those that are expected. In an expected line "…" stands for anything, and an

@@ -5,7 +5,7 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/HostFile.h"
-#include "Tests/Support/Program.h"
+#include "Tests/Support/Mounts.h"
 
 #include <algorithm>
 #include <chrono>
@@ -40,6 +40,11 @@ World::World(Variables loops)
     : variables(std::move(loops))
     , _facts{{"TimeZone", "UTC"}, {"FoundationVersion", 1445.32}, {"Applications", platform::Array{}}} {
     folder.addNotingTool("/usr/bin/killall");
+}
+
+World::~World() {
+    reopen();
+    tests::unmountAll();
 }
 
 double World::foundationVersion() const {
@@ -139,9 +144,20 @@ void World::give(std::string_view line) {
     } else if (kind == "package") {
         givePackage(rest());
     } else if (kind == "host") {
-        if (const auto outcome = tests::shell("cd '" + folder.folder().string() + "' && " + rest());
-            outcome.status != 0) {
+        if (const auto outcome = host(rest()); outcome.status != 0) {
             throw std::runtime_error(outcome.output);
+        }
+    } else if (kind == "readonly" || kind == "memory") {
+        const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
+        fs::create_directories(place);
+        kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
+    } else if (kind == "needs") {
+        if (const auto outcome = host(rest()); outcome.status != 0) {
+            throw Skipped("needs " + rest() + "\n" + outcome.output);
+        }
+    } else if (kind == "bundle" || kind == "container") {
+        for (const auto& text : spread(line)) {
+            giveBundle(wordsOf(text), kind == "container");
         }
     } else if (kind == "set") {
         const std::string name = takeWord(line);
@@ -238,6 +254,17 @@ void World::giveApp(const Words& words) {
     _facts["Applications"].as<platform::Array>()->emplace_back(info);
 }
 
+void World::giveBundle(const Words& words, bool isContainer) {
+    Dictionary list = words.size() > 2 ? *valueOf(words[2]).as<Dictionary>() : Dictionary{};
+    list.emplace(isContainer ? "MCMMetadataIdentifier" : "CFBundleIdentifier", words.at(1));
+    if (!isContainer) {
+        list.emplace("CFBundleExecutable", "Main");
+        giveItem(words[0] + "/Main", "code", false);
+    }
+    giveItem(words[0] + (isContainer ? "/.com.apple.mobile_container_manager.metadata.plist" : "/Info.plist"),
+             platform::serializePropertyList(list, platform::PropertyListFormat::binary), false);
+}
+
 void World::givePackage(std::string_view rest) {
     const std::string name = takeWord(rest);
     std::string fields;
@@ -280,6 +307,8 @@ platform::Device& World::device() {
             throw std::runtime_error(opened.error());
         }
         _device = std::move(opened.value());
+        _device->warnings().setReceiver(
+            [this](const auto& line) { _output.push_back("& " + escaped(line)); });
     }
     return *_device;
 }
@@ -298,6 +327,7 @@ OZModelBuilder& World::builder() {
 }
 
 void World::reopen() {
+    _kept.clear();
     _builder.reset();
     _device.reset();
 }
@@ -337,13 +367,16 @@ Lines World::takeEffects() {
     return effects;
 }
 
+tests::Outcome World::host(const std::string& command) const {
+    return tests::shell("cd '" + folder.folder().string() +
+                        "' && export PATH=" OZ_BINARY_DIRECTORY ":$PATH LC_ALL=C.UTF-8 && (" + command + ")");
+}
+
 void World::shell(const std::string& command) {
     device();
     reopen();
     const fs::path errors = folder.folder() / ".errors";
-    const auto outcome = tests::shell("cd '" + folder.folder().string() +
-                                      "' && export PATH=" OZ_BINARY_DIRECTORY ":$PATH LC_ALL=C.UTF-8 && (" +
-                                      command + ") 2>.errors </dev/null");
+    const auto outcome = host("(" + command + ") 2>.errors </dev/null");
     print(outcome.output);
     for (const auto& line : linesOf(tests::contentOf(errors))) {
         _output.push_back("& " + escaped(line));

@@ -1,25 +1,39 @@
 #pragma once
 
 #include "Model/Builder/OZModelBuilder.h"
+#include "Model/Core/OZCore.h"
 #include "Platform/Device/Device.h"
 #include "Tests/Scenarios/Runner/Text.h"
+#include "Tests/Support/Program.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TreeSnapshot.h"
 
+#include <any>
+#include <map>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <typeindex>
 #include <utility>
 #include <vector>
 
 namespace scenarios {
+
+/// What a scenario needs is not there.
+struct Skipped : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
 
 /// A device folder that a scenario's lines make, the program's objects on it, and what became of it.
 class World {
   public:
     /// What the loops of a scenario have come to, by the name of their variable.
     explicit World(Variables variables);
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+    ~World();
 
     /// Makes what a line gives; throws std::runtime_error for one that nobody understands.
     void give(std::string_view line);
@@ -27,7 +41,8 @@ class World {
     /// value of a loop); they are taken off.
     bool takeConditions(std::string_view& line) const;
 
-    /// The device, opened at first need, and the program's objects on it.
+    /// The device, opened at first need, and the program's objects on it. What it warns of is said, as errors
+    /// are.
     platform::Device& device();
     OZModelBuilder& builder();
     /// Lets go of all objects, as a new start of the program does.
@@ -48,9 +63,16 @@ class World {
     /// snapshot.
     std::set<std::string>& gone() { return _gone; }
     /// Runs a command line of the host in the device folder, with the built programs within reach; its
-    /// output, errors
-    /// ("& ") and status ("= ") are said.
+    /// output, errors ("& ") and status ("= ") are said.
     void shell(const std::string& command);
+
+    /// An object of a verb's own type that is kept from one action to the next, made by `make` at first need
+    /// and gone with `reopen`.
+    template <class T, class Make>
+    T& kept(Make make) {
+        std::any& place = _kept[typeid(T)];
+        return place.has_value() ? *std::any_cast<T>(&place) : place.emplace<T>(make());
+    }
 
     Variables variables;
     TemporaryDevice folder;
@@ -61,7 +83,10 @@ class World {
     void giveItems(std::string_view rest, bool isGone);
     void giveItem(const std::string& path, std::string_view content, bool isGone);
     void giveApp(const Words& words);
+    void giveBundle(const Words& words, bool isContainer);
     void givePackage(std::string_view rest);
+    /// Runs a command line of the host in the device folder, with the built programs within reach.
+    [[nodiscard]] tests::Outcome host(const std::string& command) const;
     /// The paths of a word, one for each value of the loops over paths that it names.
     [[nodiscard]] Words spread(std::string_view word) const;
     [[nodiscard]] double foundationVersion() const;
@@ -73,6 +98,7 @@ class World {
     Lines _output;
     tests::TreeSnapshot _before;
     size_t _journalLines = 0;
+    std::map<std::type_index, std::any> _kept;
     std::unique_ptr<platform::Device> _device;
     std::unique_ptr<OZModelBuilder> _builder;
 };
@@ -90,6 +116,15 @@ class Verbs {
     Verbs(std::initializer_list<std::pair<const char*, Verb>> verbs);
     /// Throws std::runtime_error for a name that nobody knows.
     static Verb named(std::string_view name);
+};
+
+/// A run of the engine that is no cleanup: "run NAME words", with counters and a log that begin anew.
+using Action = void (*)(World& world, const Words& words, Analyze analyze);
+class Actions {
+  public:
+    Actions(std::initializer_list<std::pair<const char*, Action>> actions);
+    /// Null for a name that nobody knows.
+    static Action named(std::string_view name);
 };
 
 /// The run of cleanup steps that "run STEP…" asks for, with what its lines expect of it. Gives what is wrong,

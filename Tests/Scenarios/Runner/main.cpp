@@ -2,6 +2,8 @@
 
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Support/Mounts.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -24,6 +26,11 @@ constexpr std::string_view marks = "|&!-+~@=";
 std::map<std::string, Verb, std::less<>>& verbs() {
     static std::map<std::string, Verb, std::less<>> verbs;
     return verbs;
+}
+
+std::map<std::string, Action, std::less<>>& actions() {
+    static std::map<std::string, Action, std::less<>> actions;
+    return actions;
 }
 
 bool isAction(std::string_view line) {
@@ -106,6 +113,12 @@ class ScenarioTest : public testing::Test {
         if (::geteuid() != 0) {
             GTEST_SKIP() << "needs root, or a user namespace that maps it";
         }
+        const auto mounts = [](const Line& line) {
+            return line.text.starts_with("readonly ") || line.text.starts_with("memory ");
+        };
+        if (std::ranges::any_of(_scenario.lines, mounts) && !tests::hasOwnMounts()) {
+            GTEST_SKIP() << "needs mounts of its own";
+        }
         const auto passes = passesOf(_scenario);
         for (const auto& pass : passes) {
             std::string name;
@@ -116,6 +129,8 @@ class ScenarioTest : public testing::Test {
             _isOnlyPass = passes.size() == 1;
             try {
                 run(pass);
+            } catch (const Skipped& reason) {
+                GTEST_SKIP() << reason.what();
             } catch (const std::exception& error) {
                 ADD_FAILURE_AT(_file.c_str(), static_cast<int>(_at + 1)) << error.what();
             }
@@ -250,6 +265,17 @@ Verbs::Verbs(std::initializer_list<std::pair<const char*, Verb>> named) {
     }
 }
 
+Actions::Actions(std::initializer_list<std::pair<const char*, Action>> named) {
+    for (const auto& [name, action] : named) {
+        actions()[name] = action;
+    }
+}
+
+Action Actions::named(std::string_view name) {
+    const auto action = actions().find(name);
+    return action == actions().end() ? nullptr : action->second;
+}
+
 Verb Verbs::named(std::string_view name) {
     const auto verb = verbs().find(name);
     if (verb == verbs().end()) {
@@ -262,6 +288,8 @@ Verb Verbs::named(std::string_view name) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
+    // Devices are many and small, and dpkg has each of its files put on the disk.
+    ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(OZ_SCENARIOS)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {

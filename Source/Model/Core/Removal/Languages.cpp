@@ -1,9 +1,9 @@
 // What goes with the languages that the user has no need of.
 #include "Categories/Text.h"
 #include "Model/Core/LanguageTable.h"
-#include "Model/Core/ProgramIdentity.h"
 #include "Model/Core/Removal/RemovalActions.h"
 #include "Model/Core/RunContext.h"
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Device/Generations.h"
 
 #include <algorithm>
@@ -91,7 +91,7 @@ std::vector<FoundPaths> findLanguageData(CleanupRun& run, const std::vector<std:
 
 // The files of a program that is installed on the device. Those of the running one lie on the host.
 void removeOwnLanguages(const RunContext& context) {
-    const auto names = context.run.tree().contentsOfDirectoryAtPath(programBundlePath);
+    const auto names = context.run.tree().contentsOfDirectoryAtPath(names::programBundle);
     if (!names) {
         return;
     }
@@ -99,7 +99,7 @@ void removeOwnLanguages(const RunContext& context) {
     for (const auto& name : *names) {
         if (name.ends_with(languageFileExtension) &&
             context.choices.languagesToRemove().contains(languageOfFile(name))) {
-            paths.push_back(platform::joinPath(programBundlePath, name));
+            paths.push_back(platform::joinPath(names::programBundle, name));
         }
     }
     context.run.del(paths);
@@ -130,7 +130,7 @@ void removeLanguages(const RunContext& context) {
     std::erase_if(components, std::not_fn(isCode));
     std::ranges::move(findLanguageData(context.run, components), std::back_inserter(found));
     quickDelLangAll(context.run, found);
-    if (!context.appList.isAppExcluded(programIdentifier, OZExclusionMask::languages)) {
+    if (!context.appList.isAppExcluded(names::programIdentifier, OZExclusionMask::languages)) {
         removeOwnLanguages(context);
     }
 }

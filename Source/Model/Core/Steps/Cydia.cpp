@@ -1,9 +1,9 @@
 #include "Categories/Text.h"
 #include "Model/Core/CleanupSteps.h"
-#include "Model/Core/ProgramIdentity.h"
 #include "Model/Core/Removal/KnownApps.h"
 #include "Model/Core/Steps/EachApplication.h"
 #include "Model/Core/Steps/StepContext.h"
+#include "Platform/Device/DeviceNames.h"
 #include "Platform/Files/PathExtension.h"
 
 #include <optional>
@@ -63,7 +63,7 @@ bool namesAnItem(std::string_view identifier) {
 void cleanSystemApplications(const StepContext& context) {
     const auto apps = context.appList.appList(
         {.typeMask = OZAppTypeMask::system,
-         .excludingIdentifiers = {std::string(programIdentifier), std::string(cydiaIdentifier)},
+         .excludingIdentifiers = {std::string(names::programIdentifier), std::string(cydiaIdentifier)},
          .filterMask = OZAppFilterMask::noApple | OZAppFilterMask::validIcon,
          .exclusionMask = OZExclusionMask::cleanup});
     for (const auto& app : apps) {

@@ -1,5 +1,6 @@
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/Steps/StepContext.h"
+#include "Platform/Device/DeviceNames.h"
 
 // Downloaded updates of the system.
 
@@ -15,7 +16,7 @@ constexpr CleanupAction otaUpdateActions[] = {
     {.primitive = delFolderContents, .path = "/var/MobileSoftwareUpdate"},
     {.primitive = delFolderContents, .path = "/var/mobile/MobileSoftwareUpdate"},
     {.primitive = delWithPatterns,
-     .path = "/var/mobile/Library/Assets",
+     .path = names::mobileAssets,
      .patterns = {.startPatterns = softwareUpdateAssets}},
     {.primitive = delWithPatterns,
      .path = "/var/MobileAsset/Assets",

@@ -1,10 +1,10 @@
 #include "Model/Items/Deletable/Dictionaries/OZDLDictionaryList.h"
 
 #include "Platform/Device/Device.h"
+#include "Platform/Device/DeviceNames.h"
 
 namespace {
 
-constexpr std::string_view assetsFolder = "/var/mobile/Library/Assets";
 constexpr std::string_view assetsOfDictionaries = "com_apple_MobileAsset_DictionaryServices_dictionary";
 constexpr std::string_view dictionaryFolders[] = {"/Library/Dictionaries",
                                                   "/var/mobile/Library/Dictionaries"};
@@ -32,7 +32,7 @@ void OZDLDictionaryList::findItems() {
 }
 
 void OZDLDictionaryList::findAssets() {
-    const auto folder = _device.fileManager().folderAtPath(assetsFolder);
+    const auto folder = _device.fileManager().folderAtPath(names::mobileAssets);
     if (!folder) {
         return;
     }
@@ -41,7 +41,7 @@ void OZDLDictionaryList::findAssets() {
             name.starts_with(assetsOfDictionaries) ? platform::Item(*folder, name).enumerate() : nullptr;
         while (const auto path = enumerator ? enumerator->nextObject() : std::nullopt) {
             if (path->ends_with(dictionaryExtension)) {
-                addDictionaryAtPath(platform::joinPath(platform::joinPath(assetsFolder, name), *path));
+                addDictionaryAtPath(platform::joinPath(platform::joinPath(names::mobileAssets, name), *path));
             }
         }
     }
@@ -65,12 +65,12 @@ void OZDLDictionaryList::addDictionaryAtPath(const std::string& path) {
 void OZDLDictionaryList::removeFromDevice(const OZDeletableItem& item) {
     auto fileManager = _device.fileManager();
     const std::string_view path = item.paths().front();
-    const std::string prefix = platform::pathPrefix(assetsFolder);
+    const std::string prefix = platform::pathPrefix(names::mobileAssets);
     if (!path.starts_with(prefix)) {
         std::ignore = fileManager.removeItemAtPath(path);
         return;
     }
-    const auto assets = fileManager.folderAtPath(assetsFolder);
+    const auto assets = fileManager.folderAtPath(names::mobileAssets);
     const auto asset = assets ? fileManager.itemBelow(*assets, assetOfDictionary(path.substr(prefix.size())))
                               : std::unexpected(assets.error());
     if (asset) {

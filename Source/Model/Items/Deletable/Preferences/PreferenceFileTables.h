@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Platform/Device/DeviceNames.h"
+
 #include <string_view>
 
 // What is known of preference files.
 
 inline constexpr std::string_view preferenceFolders[] = {
-    "/var/mobile/Library/Preferences",
+    names::mobilePreferences,
     "/var/root/Library/Preferences",
 };
 
