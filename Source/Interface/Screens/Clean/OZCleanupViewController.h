@@ -78,6 +78,8 @@ class OZCleanupViewController : public OZViewController {
     [[nodiscard]] OZCleanupView& cleanupView() { return _cleanupView; }
     /// Whether a run goes on.
     [[nodiscard]] bool isRunning() const { return _timer.has_value(); }
+    /// Whether the engine has come back from the last run, which the next tick will see.
+    [[nodiscard]] bool runHasEnded() const { return !_run || runIsOver(); }
 
   private:
     /// A run as the worker knows it. It outlives the screen where that ends first.
