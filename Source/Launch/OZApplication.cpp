@@ -40,7 +40,7 @@ std::string OZApplication::launcherPath() {
 }
 
 std::string_view OZApplication::executableCalledBy(std::string_view path, double foundationVersion) {
-    const auto called = std::ranges::find(executables, path.substr(path.rfind('/') + 1), &Executable::name);
+    const auto called = std::ranges::find(executables, platform::lastPathComponent(path), &Executable::name);
     return called == executables.end() ? executableName(foundationVersion) : called->name;
 }
 

@@ -12,10 +12,10 @@ class OZApplication {
   public:
     OZApplication() = delete;
 
-    static constexpr std::string_view bundlePath = names::programBundle;
+    static constexpr std::string_view bundlePath = devicename::programBundle;
     static constexpr std::string_view cliLauncherPath = "/usr/bin/ozvarine";
     static constexpr std::string_view libPath = "/Library/MobileSubstrate/DynamicLibraries/OzvarineLib.dylib";
-    static constexpr std::string_view dataDirPath = names::programData;
+    static constexpr std::string_view dataDirPath = devicename::programData;
     static constexpr std::string_view launcherName = "Ozvarine";
     /// From the oldest generation to the newest.
     static constexpr std::array<std::string_view, 4> allExecutableNames = {"iOS4_Ozvarine", "iOS6_Ozvarine",

@@ -65,15 +65,15 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
     }
     auto fileManager = device.fileManager();
     const std::string tree = options.device.value_or("the device");
-    const auto folder = fileManager.folderAtPath(names::mobileHome);
+    const auto folder = fileManager.folderAtPath(devicename::mobileHome);
     if (!folder && folder.error() == std::errc::operation_not_permitted) {
         return Refusal{
             fmt::format("a link on the way to var/mobile in {} belongs to another user than what it "
                         "leads to, and is not followed; give both to one user, with chown -h",
                         tree)};
     }
-    if (fileManager.folderAtPath(names::privateMobileHome)) {
-        return isSameFolder(fileManager, names::mobileHome, names::privateMobileHome)
+    if (fileManager.folderAtPath(devicename::privateMobileHome)) {
+        return isSameFolder(fileManager, devicename::mobileHome, devicename::privateMobileHome)
                    ? std::nullopt
                    : std::optional(Refusal{fmt::format(
                          "in {} var is not private/var, where the device has its data; move var away, or put "
@@ -95,9 +95,9 @@ std::optional<Refusal> missingData(platform::Device& device, const LauncherOptio
 constexpr std::array<std::string_view, 7> writtenFolders = {
     "/",
     "/var",
-    names::mobileHome,
+    devicename::mobileHome,
     "/var/mobile/Library",
-    names::mobilePreferences,
+    devicename::mobilePreferences,
     "/var/mobile/Library/Caches",
     "/tmp",
 };

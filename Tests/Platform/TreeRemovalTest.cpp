@@ -134,17 +134,18 @@ TEST_P(TreeRemovalTest, FoundPathsSurviveFoldersSwappedForLinks) {
     size_t removed = 0;
     repeatedly([&] {
         const Descriptor again(::openat(target.get(), "canary", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
-        FoundPaths found{.folder = *files->folderAtPath("/busy"), .prefix = "/busy/", .names = {}};
+        const auto folder = *files->folderAtPath("/busy");
+        std::vector<std::string> found;
         const auto walk = files->enumeratorAtPath("/busy");
         while (const auto entry = walk->nextObject()) {
             EXPECT_FALSE(entry->ends_with("/foreign")) << "walked through a link";
             if (entry->ends_with("/canary")) {
-                found.names.emplace_back(*entry);
+                found.emplace_back(*entry);
             }
         }
-        found.names.insert(found.names.end(), {"target/deep/canary", "target/canary", "decoy/canary"});
-        for (const auto& name : found.names) {
-            const auto item = files->itemBelow(found.folder, name);
+        found.insert(found.end(), {"target/deep/canary", "target/canary", "decoy/canary"});
+        for (const auto& name : found) {
+            const auto item = files->itemBelow(folder, name);
             removed += item && item->remove() ? 1 : 0;
             files->forgetLastFolder();
         }

@@ -217,7 +217,7 @@ void ApplicationTree::remember(const char* type, const BundleRow& row, const std
 
 void ApplicationTree::addInstallationCache() {
     if (!_build.generation.hasContainers()) {
-        _build.add(names::installationCache,
+        _build.add(devicename::installationCache,
                    platform::Dictionary{{"System", _installed[0]}, {"User", _installed[1]}});
     }
 }

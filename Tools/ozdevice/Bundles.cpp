@@ -74,7 +74,7 @@ void addBundle(DeviceBuild& build, const std::string& path, const BundleRow& row
 }
 
 void addContainerMetadata(DeviceBuild& build, const std::string& container, std::string_view identifier) {
-    build.add(fmt::format("{}/{}", container, names::containerMetadata),
+    build.add(fmt::format("{}/{}", container, devicename::containerMetadata),
               platform::Dictionary{{"MCMMetadataIdentifier", identifier},
                                    {"MCMMetadataContentClass", 2},
                                    {"MCMMetadataUUID", build.random.uuid()}});

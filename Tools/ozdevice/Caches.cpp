@@ -216,7 +216,7 @@ void addCaches(DeviceBuild& build) {
         const std::string container =
             std::string(build.generation.systemGroupData) + "/" + build.random.uuid();
         build.add(batteryArchives, container);
-        build.add(fmt::format("{}/{}", container, names::containerMetadata),
+        build.add(fmt::format("{}/{}", container, devicename::containerMetadata),
                   platform::Dictionary{{"MCMMetadataIdentifier", "systemgroup.com.apple.powerlog"}});
     }
 }

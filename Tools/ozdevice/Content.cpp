@@ -1,5 +1,7 @@
 #include "Content.h"
 
+#include "Platform/Files/Path.h"
+
 #include "Platform/Formats/PropertyList.h"
 
 #include <array>
@@ -95,7 +97,7 @@ std::string words(Random& random) {
 }
 
 std::string contentForPath(std::string_view path, Random& random) {
-    const std::string_view name = path.substr(path.rfind('/') + 1);
+    const std::string_view name = platform::lastPathComponent(path);
     const size_t dot = name.rfind('.');
     const std::string_view extension = dot == std::string_view::npos ? "" : name.substr(dot + 1);
     if (extension == "png") {

@@ -110,7 +110,7 @@ void PackageInstaller::runDpkg(std::vector<std::string> arguments) {
 void PackageInstaller::keepArchives() {
     for (const std::string& archive : _archives) {
         const std::string name = std::filesystem::path(archive).filename();
-        const std::string kept = fmt::format("{}/{}", names::packageArchives, name);
+        const std::string kept = fmt::format("{}/{}", devicename::packageArchives, name);
         std::filesystem::copy_file(archive, _build.tree.hostPath(kept));
         _build.tree.adopt(kept, {.age = _build.someAge()});
     }
@@ -130,8 +130,8 @@ void PackageInstaller::writeAutomaticPackages() {
 
 void PackageInstaller::install() {
     _build.add(emptyDatabase);
-    _build.add(fmt::format("{}/status", names::packageDatabase), std::string_view());
-    _build.add(fmt::format("{}/available", names::packageDatabase), std::string_view());
+    _build.add(fmt::format("{}/status", devicename::packageDatabase), std::string_view());
+    _build.add(fmt::format("{}/available", devicename::packageDatabase), std::string_view());
     std::vector<std::string> removed;
     for (const PackageRow& row : packageTable()) {
         if (isFor(row, _build.generation)) {

@@ -36,7 +36,7 @@ void addPreferences(DeviceBuild& build) {
     build.add(preferences);
     // Since 9 a language has its region behind it.
     const bool hasRegions = build.generation.major >= 9;
-    build.add(names::globalPreferences,
+    build.add(devicename::globalPreferences,
               platform::Dictionary{{"AppleLanguages", platform::Array{hasRegions ? "en-US" : "en",
                                                                       hasRegions ? "de-DE" : "de"}},
                                    {"AppleLocale", "en_US"}});

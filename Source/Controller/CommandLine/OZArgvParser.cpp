@@ -131,11 +131,9 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
 
 // What was enabled decides, not what was found.
 bool OZArgvParser::shouldRespring() const {
-    const auto isEnabled = [&](std::string_view key) {
-        const auto number = _modelBuilder.core().choices().numberForCleanupSetting(key);
-        return number && number->boolValue().value_or(false);
-    };
-    return isEnabled(cleanupstep::cacheFiles) || isEnabled(cleanupstep::tempFiles);
+    const auto& settings = _modelBuilder.core().choices().cleanupSettings();
+    return CleanupChoices::isOn(settings, cleanupstep::cacheFiles) ||
+           CleanupChoices::isOn(settings, cleanupstep::tempFiles);
 }
 
 void OZArgvParser::respring() {

@@ -47,13 +47,11 @@ std::string line(size_t index) {
 }
 
 uint64_t attachments(const CleanupChoices& choices) {
-    const auto value = choices.numberForCleanupSetting(cleanupstep::attachments);
-    return value ? value->unsignedValue().value_or(0) : 0;
+    return CleanupChoices::numberOf(choices.cleanupSettings(), cleanupstep::attachments);
 }
 
 bool isOn(const CleanupChoices& choices, std::string_view key) {
-    const auto value = choices.numberForCleanupSetting(key);
-    return value && value->boolValue().value_or(false);
+    return CleanupChoices::isOn(choices.cleanupSettings(), key);
 }
 
 } // namespace

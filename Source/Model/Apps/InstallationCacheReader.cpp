@@ -29,10 +29,6 @@ InstalledApps::InfoDictionaries dictionariesAt(const platform::Dictionary& cache
     return dictionaries;
 }
 
-std::string parentFolder(std::string_view path) {
-    return std::string(path.substr(0, std::max<size_t>(path.rfind('/') + 1, 1) - 1));
-}
-
 KnownFolders knownFolders(const InstalledApps& apps) {
     KnownFolders known;
     for (const auto& [identifier, info] : apps.userAppInfo) {
@@ -40,7 +36,7 @@ KnownFolders knownFolders(const InstalledApps& apps) {
         if (const auto* container = platform::valueAt<std::string>(info, infokey::container)) {
             known.insert(*container);
         } else if (path != nullptr) {
-            known.insert(parentFolder(*path));
+            known.emplace(platform::deletingLastPathComponent(*path));
         }
     }
     for (const auto& [identifier, info] : apps.systemAppInfo) {
@@ -99,11 +95,11 @@ void addUserApps(platform::FileManager& fileManager, const KnownFolders& known, 
 
 void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known, InstalledApps& apps) {
     InstalledApps::InfoDictionaries found;
-    for (const auto& item : namesIn(fileManager, names::systemApps, apps)) {
+    for (const auto& item : namesIn(fileManager, devicename::systemApps, apps)) {
         if (!item.ends_with(".app") || item.ends_with(unknownApp)) {
             continue;
         }
-        const auto path = platform::joinPath(names::systemApps, item);
+        const auto path = platform::joinPath(devicename::systemApps, item);
         if (auto info = known.contains(path) ? std::nullopt : infoOfBundle(fileManager, path, apps)) {
             found.insert_or_assign(*platform::valueAt<std::string>(*info, infokey::identifier),
                                    std::move(*info));
@@ -117,7 +113,7 @@ void addSystemApps(platform::FileManager& fileManager, const KnownFolders& known
 InstalledApps readInstallationCache(platform::Device& device) {
     auto fileManager = device.fileManager();
     InstalledApps apps;
-    if (const auto cache = readDictionary(fileManager, names::installationCache, cacheFileLimit)) {
+    if (const auto cache = readDictionary(fileManager, devicename::installationCache, cacheFileLimit)) {
         apps.systemAppInfo = dictionariesAt(*cache, "System");
         apps.userAppInfo = dictionariesAt(*cache, "User");
     } else {

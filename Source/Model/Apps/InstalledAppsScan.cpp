@@ -87,7 +87,7 @@ Containers InstalledAppsScan::containersIn(std::string_view folder) {
     Containers containers;
     for (auto& container : foldersIn(folder)) {
         const auto metadata = valueOf(readDictionary(
-            _fileManager, platform::joinPath(container, names::containerMetadata), metadataLimit));
+            _fileManager, platform::joinPath(container, devicename::containerMetadata), metadataLimit));
         if (const auto* identifier = platform::valueAt<std::string>(metadata, metadataIdentifier)) {
             containers.emplace(*identifier, std::move(container));
         } else {

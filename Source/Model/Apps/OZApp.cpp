@@ -5,7 +5,7 @@
 #include "Model/Apps/AppIconFiles.h"
 #include "Model/Apps/InstalledApps.h"
 #include "Platform/Files/FileManager.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <algorithm>
 
@@ -25,13 +25,10 @@ std::optional<std::string> pathAt(const platform::Dictionary& info, std::string_
     return path;
 }
 
-/// Identifiers come from files that applications bring along, and become names below containers: one that is
-/// a path would lead a deletion elsewhere.
+/// Identifiers come from files that applications bring along, and become names below containers.
 std::optional<std::string> identifierAt(const platform::Dictionary& info) {
     auto identifier = textAt(info, infokey::identifier);
-    const bool isName = identifier && *identifier != "." && *identifier != ".." &&
-                        identifier->find_first_of(std::string_view("/\0", 2)) == std::string::npos;
-    return isName ? identifier : std::nullopt;
+    return identifier && platform::isFileName(*identifier) ? identifier : std::nullopt;
 }
 
 OZApp::Containers containersAt(const platform::Dictionary& info, std::string_view key) {

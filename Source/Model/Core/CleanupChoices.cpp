@@ -102,16 +102,27 @@ platform::Dictionary CleanupChoices::defaultCleanupSettings(const platform::Devi
 
 std::vector<std::string_view> CleanupChoices::enabledCleanupStepKeys() const {
     auto keys = cleanupStepKeys(_device);
-    std::erase_if(keys, [&](std::string_view key) {
-        const auto number = numberForCleanupSetting(key);
-        return !number || number->unsignedValue().value_or(0) == 0;
-    });
+    std::erase_if(keys, [&](std::string_view key) { return numberOf(_cleanupSettings, key) == 0; });
     return keys;
 }
 
 std::optional<platform::Value> CleanupChoices::numberForCleanupSetting(std::string_view key) const {
     const auto found = _cleanupSettings.find(key);
     return found == _cleanupSettings.end() ? std::nullopt : std::optional(found->second);
+}
+
+uint64_t CleanupChoices::numberOf(const platform::Dictionary& settings, std::string_view key) {
+    const auto found = settings.find(key);
+    return found == settings.end() ? 0 : found->second.unsignedValue().value_or(0);
+}
+
+bool CleanupChoices::isOn(const platform::Dictionary& settings, std::string_view key) {
+    const auto found = settings.find(key);
+    if (found == settings.end()) {
+        return false;
+    }
+    return key == cleanupstep::attachments ? numberOf(settings, key) != 0
+                                           : found->second.boolValue().value_or(false);
 }
 
 void CleanupChoices::setNumberForCleanupSetting(const platform::Value& number, std::string_view key) {

@@ -37,6 +37,10 @@ class CleanupChoices : public OZUserDefaultsSync {
     [[nodiscard]] std::vector<std::string_view> enabledCleanupStepKeys() const;
     /// None for a key that is no step's.
     [[nodiscard]] std::optional<platform::Value> numberForCleanupSetting(std::string_view key) const;
+    /// What settings, these or those of one run, say of a step as a number; 0 for a step that is not named.
+    [[nodiscard]] static uint64_t numberOf(const platform::Dictionary& settings, std::string_view key);
+    /// Whether they switch the step on.
+    [[nodiscard]] static bool isOn(const platform::Dictionary& settings, std::string_view key);
     void setNumberForCleanupSetting(const platform::Value& number, std::string_view key);
     void resetCleanupSettings();
     /// Takes the numbers at known keys; everything else gets its default or falls away.
@@ -91,6 +95,9 @@ class CleanupChoices : public OZUserDefaultsSync {
     void writeDefaults() override;
 
   private:
+    /// English, the device's and the user's: never removed.
+    [[nodiscard]] std::vector<std::string> languagesInUse() const;
+
     platform::Device& _device;
     const OZLocalizationManager& _localizationManager;
     platform::Dictionary _cleanupSettings;

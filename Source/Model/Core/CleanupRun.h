@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Model/Core/CleanupAction.h"
+#include "Model/Core/FoundPaths.h"
 #include "Model/Core/OZCoreMode.h"
 #include "Model/Core/OnlyFiles.h"
 #include "Model/Core/StayedItems.h"
@@ -33,7 +34,7 @@ class CleanupRun {
   public:
     using Paths = std::vector<std::string>;
 
-    static constexpr std::string_view backupExtension = names::backupExtension;
+    static constexpr std::string_view backupExtension = devicename::backupExtension;
 
     /// The device and the record outlive the run.
     CleanupRun(platform::Device& device, RunRecord& record, OZCoreMode mode);
@@ -44,9 +45,9 @@ class CleanupRun {
     [[nodiscard]] TreeView& tree() { return _tree; }
     /// The paths that the device's "find" prints for these arguments, the first of which is the folder to
     /// search. None without the tool.
-    platform::FoundPaths find(const std::vector<std::string>& arguments);
+    FoundPaths find(const std::vector<std::string>& arguments);
     /// The same over several folders with one run of the tool; those that are not there are left out.
-    std::vector<platform::FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
+    std::vector<FoundPaths> find(const Paths& folders, const std::vector<std::string>& predicates);
     /// The patterns of folders that a search is to pass by. An analysis passes by `countedFolders`, too: it
     /// has counted what it would have removed from them, and would find it there again.
     [[nodiscard]] std::vector<std::string>
@@ -60,27 +61,27 @@ class CleanupRun {
     // Named items.
     /// Regular files only.
     void del(const Paths& paths);
-    void del(const platform::FoundPaths& found);
+    void del(const FoundPaths& found);
     /// Regular files and whole folders; a folder counts as one item, and each entry below it as one more.
     void delr(const Paths& paths);
-    void delr(const platform::FoundPaths& found);
+    void delr(const FoundPaths& found);
     /// Whatever is named, for long lists of paths known to be wanted. Counts what really went.
     void quickDel(const Paths& paths);
-    void quickDel(const platform::FoundPaths& found);
+    void quickDel(const FoundPaths& found);
     /// `quickDel` of what `find` gives. An analysis looks at what is found while the search goes on.
     void quickDelFound(const std::vector<std::string>& arguments);
     /// Folders that count as one item each.
     void quickDelLang(const Paths& paths);
-    void quickDelLang(const platform::FoundPaths& found);
+    void quickDelLang(const FoundPaths& found);
     /// Links alone, which go uncounted in a cleanup and stay in any other run: what counts is what they lead
     /// to.
-    void removeLinks(const platform::FoundPaths& links);
+    void removeLinks(const FoundPaths& links);
     /// Whether an error says that nothing can be there, rather than that nobody may look.
     [[nodiscard]] static bool leadsNowhere(const std::error_code& reason);
     /// A path that a run would act on if it could be reached; nothing to note where it leads nowhere.
     void noteUnreached(std::string_view path, const std::error_code& reason);
     /// Backups get their old names again, in place of whatever has them by now.
-    void restore(const platform::FoundPaths& backups);
+    void restore(const FoundPaths& backups);
 
     // What is in a folder.
     /// A folder's direct entries; the folder stays.
@@ -135,12 +136,16 @@ class CleanupRun {
 
   private:
     /// Is given each name and the folder that it was found in.
-    using FoundHandler = std::function<void(platform::FoundPaths& home, std::string_view name)>;
+    using FoundHandler = std::function<void(FoundPaths& home, std::string_view name)>;
     /// Searches the folders, which it gives, without the names.
-    std::vector<platform::FoundPaths> search(const Paths& folders, const std::vector<std::string>& predicates,
-                                             const FoundHandler& handler);
+    std::vector<FoundPaths> search(const Paths& folders, const std::vector<std::string>& predicates,
+                                   const FoundHandler& handler);
 
     // What the primitives do with one item. The path is the item's as it was named, for the log.
+    template <class Work>
+    void forEachItem(const Paths& paths, Work work);
+    template <class Work>
+    void forEachItem(const FoundPaths& found, Work work);
     void delItem(const platform::Item& item, std::string_view path);
     template <class Work>
     auto whereFound(Work work);
@@ -150,7 +155,7 @@ class CleanupRun {
     void delrItem(const platform::Item& item, std::string_view path, SizeSum& sizes,
                   platform::BackgroundWork* removals = nullptr);
     /// Entries of one folder.
-    void delrEntries(const platform::FoundPaths& entries);
+    void delrEntries(const FoundPaths& entries);
     void quickDelItem(const platform::Item& item, std::string_view path);
     void quickDelLangItem(const platform::Result<platform::Item>& item, std::string_view path);
     void restoreItem(const platform::Item& backup, std::string_view path);

@@ -23,9 +23,9 @@ std::vector<size_t> deepestFirst(const std::vector<std::string>& paths) {
 
 // A backup inside of a folder that is itself a backup is reached by the path that the search has seen, as
 // long as that folder waits for it.
-void CleanupRun::restore(const platform::FoundPaths& backups) {
+void CleanupRun::restore(const FoundPaths& backups) {
     for (const size_t index : deepestFirst(backups.names)) {
-        if (const auto item = _files.itemBelow(backups.folder, backups.names[index])) {
+        if (const auto item = _files.itemBelow(backups._folder, backups.names[index])) {
             restoreItem(*item, backups.path(index));
         } else {
             noteUnreached(backups.path(index), item.error());

@@ -8,8 +8,6 @@
 
 #include <fmt/format.h>
 
-using platform::FoundPaths;
-
 namespace {
 
 // The tool's paths end in a NUL byte, the one character that no name holds: a name with a line break in it
@@ -66,8 +64,7 @@ std::vector<FoundPaths> CleanupRun::search(const Paths& folders, const std::vect
         if (folder) {
             arguments.push_back(_files.pathForTools(path));
             toolPrefixes.push_back(platform::pathPrefix(arguments.back()));
-            found.push_back(
-                {.folder = std::move(*folder), .prefix = platform::pathPrefix(path), .names = {}});
+            found.push_back(FoundPaths(std::move(*folder), path));
         } else if (!isExpression) {
             noteUnreached(path, folder.error());
         }

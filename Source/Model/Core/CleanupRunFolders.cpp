@@ -5,8 +5,6 @@
 #include <utility>
 
 using platform::FileType;
-using platform::FoundPaths;
-using platform::Item;
 
 namespace {
 
@@ -80,7 +78,7 @@ void CleanupRun::delEntriesWhere(std::string_view folder, OnlyFiles onlyFiles,
 
 void CleanupRun::delEmptyDirs(std::string_view folder) {
     auto opened = _files.folderAtPath(folder);
-    const auto enumerator = opened ? Item(*opened, ".").enumerate() : nullptr;
+    const auto enumerator = opened ? (*opened)->enumerate() : nullptr;
     if (!opened) {
         noteUnreached(folder, opened.error());
     }
@@ -116,7 +114,7 @@ void CleanupRun::delEmptyDirs(std::string_view folder) {
             keepOpen();
         }
     }
-    FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = {}};
+    FoundPaths found(*opened, folder);
     for (auto& directory : directories) {
         if (!directory.holdsFile) {
             found.names.push_back(std::move(directory.path));

@@ -2,12 +2,12 @@
 #include "Model/Core/ItemLooks.h"
 #include "Model/Core/RunRecord.h"
 #include "Model/Core/SizeSum.h"
+#include "Platform/Device/Device.h"
 #include "Platform/Threads/BackgroundWork.h"
 
 #include <functional>
 
 using platform::FileType;
-using platform::FoundPaths;
 using platform::Item;
 
 namespace {
@@ -16,24 +16,23 @@ bool endsInBackupExtension(std::string_view path) {
     return path.ends_with(CleanupRun::backupExtension);
 }
 
-// Applies one primitive's work to every item that can be found, with the text that names it.
+} // namespace
+
 template <class Work>
-void forEachItem(platform::FileManager& fileManager, const CleanupRun::Paths& paths, Work work) {
+void CleanupRun::forEachItem(const Paths& paths, Work work) {
     for (const auto& path : paths) {
-        work(fileManager.itemAtPath(path), path);
+        work(_files.itemAtPath(path), path);
     }
 }
 
 template <class Work>
-void forEachItem(platform::FileManager& fileManager, const FoundPaths& found, Work work) {
+void CleanupRun::forEachItem(const FoundPaths& found, Work work) {
     std::string path = found.prefix;
     for (const auto& name : found.names) {
         path.replace(found.prefix.size(), std::string::npos, name);
-        work(fileManager.itemBelow(found.folder, name), path);
+        work(_files.itemBelow(found._folder, name), path);
     }
 }
-
-} // namespace
 
 template <class Work>
 auto CleanupRun::whereFound(Work work) {
@@ -47,16 +46,16 @@ auto CleanupRun::whereFound(Work work) {
 }
 
 void CleanupRun::del(const Paths& paths) {
-    forEachItem(_files, paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+    forEachItem(paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
 }
 
 void CleanupRun::del(const FoundPaths& found) {
     if (_mode == OZCoreMode::analyze) {
-        ItemLooks looks(_files, found);
+        ItemLooks looks(_device.backgroundQueue(), _files, found);
         countLooks(looks, [](const ItemLook& look) { return look.type == FileType::regular; });
         return;
     }
-    forEachItem(_files, found, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+    forEachItem(found, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
 }
 
 void CleanupRun::delr(const Paths& paths) {
@@ -71,8 +70,8 @@ void CleanupRun::delr(const FoundPaths& found) {
 // gets another name.
 template <class List>
 void CleanupRun::delrEach(const List& list) {
-    SizeSum sizes;
-    forEachItem(_files, list, whereFound([&](const Item& item, auto path) {
+    SizeSum sizes(_device.backgroundQueue());
+    forEachItem(list, whereFound([&](const Item& item, auto path) {
                     delrItem(item, path, sizes);
                     if (_mode == OZCoreMode::test) {
                         std::ignore = sizes.total();
@@ -83,25 +82,25 @@ void CleanupRun::delrEach(const List& list) {
 
 // Entries of one folder lie beside each other: one goes while the next is counted.
 void CleanupRun::delrEntries(const FoundPaths& entries) {
-    platform::BackgroundWork removals;
-    SizeSum sizes;
-    forEachItem(_files, entries,
+    platform::BackgroundWork removals(_device.backgroundQueue());
+    SizeSum sizes(_device.backgroundQueue());
+    forEachItem(entries,
                 whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes, &removals); }));
     addSize(sizes.total());
     removals.finish();
 }
 
 void CleanupRun::quickDel(const Paths& paths) {
-    forEachItem(_files, paths, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(paths, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDel(const FoundPaths& found) {
     if (_mode == OZCoreMode::analyze) {
-        ItemLooks looks(_files, found);
+        ItemLooks looks(_device.backgroundQueue(), _files, found);
         countLooks(looks);
         return;
     }
-    forEachItem(_files, found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDelFound(const std::vector<std::string>& arguments) {
@@ -113,7 +112,7 @@ void CleanupRun::quickDelFound(const std::vector<std::string>& arguments) {
     search({arguments.front()}, {arguments.begin() + 1, arguments.end()},
            [&](const FoundPaths& home, std::string_view name) {
                if (!looks) {
-                   looks.emplace(_files, home);
+                   looks.emplace(_device.backgroundQueue(), _files, home);
                }
                looks->add(name);
            });
@@ -132,18 +131,18 @@ void CleanupRun::countLooks(ItemLooks& looks, const std::function<bool(const Ite
 }
 
 void CleanupRun::quickDelLang(const Paths& paths) {
-    forEachItem(_files, paths, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+    forEachItem(paths, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
 }
 
 void CleanupRun::quickDelLang(const FoundPaths& found) {
-    forEachItem(_files, found, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+    forEachItem(found, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
 }
 
 void CleanupRun::removeLinks(const FoundPaths& links) {
     if (_mode != OZCoreMode::clean) {
         return;
     }
-    forEachItem(_files, links, whereFound([&](const Item& item, auto path) {
+    forEachItem(links, whereFound([&](const Item& item, auto path) {
                     const auto attributes = item.attributes();
                     if (attributes && attributes->type == FileType::symbolicLink) {
                         std::ignore = removeItem(item, path, StayedItem::uncounted);

@@ -1,7 +1,5 @@
 #include "Model/Core/ImageTwins.h"
 
-using platform::FoundPaths;
-
 namespace {
 
 // A name is bytes: each is a character of its own here, and comes back as it was.
@@ -29,7 +27,7 @@ ImageTwins::ImageTwins(TreeView& tree, std::string_view suffixes, std::string_vi
     , _twinsSuffix(characters(twinsSuffix)) {}
 
 FoundPaths ImageTwins::twinsOf(const FoundPaths& images) {
-    FoundPaths twins{.folder = images.folder, .prefix = images.prefix, .names = {}};
+    FoundPaths twins = images.withNames({});
     // The twin of such a folder would be another application's.
     if (twinPath(images.prefix) != images.prefix) {
         return twins;
@@ -37,7 +35,7 @@ FoundPaths ImageTwins::twinsOf(const FoundPaths& images) {
     Listings listings;
     for (const auto& image : images.names) {
         std::string twin = twinPath(image);
-        if (exists(twin, images.folder, listings)) {
+        if (exists(twin, images, listings)) {
             twins.names.push_back(std::move(twin));
         }
     }
@@ -50,19 +48,17 @@ std::string ImageTwins::twinPath(std::string_view path) {
     return bytes(_suffixes.replaceAll(_twinsSuffix, _status));
 }
 
-bool ImageTwins::exists(const std::string& path, const std::shared_ptr<const platform::Folder>& top,
-                        Listings& listings) const {
+bool ImageTwins::exists(const std::string& path, const FoundPaths& images, Listings& listings) const {
     const size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash);
     auto listing = listings.find(folder);
     if (listing == listings.end()) {
-        listing = listings.emplace(folder, namesIn(folder, top)).first;
+        listing = listings.emplace(folder, namesIn(folder, images)).first;
     }
     return listing->second.contains(path.substr(slash + 1));
 }
 
-ImageTwins::Names ImageTwins::namesIn(const std::string& folder,
-                                      const std::shared_ptr<const platform::Folder>& top) const {
-    const auto names = _tree.contentsOfDirectoryBelow(top, folder);
+ImageTwins::Names ImageTwins::namesIn(const std::string& folder, const FoundPaths& images) const {
+    const auto names = _tree.contentsOfDirectoryBelow(images, folder);
     return names ? Names(names->begin(), names->end()) : Names();
 }

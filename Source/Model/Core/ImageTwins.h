@@ -20,7 +20,7 @@ class ImageTwins {
 
     /// The twins that are there, in the order of the images; one for each image, so that two images may give
     /// the same twin. A folder with a suffix in its name is looked for under its twin's name, as an image is.
-    [[nodiscard]] platform::FoundPaths twinsOf(const platform::FoundPaths& images);
+    [[nodiscard]] FoundPaths twinsOf(const FoundPaths& images);
 
   private:
     using Names = std::unordered_set<std::string>;
@@ -28,10 +28,8 @@ class ImageTwins {
     using Listings = std::unordered_map<std::string, Names>;
 
     [[nodiscard]] std::string twinPath(std::string_view path);
-    [[nodiscard]] bool exists(const std::string& path, const std::shared_ptr<const platform::Folder>& top,
-                              Listings& listings) const;
-    [[nodiscard]] Names namesIn(const std::string& folder,
-                                const std::shared_ptr<const platform::Folder>& top) const;
+    [[nodiscard]] bool exists(const std::string& path, const FoundPaths& images, Listings& listings) const;
+    [[nodiscard]] Names namesIn(const std::string& folder, const FoundPaths& images) const;
 
     TreeView& _tree;
     UErrorCode _status = U_ZERO_ERROR;

@@ -8,11 +8,13 @@ constexpr size_t namesInPiece = 1024;
 
 } // namespace
 
-ItemLooks::ItemLooks(const platform::FileManager& fileManager, const platform::FoundPaths& found)
+ItemLooks::ItemLooks(platform::Queue& queue, const platform::FileManager& fileManager,
+                     const FoundPaths& found)
     : _fileManager(fileManager)
-    , _folder(found.folder)
+    , _folder(found._folder)
     , _prefix(found.prefix)
-    , _pieces(1) {
+    , _pieces(1)
+    , _work(queue) {
     for (const auto& name : found.names) {
         add(name);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/Core/FoundPaths.h"
 #include "Platform/Files/FileManager.h"
 #include "Platform/Threads/BackgroundWork.h"
 
@@ -23,8 +24,8 @@ struct ItemLook {
 /// counted.
 class ItemLooks {
   public:
-    /// Begins with the names that are found already.
-    ItemLooks(const platform::FileManager& fileManager, const platform::FoundPaths& found);
+    /// Begins with the names that are found already. The queue outlives it.
+    ItemLooks(platform::Queue& queue, const platform::FileManager& fileManager, const FoundPaths& found);
 
     /// One more name below the folder.
     void add(std::string_view name);
@@ -55,7 +56,7 @@ class ItemLooks {
     platform::FileManager _fileManager;
     std::shared_ptr<const platform::Folder> _folder;
     std::string _prefix;
-    // Pieces stay where they are while others are added. The threads end before them.
+    // Pieces stay where they are while others are added. The work on them ends before they do.
     std::deque<Piece> _pieces;
     platform::BackgroundWork _work;
 };

@@ -15,31 +15,32 @@ namespace {
 constexpr std::string_view languageTable = "lang";
 constexpr std::string_view protectedLanguage = "English";
 
+bool isPartOfAny(std::span<const std::string> names, std::string_view language) {
+    return std::ranges::any_of(
+        names, [&](const std::string& name) { return containsIgnoringCaseAndDiacritics(name, language); });
+}
+
 } // namespace
 
 void CleanupChoices::removeLanguagesInUse(std::span<const std::string> names) {
-    std::erase_if(_languagesToRemove, [&](const std::string& language) {
-        return std::ranges::any_of(names, [&](const std::string& name) {
-            return containsIgnoringCaseAndDiacritics(name, language);
-        });
-    });
+    std::erase_if(_languagesToRemove,
+                  [&](const std::string& language) { return isPartOfAny(names, language); });
+}
+
+std::vector<std::string> CleanupChoices::languagesInUse() const {
+    return {std::string(protectedLanguage), _localizationManager.systemLanguage(),
+            _localizationManager.userLanguage().value_or("")};
 }
 
 void CleanupChoices::localize() {
-    removeLanguagesInUse(std::vector<std::string>{std::string(protectedLanguage),
-                                                  _localizationManager.systemLanguage(),
-                                                  _localizationManager.userLanguage().value_or("")});
+    removeLanguagesInUse(languagesInUse());
 }
 
 std::vector<std::string> CleanupChoices::removableLanguages() const {
     std::vector<std::string> names;
     std::ranges::transform(languageRegexFileLines(), std::back_inserter(names), nameOfLine);
-    const auto isInUse = [this](const std::string& name) {
-        return containsIgnoringCaseAndDiacritics(protectedLanguage, name) ||
-               containsIgnoringCaseAndDiacritics(_localizationManager.systemLanguage(), name) ||
-               containsIgnoringCaseAndDiacritics(_localizationManager.userLanguage().value_or(""), name);
-    };
-    std::erase_if(names, isInUse);
+    const auto inUse = languagesInUse();
+    std::erase_if(names, [&](const std::string& name) { return isPartOfAny(inUse, name); });
     return names;
 }
 

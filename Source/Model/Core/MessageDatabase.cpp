@@ -13,20 +13,6 @@ constexpr int pathColumn = 4;
 
 constexpr std::string_view homes[] = {"~/", "/var/mobile/", "/private/var/mobile/"};
 
-std::string_view withoutTrailingSlashes(std::string_view path) {
-    while (path.size() > 1 && path.ends_with('/')) {
-        path.remove_suffix(1);
-    }
-    return path;
-}
-
-std::string_view deletingLastPathComponent(std::string_view path) {
-    path = withoutTrailingSlashes(path);
-    const size_t slash = path.rfind('/');
-    return slash == std::string_view::npos ? std::string_view{}
-                                           : withoutTrailingSlashes(path.substr(0, slash + 1));
-}
-
 std::string_view relativeToHome(std::string_view path) {
     for (const auto home : homes) {
         if (path.starts_with(home)) {
@@ -85,7 +71,7 @@ std::optional<std::vector<std::string>> MessageDatabase::readFolders() {
     while ((result = sqlite3_step(statement.get())) == SQLITE_ROW) {
         const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), pathColumn));
         if (text != nullptr) {
-            folders.emplace_back(relativeToHome(deletingLastPathComponent(text)));
+            folders.emplace_back(relativeToHome(platform::deletingLastPathComponent(text)));
         }
     }
     return result == SQLITE_DONE ? std::optional(std::move(folders)) : std::nullopt;

@@ -71,7 +71,7 @@ void OZCleanupLogger::openOrCreateLogFile() {
 }
 
 void OZCleanupLogger::makeLogFolder() {
-    const std::string_view folder = logFilePath.substr(0, logFilePath.rfind('/'));
+    const std::string_view folder = platform::deletingLastPathComponent(logFilePath);
     bool isDirectory = false;
     if (_fileManager.fileExistsAtPath(folder, &isDirectory) && isDirectory) {
         return;

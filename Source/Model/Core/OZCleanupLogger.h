@@ -19,7 +19,7 @@ class OZCleanupLogger {
   public:
     explicit OZCleanupLogger(platform::Device& device);
 
-    static constexpr std::string_view logFilePath = names::logFile;
+    static constexpr std::string_view logFilePath = devicename::logFile;
 
     /// Opens the log and goes on at its end; a missing one is made, its folder too. Nothing if it is open.
     /// Gathered writing is for runs that change nothing: the log of any other tells what was touched even

@@ -13,6 +13,10 @@
 /// folders are handed over at once.
 class SizeSum {
   public:
+    /// The queue outlives it.
+    explicit SizeSum(platform::Queue& queue)
+        : _work(queue) {}
+
     void add(platform::Item item);
     /// Bytes, of all that was added so far.
     uint64_t total();
@@ -23,6 +27,6 @@ class SizeSum {
     std::vector<platform::Item> _items;
     size_t _folders = 0;
     std::atomic<uint64_t> _sum = 0;
-    // Its threads end before the sum that they add to.
+    // It ends before the sum that it adds to.
     platform::BackgroundWork _work;
 };

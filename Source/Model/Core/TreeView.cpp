@@ -1,14 +1,13 @@
 #include "Model/Core/TreeView.h"
 
-platform::Result<std::vector<std::string>>
-TreeView::contentsOfDirectoryBelow(const std::shared_ptr<const platform::Folder>& folder,
-                                   std::string_view relativePath) {
-    const auto item = _files.itemBelow(folder, relativePath);
+platform::Result<std::vector<std::string>> TreeView::contentsOfDirectoryBelow(const FoundPaths& found,
+                                                                              std::string_view relativePath) {
+    const auto item = _files.itemBelow(found._folder, relativePath);
     const auto opened = item ? item->openFolder() : platform::failure(ENOENT);
     return opened ? (*opened)->entries() : platform::failure(ENOENT);
 }
 
-platform::Result<platform::FoundPaths> TreeView::directEntries(std::string_view folder) {
+platform::Result<FoundPaths> TreeView::directEntries(std::string_view folder) {
     auto opened = _files.folderAtPath(folder);
     if (!opened) {
         return std::unexpected(opened.error());
@@ -17,6 +16,7 @@ platform::Result<platform::FoundPaths> TreeView::directEntries(std::string_view 
     if (!names) {
         return std::unexpected(names.error());
     }
-    return platform::FoundPaths{
-        .folder = std::move(*opened), .prefix = platform::pathPrefix(folder), .names = std::move(*names)};
+    FoundPaths found(std::move(*opened), folder);
+    found.names = std::move(*names);
+    return found;
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Model/Core/FoundPaths.h"
 #include "Platform/Files/FileManager.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,10 +34,9 @@ class TreeView {
     contentsOfDirectoryAtPath(std::string_view path) {
         return _files.contentsOfDirectoryAtPath(path);
     }
-    /// The same for a path relative to a folder, reached through no link.
+    /// The same for a path relative to the folder that something was found in, reached through no link.
     [[nodiscard]] platform::Result<std::vector<std::string>>
-    contentsOfDirectoryBelow(const std::shared_ptr<const platform::Folder>& folder,
-                             std::string_view relativePath);
+    contentsOfDirectoryBelow(const FoundPaths& found, std::string_view relativePath);
     /// The content of a regular file, links followed.
     [[nodiscard]] platform::Result<std::string> contentsAtPath(std::string_view path) {
         return _files.contentsAtPath(path);
@@ -47,17 +46,17 @@ class TreeView {
         return _files.stringByResolvingSymlinksInPath(path);
     }
     /// A folder's direct entries, found in that very folder; links on the way to it are followed.
-    [[nodiscard]] platform::Result<platform::FoundPaths> directEntries(std::string_view folder);
+    [[nodiscard]] platform::Result<FoundPaths> directEntries(std::string_view folder);
     /// The entries at any depth below a folder that `decide` takes, given each one's path relative to the
     /// folder and its type. Links are not followed.
     template <class Decide>
-    [[nodiscard]] platform::Result<platform::FoundPaths> findBelow(std::string_view folder, Decide decide) {
+    [[nodiscard]] platform::Result<FoundPaths> findBelow(std::string_view folder, Decide decide) {
         auto opened = _files.folderAtPath(folder);
         if (!opened) {
             return std::unexpected(opened.error());
         }
-        platform::FoundPaths found{.folder = *opened, .prefix = platform::pathPrefix(folder), .names = {}};
-        const auto enumerator = platform::Item(*opened, ".").enumerate();
+        FoundPaths found(*opened, folder);
+        const auto enumerator = (*opened)->enumerate();
         if (!enumerator) {
             return platform::lastError();
         }

@@ -2,52 +2,48 @@
 
 #include "Categories/Text.h"
 #include "Model/Packages/TextLines.h"
+#include "Platform/Formats/TextMark.h"
 #include "Platform/Formats/UTF8.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include <unicode/ucnv.h>
 #include <unicode/uniset.h>
 
 namespace {
 
+using platform::encodingMarkedIn;
+using platform::MarkedEncoding;
 using platform::Result;
-using std::string_view_literals::operator""sv;
 
-struct MarkedEncoding {
-    OZTextEncoding encoding;
-    std::string_view mark;
-    /// The converter's name; null where the text is UTF-8 already.
-    const char* name;
+// The encodings that a mark tells.
+constexpr std::pair<OZTextEncoding, const MarkedEncoding*> markedEncodings[] = {
+    {OZTextEncoding::utf32LittleEndian, &platform::utf32LittleEndian},
+    {OZTextEncoding::utf32BigEndian, &platform::utf32BigEndian},
+    {OZTextEncoding::utf8WithMark, &platform::utf8Marked},
+    {OZTextEncoding::utf16LittleEndian, &platform::utf16LittleEndian},
+    {OZTextEncoding::utf16BigEndian, &platform::utf16BigEndian},
 };
 
-// The longer marks come first: those of 32 bits begin like one of 16.
-constexpr MarkedEncoding markedEncodings[] = {
-    {.encoding = OZTextEncoding::utf32LittleEndian, .mark = "\xFF\xFE\0\0"sv, .name = "UTF-32LE"},
-    {.encoding = OZTextEncoding::utf32BigEndian, .mark = "\0\0\xFE\xFF"sv, .name = "UTF-32BE"},
-    {.encoding = OZTextEncoding::utf8WithMark, .mark = "\xEF\xBB\xBF"sv, .name = nullptr},
-    {.encoding = OZTextEncoding::utf16LittleEndian, .mark = "\xFF\xFE"sv, .name = "UTF-16LE"},
-    {.encoding = OZTextEncoding::utf16BigEndian, .mark = "\xFE\xFF"sv, .name = "UTF-16BE"},
-};
-
-const MarkedEncoding* markedEncoding(OZTextEncoding encoding) {
-    for (const auto& entry : markedEncodings) {
-        if (entry.encoding == encoding) {
-            return &entry;
-        }
-    }
-    return nullptr;
+// Null for the others.
+const MarkedEncoding* markOf(OZTextEncoding encoding) {
+    const auto* const found = std::ranges::find(markedEncodings, encoding,
+                                                &std::pair<OZTextEncoding, const MarkedEncoding*>::first);
+    return found == std::end(markedEncodings) ? nullptr : found->second;
 }
 
-const MarkedEncoding* encodingMarkedIn(std::string_view bytes) {
-    for (const auto& entry : markedEncodings) {
-        if (bytes.starts_with(entry.mark)) {
-            return &entry;
-        }
-    }
-    return nullptr;
+OZTextEncoding encodingOf(const MarkedEncoding* mark) {
+    return std::ranges::find(markedEncodings, mark, &std::pair<OZTextEncoding, const MarkedEncoding*>::second)
+        ->first;
+}
+
+/// Whether the text has to be converted for this mark, rather than being UTF-8 as it is.
+bool isWide(const MarkedEncoding* mark) {
+    return mark != nullptr && mark != &platform::utf8Marked;
 }
 
 using Converter = std::unique_ptr<UConverter, decltype(&ucnv_close)>;
@@ -103,7 +99,7 @@ Result<OZPackageFileList> OZPackageFileList::parse(std::string_view bytes) {
     }
     const MarkedEncoding* const marked = encodingMarkedIn(bytes);
     Result<std::string> text = std::string(bytes.substr(marked == nullptr ? 0 : marked->mark.size()));
-    if (marked != nullptr && marked->name != nullptr) {
+    if (isWide(marked)) {
         text = converted(*text, marked->name, "UTF-8");
     }
     if (!text || (marked != nullptr && !platform::isUTF8(*text))) {
@@ -111,7 +107,7 @@ Result<OZPackageFileList> OZPackageFileList::parse(std::string_view bytes) {
     }
     OZPackageFileList list;
     if (marked != nullptr) {
-        list.encoding = marked->encoding;
+        list.encoding = encodingOf(marked);
     } else if (!platform::isUTF8(*text)) {
         list.encoding = OZTextEncoding::singleBytes;
     }
@@ -134,9 +130,9 @@ Result<std::string> OZPackageFileList::serialize() const {
     if (text.empty()) {
         return text;
     }
-    const MarkedEncoding* const marked = markedEncoding(encoding);
-    auto encoded = marked == nullptr || marked->name == nullptr ? Result<std::string>(std::move(text))
-                                                                : converted(text, "UTF-8", marked->name);
+    const MarkedEncoding* const marked = markOf(encoding);
+    auto encoded =
+        isWide(marked) ? converted(text, "UTF-8", marked->name) : Result<std::string>(std::move(text));
     if (encoded && marked != nullptr) {
         encoded->insert(0, marked->mark);
     }

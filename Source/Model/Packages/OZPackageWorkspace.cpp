@@ -119,6 +119,21 @@ class OZPackageWorkspace::Aggregation {
     std::map<std::string, OZPackageInfo::CSAddonArray> _addonsByPkgId;
 };
 
+/// Waits for the lists to be free, and takes them.
+class OZPackageWorkspace::Turn {
+  public:
+    explicit Turn(std::binary_semaphore& free)
+        : _free(free) {
+        _free.acquire();
+    }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+    ~Turn() { _free.release(); }
+
+  private:
+    std::binary_semaphore& _free;
+};
+
 OZPackageWorkspace::OZPackageWorkspace(platform::Device& device)
     : _device(device)
     , _queue(platform::Queue::serial("packages")) {
@@ -128,11 +143,11 @@ OZPackageWorkspace::OZPackageWorkspace(platform::Device& device)
 OZPackageWorkspace::~OZPackageWorkspace() = default;
 
 void OZPackageWorkspace::aggregateInBackground() {
-    _mutex.lock();
+    _free.acquire();
     _queue.async([this] {
         Aggregation(*this).run();
         _finishedLoading = true;
-        _mutex.unlock();
+        _free.release();
     });
 }
 
@@ -153,22 +168,22 @@ OZPackageWorkspace::PackageInfoByIdentifier& OZPackageWorkspace::packageInfoByPk
 }
 
 OZCSAddonList& OZPackageWorkspace::CSAddonList() {
-    const std::lock_guard guard(_mutex);
+    const Turn turn(_free);
     return CSAddonList_noLock();
 }
 
 OZPreferenceBundleList& OZPackageWorkspace::prefBundleList() {
-    const std::lock_guard guard(_mutex);
+    const Turn turn(_free);
     return prefBundleList_noLock();
 }
 
 OZPackageList& OZPackageWorkspace::packageList() {
-    const std::lock_guard guard(_mutex);
+    const Turn turn(_free);
     return packageList_noLock();
 }
 
 const OZPackageWorkspace::PackageInfoByIdentifier& OZPackageWorkspace::packageInfoByPkgId() {
-    const std::lock_guard guard(_mutex);
+    const Turn turn(_free);
     return packageInfoByPkgId_noLock();
 }
 

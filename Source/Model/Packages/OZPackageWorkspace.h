@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Model/Packages/HandOverLock.h"
 #include "Model/Packages/OZPackageInfo.h"
 #include "Platform/Threads/Queue.h"
 
 #include <atomic>
 #include <map>
 #include <memory>
+#include <semaphore>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -53,6 +53,7 @@ class OZPackageWorkspace {
 
   private:
     class Aggregation;
+    class Turn;
 
     void aggregateInBackground();
     // For the background work alone, which holds the lock already.
@@ -65,8 +66,8 @@ class OZPackageWorkspace {
     addonsOfLinkedPackages(std::string_view identifier, std::vector<OZPackage*> (OZPackage::*linked)() const);
 
     platform::Device& _device;
-    // Held while the work goes on: taken by the creating thread, released by that of the work.
-    HandOverLock _mutex;
+    // Taken while the work goes on: by the creating thread, and given back by that of the work.
+    std::binary_semaphore _free{1};
     std::atomic<bool> _finishedLoading = false;
     std::unique_ptr<OZCSAddonList> _CSAddonList;
     std::unique_ptr<OZPreferenceBundleList> _prefBundleList;

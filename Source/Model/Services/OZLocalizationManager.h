@@ -25,7 +25,7 @@ inline constexpr std::string_view OZLocalizationNotification = "OZLocalizationNo
 class OZLocalizationManager : public OZUserDefaultsSync {
   public:
     /// The device's preferences, by their device path.
-    static constexpr std::string_view globalPreferencesPath = names::globalPreferences;
+    static constexpr std::string_view globalPreferencesPath = devicename::globalPreferences;
 
     /// Reads the device's preferences and finds the languages; there is no `userLanguage` before the first
     /// `loadDefaults`. What is given outlives the manager.

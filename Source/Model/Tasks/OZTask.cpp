@@ -138,7 +138,7 @@ OZTask::OZTask(platform::Device& device, std::string_view launchPath, std::vecto
     if (!launchPath.starts_with('/')) {
         throw platform::Exception(platform::invalidArgumentException, "[OZTask: invalid launch path]");
     }
-    _argv.insert(_argv.begin(), _launchPath.substr(_launchPath.rfind('/') + 1));
+    _argv.insert(_argv.begin(), std::string(platform::lastPathComponent(_launchPath)));
 }
 
 OZTask::~OZTask() = default;
@@ -329,7 +329,18 @@ void OZTask::terminatedWithStatus(long status, bool error, const std::optional<s
         _terminationStatus = status;
     }
     _terminated = true;
-    _device.mainQueue().post([self = shared_from_this()] {
-        self->_device.notificationCenter().post(OZTaskDidTerminateNotification, self.get());
-    });
+    announceEnd();
+}
+
+// Whoever observes the task finds it alive. Where nobody does, the announcement alone does not keep it: a
+// program without an event loop would hold each task, with all it has read, until its own end.
+void OZTask::announceEnd() {
+    auto& center = _device.notificationCenter();
+    const bool isObserved = center.isObserved(OZTaskDidTerminateNotification, this);
+    _device.mainQueue().post(
+        [&center, kept = isObserved ? shared_from_this() : nullptr, task = weak_from_this()] {
+            if (const auto ended = task.lock()) {
+                center.post(OZTaskDidTerminateNotification, ended.get());
+            }
+        });
 }

@@ -35,7 +35,8 @@ inline constexpr long OZTaskStatusReadError = OZTaskStatusInvalid + 1;
 inline constexpr long OZTaskStatusSignaled = OZTaskStatusInvalid + 2;
 inline constexpr long OZTaskStatusWaitError = OZTaskStatusInvalid + 3;
 
-/// Posted on the main queue when a task has ended, in whatever way; the object is the task (`OZTask*`).
+/// Posted on the main queue when a task has ended, in whatever way; the object is the task (`OZTask*`), which
+/// lives until then if it is observed when it ends.
 inline constexpr std::string_view OZTaskDidTerminateNotification = "OZTaskDidTerminateNotification";
 inline constexpr std::string_view OZTaskErrorDomain = "com.ozlabs.OZTask";
 
@@ -127,6 +128,7 @@ class OZTask : public std::enable_shared_from_this<OZTask> {
     void captureStreams();
     void discardStream(int stream);
     [[nodiscard]] int spawn();
+    void announceEnd();
 
     platform::Device& _device;
     std::vector<std::string> _argv;

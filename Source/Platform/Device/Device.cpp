@@ -3,6 +3,7 @@
 #include "Platform/Device/DeviceNames.h"
 #include "Platform/Formats/PropertyList.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fstream>
 #include <iterator>
@@ -18,7 +19,13 @@ namespace platform {
 namespace {
 
 // Two cores and more run it; more threads than tools that are waited for would only sleep.
-constexpr size_t queueThreads = 2;
+constexpr size_t toolThreads = 2;
+
+// What is left to the background is bound by the file system, which a few threads keep busy. The main thread
+// is one more.
+size_t backgroundThreads() {
+    return std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4) - 1;
+}
 
 void sleepForReal(double seconds) {
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
@@ -101,10 +108,10 @@ Device::Device(FileManager fileManager, DeviceFacts facts, ToolTable tools)
     , _tools(std::move(tools))
     , _volumes(_fileManager, _facts.volumes)
     , _standardUserDefaults(_fileManager, _notificationCenter, _warnings,
-                            std::string(names::programPreferences))
+                            std::string(devicename::programPreferences))
     , _sleep(sleepForReal)
-    , _highPriorityQueue(Queue::concurrent("high", queueThreads))
-    , _backgroundQueue(Queue::concurrent("background", queueThreads)) {}
+    , _highPriorityQueue(Queue::concurrent("high", toolThreads))
+    , _backgroundQueue(Queue::concurrent("background", backgroundThreads())) {}
 
 Device::~Device() = default;
 

@@ -51,7 +51,8 @@ class Device {
     [[nodiscard]] const Volumes& volumes() const { return _volumes; }
 
     [[nodiscard]] MainQueue& mainQueue() { return _mainQueue; }
-    /// Concurrent queues for work beside the main thread.
+    /// Concurrent queues for work beside the main thread: what waits for a tool, or for a whole list, and
+    /// small pieces of a run (`BackgroundWork`), which wait for nobody.
     [[nodiscard]] Queue& highPriorityQueue() { return _highPriorityQueue; }
     [[nodiscard]] Queue& backgroundQueue() { return _backgroundQueue; }
     [[nodiscard]] NotificationCenter& notificationCenter() { return _notificationCenter; }

@@ -4,7 +4,7 @@
 
 /// Names of things on a device that several rooms use, so that each stands in one place. What a single step
 /// or list knows stays in its own table.
-namespace names {
+namespace devicename {
 
 // The program.
 /// The "CFBundleIdentifier" of its bundle, and the domain of its preferences.
@@ -47,4 +47,4 @@ inline constexpr std::string_view containerMetadata = ".com.apple.mobile_contain
 inline constexpr std::string_view packageDatabase = "/var/lib/dpkg";
 inline constexpr std::string_view packageArchives = "/var/cache/apt/archives";
 
-} // namespace names
+} // namespace devicename

@@ -1,5 +1,7 @@
 #include "Platform/Device/HostOutput.h"
 
+#include "Platform/Files/Path.h"
+
 #include <algorithm>
 #include <charconv>
 #include <vector>
@@ -136,7 +138,7 @@ Opened HostOutput::overFile(const std::string& path, int tree) {
     if (!folder) {
         return refusal(path, errno);
     }
-    if (name.empty() || name == "." || name == "..") {
+    if (!isFileName(name)) {
         return refusal(path, EISDIR);
     }
     if (liesIn(folder.get(), tree)) {

@@ -101,8 +101,8 @@ struct PackagePlace {
 constexpr std::array packagePlaces = {
     PackagePlace{"Dir::State", "/var/lib/apt"},
     PackagePlace{"Dir::Cache", "/var/cache/apt"},
-    PackagePlace{"Dir::Cache::archives", names::packageArchives},
-    PackagePlace{"Dir::State::status", names::packageDatabase, "/status"},
+    PackagePlace{"Dir::Cache::archives", devicename::packageArchives},
+    PackagePlace{"Dir::State::status", devicename::packageDatabase, "/status"},
 };
 
 /// The path without links, which means the same for a tool that has the tree elsewhere than at its "/". A
@@ -115,7 +115,7 @@ Result<std::string> placeInTree(FileManager& fileManager, std::string_view path)
 }
 
 Result<std::vector<std::string>> packageManagerOptions(const std::string& root, FileManager& fileManager) {
-    const auto database = placeInTree(fileManager, names::packageDatabase);
+    const auto database = placeInTree(fileManager, devicename::packageDatabase);
     if (!database) {
         return std::unexpected(database.error());
     }
@@ -184,7 +184,7 @@ Result<void> Tool::enterTree(Command& command, const char* mode, const std::stri
     command.arguments = {"ozenter", mode, program, arguments.at(0)};
     command.descriptors.push_back(duplicate(fileManager.currentDirectoryDescriptor()));
     if (_kind != Kind::entered) {
-        const auto database = placeInTree(fileManager, names::packageDatabase);
+        const auto database = placeInTree(fileManager, devicename::packageDatabase);
         if (!database) {
             return std::unexpected(database.error());
         }
@@ -209,7 +209,7 @@ Result<void> Tool::guardTree(Command& command, const std::vector<std::string>& a
     append(command.arguments, *options);
     append(command.arguments, std::span(arguments).subspan(1));
     // The helper looks into the database for what the tools must leave alone.
-    if (const auto database = fileManager.folderAtPath(names::packageDatabase)) {
+    if (const auto database = fileManager.folderAtPath(devicename::packageDatabase)) {
         command.descriptors.push_back(duplicate((*database)->descriptor()));
     }
     return {};

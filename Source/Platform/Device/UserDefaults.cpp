@@ -251,7 +251,7 @@ Result<void> UserDefaults::writeFile(const Dictionary& values) {
     const std::string bytes = serializePropertyList(values, PropertyListFormat::binary);
     auto written = _fileManager.writeContents(_path, bytes);
     if (!written && written.error() == std::errc::no_such_file_or_directory) {
-        const std::string folder = _path.substr(0, _path.rfind('/'));
+        const auto folder = deletingLastPathComponent(_path);
         if (auto made = _fileManager.createDirectoryAtPath(folder, IntermediateFolders::create); !made) {
             return made;
         }

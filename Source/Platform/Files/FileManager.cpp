@@ -240,7 +240,7 @@ Result<std::vector<std::string>> FileManager::contentsOfDirectoryAtPath(std::str
 
 std::unique_ptr<DirectoryEnumerator> FileManager::enumeratorAtPath(std::string_view path) {
     auto folder = folderAtPath(path);
-    return folder ? Item(*folder, ".").enumerate() : nullptr;
+    return folder ? (*folder)->enumerate() : nullptr;
 }
 
 Result<FileSystemAttributes> FileManager::attributesOfFileSystemForPath(std::string_view path) {

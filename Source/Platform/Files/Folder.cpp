@@ -67,6 +67,11 @@ Result<std::vector<std::string>> Folder::entries() const {
     return names;
 }
 
+std::unique_ptr<DirectoryEnumerator> Folder::enumerate() const {
+    Descriptor readable(::openat(descriptor(), ".", readFolderFlags));
+    return readable ? std::make_unique<DirectoryEnumerator>(std::move(readable), _access) : nullptr;
+}
+
 Result<FileAttributes> Item::attributes() const {
     struct stat status = {};
     if (::fstatat(_parent->descriptor(), nameInside(_name), &status, AT_SYMLINK_NOFOLLOW) < 0) {
@@ -172,26 +177,6 @@ Result<void> Item::copyTo(const Item& target) const {
     }
     return copyTree(_parent->descriptor(), nameInside(_name), target._parent->descriptor(),
                     nameInside(target._name));
-}
-
-std::string pathPrefix(std::string_view folder) {
-    std::string prefix(folder);
-    if (!prefix.empty() && !prefix.ends_with('/')) {
-        prefix += '/';
-    }
-    return prefix;
-}
-
-std::string joinPath(std::string_view folder, std::string_view name) {
-    return pathPrefix(folder).append(name);
-}
-
-std::string_view lastPathComponent(std::string_view path) {
-    while (path.size() > 1 && path.ends_with('/')) {
-        path.remove_suffix(1);
-    }
-    const size_t slash = path.rfind('/');
-    return slash == std::string_view::npos || path.size() == 1 ? path : path.substr(slash + 1);
 }
 
 } // namespace platform

@@ -3,6 +3,7 @@
 #include "Platform/Files/Descriptor.h"
 #include "Platform/Files/Error.h"
 #include "Platform/Files/FileAttributes.h"
+#include "Platform/Files/Path.h"
 #include "Platform/Files/TreeRemoval.h"
 
 #include <memory>
@@ -30,6 +31,8 @@ class Folder {
     [[nodiscard]] Access access() const { return _access; }
     /// Names of the direct entries, without "." and "..", in the file system's order.
     [[nodiscard]] Result<std::vector<std::string>> entries() const;
+    /// Walks all that is below the folder; null, with `errno` set, where it cannot be read.
+    [[nodiscard]] std::unique_ptr<DirectoryEnumerator> enumerate() const;
 
   private:
     Descriptor _descriptor;
@@ -81,24 +84,5 @@ class Item {
     std::shared_ptr<const Folder> _parent;
     std::string _name;
 };
-
-/// Paths that were found below one folder: the folder's descriptor and the paths relative to it. Whoever acts
-/// on them later goes from that descriptor and through no link, so nothing that happens to the tree after the
-/// search leads elsewhere.
-struct FoundPaths {
-    std::shared_ptr<const Folder> folder;
-    /// The text that stands before each relative path, as the searcher named the folder.
-    std::string prefix;
-    std::vector<std::string> names;
-
-    [[nodiscard]] std::string path(size_t index) const { return prefix + names[index]; }
-};
-
-/// The folder's text as it stands before an entry's name: with exactly one "/" at its end.
-std::string pathPrefix(std::string_view folder);
-/// Folder and name joined by one "/".
-std::string joinPath(std::string_view folder, std::string_view name);
-/// The last component, without "/" at its end; the whole text where there is no other "/".
-std::string_view lastPathComponent(std::string_view path);
 
 } // namespace platform

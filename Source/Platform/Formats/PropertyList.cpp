@@ -2,7 +2,9 @@
 
 #include "Platform/Formats/PropertyListCheck.h"
 #include "Platform/Formats/PropertyListTextFormat.h"
+#include "Platform/Formats/TextMark.h"
 #include "Platform/Formats/TextScanner.h"
+#include "Platform/Formats/UTF8.h"
 
 #include <algorithm>
 #include <bit>
@@ -234,12 +236,10 @@ std::optional<Value> valueOfText(std::string_view bytes) {
 }
 
 std::optional<Value> valueOfList(std::string_view bytes) {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (bytes.starts_with("bplist0")) {
         return valueOfBinary(bytes);
     }
-    const bool isMarked = bytes.starts_with(byteOrderMark);
-    auto value = valueOfXml(isMarked ? bytes.substr(byteOrderMark.size()) : bytes);
+    auto value = valueOfXml(withoutUTF8Mark(bytes));
     return value ? std::move(value) : valueOfText(bytes);
 }
 
@@ -248,7 +248,7 @@ std::optional<Value> valueOfList(std::string_view bytes) {
 std::string writableText(const std::string& text) {
     OZ_REQUIRE(text.find('\0') == text.npos);
     std::string valid = text;
-    if (!isUtf8(text)) {
+    if (!isUTF8(text)) {
         valid.clear();
         icu::UnicodeString::fromUTF8(text).toUTF8String(valid);
     }

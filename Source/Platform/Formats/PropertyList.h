@@ -102,6 +102,9 @@ class Value {
     Storage _storage;
 };
 
+/// Whether a text says yes, as `truthValue` reads it.
+[[nodiscard]] bool truthOfText(std::string_view text);
+
 /// The dictionary's value at a key if it is there with exactly this type, otherwise null.
 template <class T>
 const T* valueAt(const Dictionary& dictionary, std::string_view key) {

@@ -41,7 +41,4 @@ struct CheckedBinaryPropertyList {
 [[nodiscard]] std::optional<std::string_view> checkXmlPropertyList(std::string_view bytes,
                                                                    size_t heldMemory = 0);
 
-/// True if the bytes are well-formed UTF-8.
-[[nodiscard]] bool isUtf8(std::string_view bytes);
-
 } // namespace platform

@@ -60,11 +60,12 @@ std::optional<bool> Value::boolValue() const {
 
 std::optional<bool> Value::truthValue() const {
     const auto* text = as<std::string>();
-    if (text == nullptr) {
-        return boolValue();
-    }
-    const size_t first = text->find_first_not_of(" \t\n\r+-0");
-    return first != std::string::npos && std::string_view("YyTt123456789").contains((*text)[first]);
+    return text == nullptr ? boolValue() : std::optional(truthOfText(*text));
+}
+
+bool truthOfText(std::string_view text) {
+    const size_t first = text.find_first_not_of(" \t\n\r+-0");
+    return first != std::string_view::npos && std::string_view("YyTt123456789").contains(text[first]);
 }
 
 bool Value::operator==(const Value& other) const {

@@ -1,4 +1,5 @@
 #include "Platform/Formats/PropertyListCheck.h"
+#include "Platform/Formats/UTF8.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +8,7 @@
 #include <limits>
 #include <string>
 
-#include <unicode/utf8.h>
+#include <unicode/utf.h>
 
 namespace platform {
 namespace {
@@ -246,26 +247,13 @@ class XmlCheck {
 
 } // namespace
 
-bool isUtf8(std::string_view bytes) {
-    const auto* text = reinterpret_cast<const uint8_t*>(bytes.data());
-    const auto length = static_cast<int64_t>(bytes.size());
-    for (int64_t i = 0; i < length;) {
-        UChar32 character = 0;
-        U8_NEXT(text, i, length, character);
-        if (character < 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
 std::optional<std::string_view> checkXmlPropertyList(std::string_view bytes, size_t heldMemory) {
     if (bytes.size() > maximumPropertyListSize) {
         return std::nullopt;
     }
     const auto checked = XmlCheck(bytes, heldMemory).run();
     // A zero byte would end the input for the library.
-    return checked && !checked->contains('\0') && isUtf8(*checked) ? checked : std::nullopt;
+    return checked && !checked->contains('\0') && isUTF8(*checked) ? checked : std::nullopt;
 }
 
 } // namespace platform

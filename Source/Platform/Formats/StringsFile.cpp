@@ -1,6 +1,7 @@
 #include "Platform/Formats/StringsFile.h"
 
 #include "Platform/Formats/PropertyList.h"
+#include "Platform/Formats/TextMark.h"
 #include "Platform/Formats/TextScanner.h"
 
 namespace platform {
@@ -8,8 +9,6 @@ namespace platform {
 namespace {
 
 using Table = std::expected<StringTable, TextError>;
-
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 
 Table tableOfPairs(icu::UnicodeString text) {
     TextScanner scanner(std::move(text));
@@ -34,9 +33,7 @@ Table tableOfPairs(icu::UnicodeString text) {
 
 // No table of pairs begins with these.
 bool isPropertyList(std::string_view bytes) {
-    if (bytes.starts_with(utf8Mark)) {
-        bytes.remove_prefix(utf8Mark.size());
-    }
+    bytes = withoutUTF8Mark(bytes);
     const size_t start = bytes.find_first_not_of(" \t\r\n");
     return bytes.starts_with("bplist") || (start != std::string_view::npos && bytes[start] == '<');
 }

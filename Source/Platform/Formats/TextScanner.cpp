@@ -1,5 +1,6 @@
 #include "Platform/Formats/TextScanner.h"
 
+#include "Platform/Formats/TextMark.h"
 #include "Platform/Formats/UTF8.h"
 
 #include <algorithm>
@@ -12,28 +13,9 @@ namespace platform {
 namespace {
 
 using icu::UnicodeString;
-using std::string_view_literals::operator""sv;
 using Text = std::expected<UnicodeString, TextError>;
 
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-
-struct WideEncoding {
-    std::string_view mark;
-    const char* name;
-    size_t unitSize;
-};
-
-// The longer marks come first: one of them begins like one of 16 bits.
-constexpr WideEncoding utf16LittleEndian{.mark = "\xFF\xFE", .name = "UTF-16LE", .unitSize = 2};
-constexpr WideEncoding utf16BigEndian{.mark = "\xFE\xFF", .name = "UTF-16BE", .unitSize = 2};
-constexpr WideEncoding wideEncodings[] = {
-    {.mark = "\xFF\xFE\0\0"sv, .name = "UTF-32LE", .unitSize = 4},
-    {.mark = "\0\0\xFE\xFF"sv, .name = "UTF-32BE", .unitSize = 4},
-    utf16LittleEndian,
-    utf16BigEndian,
-};
-
-Text decodeWide(std::string_view bytes, const WideEncoding& encoding) {
+Text decodeWide(std::string_view bytes, const MarkedEncoding& encoding) {
     if (bytes.size() % encoding.unitSize != 0) {
         return std::unexpected(TextError{0, "the file ends within a character"});
     }
@@ -71,15 +53,15 @@ Text decodeText(std::string_view bytes) {
     if (bytes.size() > size_t{std::numeric_limits<int32_t>::max() / 2}) {
         return std::unexpected(TextError{0, "the file is too large"});
     }
-    for (const WideEncoding& encoding : wideEncodings) {
-        if (bytes.starts_with(encoding.mark)) {
-            return decodeWide(bytes.substr(encoding.mark.size()), encoding);
-        }
+    const MarkedEncoding* const marked = encodingMarkedIn(bytes);
+    if (marked != nullptr) {
+        bytes.remove_prefix(marked->mark.size());
+        return marked == &utf8Marked ? decodeUTF8(bytes) : decodeWide(bytes, *marked);
     }
     if (bytes.size() >= 2 && (bytes[0] == '\0') != (bytes[1] == '\0')) {
         return decodeWide(bytes, bytes[0] == '\0' ? utf16BigEndian : utf16LittleEndian);
     }
-    return decodeUTF8(bytes.starts_with(utf8Mark) ? bytes.substr(utf8Mark.size()) : bytes);
+    return decodeUTF8(bytes);
 }
 
 std::string toUTF8(const UnicodeString& text) {

@@ -1,9 +1,8 @@
 #include "Platform/Formats/UTF8.h"
 
 #include <algorithm>
-#include <limits>
 
-#include <unicode/ustring.h>
+#include <unicode/utf8.h>
 
 namespace platform {
 
@@ -12,13 +11,16 @@ bool isUTF8(std::string_view bytes) {
     if (std::ranges::all_of(bytes, [](char byte) { return static_cast<signed char>(byte) >= 0; })) {
         return true;
     }
-    if (bytes.size() > size_t{std::numeric_limits<int32_t>::max()}) {
-        return false;
+    const auto* text = reinterpret_cast<const uint8_t*>(bytes.data());
+    const auto length = static_cast<int64_t>(bytes.size());
+    for (int64_t position = 0; position < length;) {
+        UChar32 character = 0;
+        U8_NEXT(text, position, length, character);
+        if (character < 0) {
+            return false;
+        }
     }
-    UErrorCode error = U_ZERO_ERROR;
-    // Measures alone: that there is no room for the text is what it says of valid bytes.
-    u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &error);
-    return error != U_INVALID_CHAR_FOUND;
+    return true;
 }
 
 } // namespace platform

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// True for text that is all valid UTF-8; so is the empty one. Beyond 2 GiB only ASCII counts.
+/// True for text that is all valid UTF-8; so is the empty one.
 [[nodiscard]] bool isUTF8(std::string_view bytes);
 
 } // namespace platform

@@ -1,45 +1,36 @@
 #pragma once
 
-#include <condition_variable>
-#include <deque>
-#include <exception>
+#include <cstddef>
 #include <functional>
-#include <mutex>
-#include <thread>
-#include <vector>
+#include <memory>
 
 namespace platform {
 
-/// Pieces of work that are done on a few threads while their owner goes on, in any order and side by side.
-/// One thread owns it; the threads start with the first piece and end with the object.
+class Queue;
+
+/// Pieces of work that a queue's threads do while their owner goes on, in any order and side by side. One
+/// thread owns it. The owner takes its share when it waits, so that all is done even where the queue has no
+/// thread to spare.
 class BackgroundWork {
   public:
-    BackgroundWork() = default;
+    /// The queue outlives it.
+    explicit BackgroundWork(Queue& queue);
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
     /// Waits until all is done; what pieces threw is lost.
     ~BackgroundWork();
 
-    /// Leaves a piece to the threads. Where there are none, or where they are behind, does it at once and
-    /// throws what it throws.
+    /// Leaves a piece to the threads. Where they are behind, does it at once and throws what it throws.
     void add(std::function<void()> piece);
     /// Returns when all that was added is done. Throws what a piece threw on a thread, the first of several.
     void finish();
 
   private:
-    void startThreads();
-    void workToTheEnd();
-    bool doOnePiece(std::unique_lock<std::mutex>& lock);
-    void waitForAll(std::unique_lock<std::mutex>& lock);
+    class Pieces;
 
-    std::mutex _mutex;
-    std::condition_variable _added;
-    std::condition_variable _done;
-    std::deque<std::function<void()>> _waiting;
-    size_t _underWay = 0;
-    bool _ended = false;
-    std::exception_ptr _thrown;
-    std::vector<std::thread> _threads;
+    Queue& _queue;
+    // Of the queue's blocks, too: one may begin when all is done and the owner gone.
+    std::shared_ptr<Pieces> _pieces;
 };
 
 } // namespace platform

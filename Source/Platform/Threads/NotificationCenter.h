@@ -35,6 +35,11 @@ class NotificationCenter {
     /// more.
     void removeObserver(Token token);
 
+    /// Whether a post of the name about the object would reach anybody now.
+    [[nodiscard]] bool isObserved(std::string_view name, const void* object) const {
+        return !tokensFor({name, object}).empty();
+    }
+
     /// Calls the observers in the order of their addition and returns when all have run. Those that are added
     /// meanwhile are not called.
     void post(std::string_view name, const void* object = nullptr);

@@ -45,6 +45,8 @@ class Queue::Workers {
         }
     }
 
+    [[nodiscard]] size_t count() const { return _count; }
+
     void async(Block block) {
         std::call_once(_started, [this] { start(); });
         asio::post(_context, std::move(block));
@@ -82,6 +84,10 @@ Queue::Queue(std::string name, size_t threads)
 Queue::Queue(Queue&&) noexcept = default;
 Queue& Queue::operator=(Queue&&) noexcept = default;
 Queue::~Queue() = default;
+
+size_t Queue::threads() const {
+    return _workers->count();
+}
 
 void Queue::async(Block block) {
     _workers->async(std::move(block));

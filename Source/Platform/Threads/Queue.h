@@ -24,6 +24,8 @@ class Queue {
     Queue& operator=(Queue&&) noexcept;
     ~Queue();
 
+    /// How many blocks run at once.
+    [[nodiscard]] size_t threads() const;
     /// Hands the block over and returns at once; any thread may call it, also a block of this queue.
     void async(Block block);
 

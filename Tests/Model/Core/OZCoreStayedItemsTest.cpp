@@ -172,9 +172,7 @@ TEST(StayedItems, WhatIsGoneHasNotStayed) {
         engine.run().quickDel(paths);
         engine.run().quickDelLang(paths);
         engine.run().quickDel(
-            platform::FoundPaths{.folder = engine.run().tree().directEntries("/").value().folder,
-                                 .prefix = "/",
-                                 .names = {"missing/x", "file/x", "link/x"}});
+            engine.run().tree().directEntries("/")->withNames({"missing/x", "file/x", "link/x"}));
         EXPECT_TRUE(engine.core->stayedItems().empty());
     }
 }

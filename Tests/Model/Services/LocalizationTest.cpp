@@ -232,7 +232,7 @@ TEST(LanguageFiles, AreFoundFromTheDevicesThatNeedThem) {
 }
 
 TEST(LanguageFiles, StandBesideTheProgramsDescription) {
-    EXPECT_EQ(Bundle().bundleIdentifier(), names::programIdentifier);
+    EXPECT_EQ(Bundle().bundleIdentifier(), devicename::programIdentifier);
     EXPECT_THAT(Bundle().infoString("CFBundleShortVersionString"),
                 testing::Optional(testing::MatchesRegex("[0-9.]+")));
     EXPECT_EQ(Bundle("/nowhere").bundleIdentifier(), "");

@@ -159,6 +159,21 @@ TEST(SeparatedPieces, AreTheSameWhereverTheTextIsCut) {
     }
 }
 
+TEST(OZTask, IsFreedAtItsEndWhereNobodyObserves) {
+    TemporaryDevice device;
+    device.addTool("/bin/tool", "true");
+    for (const bool waits : {true, false}) {
+        auto task = OZTask::make(device.device(), "/bin/tool");
+        const std::weak_ptr<OZTask> ended = task;
+        EXPECT_TRUE(waits ? task->launchSynchronously() : task->launchAsynchronously());
+        task.reset();
+        for (int tries = 0; tries < 6000 && !waits && !ended.expired(); ++tries) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        EXPECT_TRUE(ended.expired()) << waits;
+    }
+}
+
 TEST(OZTask, AnnouncesEveryEndOnTheMainQueueAndStaysAliveUntilThen) {
     TemporaryDevice device;
     device.addTool("/bin/tool", "echo done; exit 1");

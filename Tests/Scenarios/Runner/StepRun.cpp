@@ -8,6 +8,7 @@
 #include "Tests/Support/StandardOutput.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 #include <fmt/format.h>
@@ -140,6 +141,9 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
         world.settings[step.substr(0, equals)] =
             uint64_t{equals < step.size() ? std::stoull(step.substr(equals + 1)) : 1};
     }
+    // The log needs its place.
+    std::error_code error;
+    std::filesystem::create_directories(world.folder.hostPath("/var/mobile/Library"), error);
     OZCore& core = world.builder().core();
     Outcome outcome{.before = world.tree()};
     world.takeEffects();

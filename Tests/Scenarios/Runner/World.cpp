@@ -125,10 +125,11 @@ void World::give(std::string_view line) {
         giveApp(wordsOf(rest()));
     } else if (kind == "gone" || kind == "kept" || kind == "file") {
         giveItems(line, kind == "gone");
-    } else if (kind == "plist") {
+    } else if (kind == "plist" || kind == "bplist") {
         const std::string path = expanded(takeWord(line), variables);
-        giveItem(path, platform::serializePropertyList(valueOf(rest()), platform::PropertyListFormat::xml),
-                 false);
+        const auto format =
+            kind == "plist" ? platform::PropertyListFormat::xml : platform::PropertyListFormat::binary;
+        giveItem(path, platform::serializePropertyList(valueOf(rest()), format), false);
     } else if (kind == "sqlite") {
         const std::string path = expanded(takeWord(line), variables);
         giveItem(path, "", false);
@@ -227,8 +228,8 @@ void World::giveApp(const Words& words) {
         const size_t equals = std::min(value.find('='), value.size());
         if (words[at] == "at") {
             bundle = value;
-        } else if (words[at] == "container") {
-            info["Container"] = value;
+        } else if (words[at] == "container" || words[at] == "in") {
+            info[words[at] == "in" ? "BundleContainer" : "Container"] = value;
         } else if (words[at] == "group" || words[at] == "plugin") {
             Value& containers = info[words[at] == "group" ? "GroupDataContainers" : "PluginDataContainers"];
             (*containers.as<Dictionary>())[value.substr(0, equals)] = value.substr(equals + 1);

@@ -186,7 +186,7 @@ class ScenarioTest : public testing::Test {
     }
 
     void act(World& world, const std::string& text, Lines& expected, size_t first, size_t end) {
-        const size_t arrow = text.find(" => ");
+        const size_t arrow = text.rfind(" => ");
         if (arrow != std::string::npos) {
             expected.insert(expected.begin(), "| " + expanded(text.substr(arrow + 4), world.variables));
         }

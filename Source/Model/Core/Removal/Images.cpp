@@ -7,8 +7,6 @@
 
 // Which images of an application go. A search compares whole paths without regard to case.
 
-using platform::FoundPaths;
-
 namespace {
 
 // "{}" takes the suffixes of the scales.

@@ -14,7 +14,6 @@
 #include <fmt/ranges.h>
 
 using languagetable::isCode;
-using platform::FoundPaths;
 
 namespace {
 
@@ -83,15 +82,14 @@ std::vector<FoundPaths> findLanguageData(CleanupRun& run, const std::vector<std:
             name.insert(0, folder);
         }
         paths.names.insert(paths.names.begin(), folder.substr(0, folder.size() - 1));
-        paths.folder = parent->folder;
-        paths.prefix = sharedData;
+        paths = parent->withNames(std::move(paths.names));
     }
     return found;
 }
 
 // The files of a program that is installed on the device. Those of the running one lie on the host.
 void removeOwnLanguages(const RunContext& context) {
-    const auto names = context.run.tree().contentsOfDirectoryAtPath(names::programBundle);
+    const auto names = context.run.tree().contentsOfDirectoryAtPath(devicename::programBundle);
     if (!names) {
         return;
     }
@@ -99,7 +97,7 @@ void removeOwnLanguages(const RunContext& context) {
     for (const auto& name : *names) {
         if (name.ends_with(languageFileExtension) &&
             context.choices.languagesToRemove().contains(languageOfFile(name))) {
-            paths.push_back(platform::joinPath(names::programBundle, name));
+            paths.push_back(platform::joinPath(devicename::programBundle, name));
         }
     }
     context.run.del(paths);
@@ -130,7 +128,7 @@ void removeLanguages(const RunContext& context) {
     std::erase_if(components, std::not_fn(isCode));
     std::ranges::move(findLanguageData(context.run, components), std::back_inserter(found));
     quickDelLangAll(context.run, found);
-    if (!context.appList.isAppExcluded(names::programIdentifier, OZExclusionMask::languages)) {
+    if (!context.appList.isAppExcluded(devicename::programIdentifier, OZExclusionMask::languages)) {
         removeOwnLanguages(context);
     }
 }

@@ -10,7 +10,6 @@
 // Attachments of messages: all of them, or those that the message database no longer knows.
 
 using platform::FileType;
-using platform::FoundPaths;
 using platform::Result;
 
 namespace {

@@ -4,7 +4,7 @@
 #include "Model/Core/Steps/EachApplication.h"
 #include "Model/Core/Steps/StepContext.h"
 #include "Platform/Device/DeviceNames.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <optional>
 #include <set>
@@ -53,17 +53,15 @@ constexpr CleanupAction partialFileActions[] = {
     {.primitive = delFolderContents, .path = "/var/mobile/Library/Caches/com.saurik.Cydia/archives/partial"},
 };
 
-// An identifier comes from whoever made the application: it must name an item of the folder and lead nowhere
-// else.
+// An identifier comes from whoever made the application.
 bool namesAnItem(std::string_view identifier) {
-    return isNotEmptyOrWhitespace(identifier) && !identifier.contains('/') && identifier != "." &&
-           identifier != "..";
+    return isNotEmptyOrWhitespace(identifier) && platform::isFileName(identifier);
 }
 
 void cleanSystemApplications(const StepContext& context) {
     const auto apps = context.appList.appList(
         {.typeMask = OZAppTypeMask::system,
-         .excludingIdentifiers = {std::string(names::programIdentifier), std::string(cydiaIdentifier)},
+         .excludingIdentifiers = {std::string(devicename::programIdentifier), std::string(cydiaIdentifier)},
          .filterMask = OZAppFilterMask::noApple | OZAppFilterMask::validIcon,
          .exclusionMask = OZExclusionMask::cleanup});
     for (const auto& app : apps) {

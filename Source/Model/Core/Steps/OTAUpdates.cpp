@@ -16,7 +16,7 @@ constexpr CleanupAction otaUpdateActions[] = {
     {.primitive = delFolderContents, .path = "/var/MobileSoftwareUpdate"},
     {.primitive = delFolderContents, .path = "/var/mobile/MobileSoftwareUpdate"},
     {.primitive = delWithPatterns,
-     .path = names::mobileAssets,
+     .path = devicename::mobileAssets,
      .patterns = {.startPatterns = softwareUpdateAssets}},
     {.primitive = delWithPatterns,
      .path = "/var/MobileAsset/Assets",

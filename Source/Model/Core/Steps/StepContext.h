@@ -14,7 +14,9 @@ struct StepContext : RunContext {
     bool outputIsTerminal;
 
     /// A setting as a number, 0 where there is none.
-    [[nodiscard]] uint64_t number(std::string_view key) const;
+    [[nodiscard]] uint64_t number(std::string_view key) const {
+        return CleanupChoices::numberOf(settings, key);
+    }
     /// Whether a step is to be entered. A step that is not named is off.
-    [[nodiscard]] bool isOn(std::string_view key) const;
+    [[nodiscard]] bool isOn(std::string_view key) const { return CleanupChoices::isOn(settings, key); }
 };

@@ -2,7 +2,7 @@
 
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Platform/Device/Device.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <algorithm>
 

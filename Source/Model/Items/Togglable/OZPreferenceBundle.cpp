@@ -3,7 +3,7 @@
 #include "Categories/FileURLs.h"
 #include "Model/Apps/InstalledApps.h"
 #include "Platform/Device/Device.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <limits>
 
@@ -111,7 +111,7 @@ std::optional<std::string> OZPreferenceBundle::iconPath() const {
             }
         }
     }
-    const std::string_view folder = std::string_view(enabledPath()).substr(0, enabledPath().rfind('/'));
+    const std::string_view folder = platform::deletingLastPathComponent(enabledPath());
     const std::string path = fmt::format("{}/{}", folder, name);
     return isReadableFile(fileManager, path) ? std::optional(path) : std::nullopt;
 }

@@ -3,7 +3,7 @@
 #include "Model/Items/Togglable/OZPreferenceBundle.h"
 #include "Model/Items/Togglable/OZPreferenceBundleGroup.h"
 #include "Platform/Device/Device.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <set>
 

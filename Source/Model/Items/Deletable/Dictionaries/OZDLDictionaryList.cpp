@@ -3,6 +3,8 @@
 #include "Platform/Device/Device.h"
 #include "Platform/Device/DeviceNames.h"
 
+using platform::deletingLastPathComponent;
+
 namespace {
 
 constexpr std::string_view assetsOfDictionaries = "com_apple_MobileAsset_DictionaryServices_dictionary";
@@ -11,14 +13,9 @@ constexpr std::string_view dictionaryFolders[] = {"/Library/Dictionaries",
 constexpr std::string_view dictionaryExtension = ".dictionary";
 constexpr std::string_view assetExtension = ".asset";
 
-std::string_view folderOf(std::string_view path) {
-    const auto slash = path.rfind('/');
-    return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
-}
-
 /// What is to be removed for a dictionary below the assets folder; both are relative to that.
 std::string_view assetOfDictionary(std::string_view dictionary) {
-    const auto asset = folderOf(folderOf(dictionary));
+    const auto asset = deletingLastPathComponent(deletingLastPathComponent(dictionary));
     return asset.ends_with(assetExtension) ? asset : dictionary;
 }
 
@@ -32,7 +29,7 @@ void OZDLDictionaryList::findItems() {
 }
 
 void OZDLDictionaryList::findAssets() {
-    const auto folder = _device.fileManager().folderAtPath(names::mobileAssets);
+    const auto folder = _device.fileManager().folderAtPath(devicename::mobileAssets);
     if (!folder) {
         return;
     }
@@ -41,7 +38,8 @@ void OZDLDictionaryList::findAssets() {
             name.starts_with(assetsOfDictionaries) ? platform::Item(*folder, name).enumerate() : nullptr;
         while (const auto path = enumerator ? enumerator->nextObject() : std::nullopt) {
             if (path->ends_with(dictionaryExtension)) {
-                addDictionaryAtPath(platform::joinPath(platform::joinPath(names::mobileAssets, name), *path));
+                addDictionaryAtPath(
+                    platform::joinPath(platform::joinPath(devicename::mobileAssets, name), *path));
             }
         }
     }
@@ -65,12 +63,12 @@ void OZDLDictionaryList::addDictionaryAtPath(const std::string& path) {
 void OZDLDictionaryList::removeFromDevice(const OZDeletableItem& item) {
     auto fileManager = _device.fileManager();
     const std::string_view path = item.paths().front();
-    const std::string prefix = platform::pathPrefix(names::mobileAssets);
+    const std::string prefix = platform::pathPrefix(devicename::mobileAssets);
     if (!path.starts_with(prefix)) {
         std::ignore = fileManager.removeItemAtPath(path);
         return;
     }
-    const auto assets = fileManager.folderAtPath(names::mobileAssets);
+    const auto assets = fileManager.folderAtPath(devicename::mobileAssets);
     const auto asset = assets ? fileManager.itemBelow(*assets, assetOfDictionary(path.substr(prefix.size())))
                               : std::unexpected(assets.error());
     if (asset) {

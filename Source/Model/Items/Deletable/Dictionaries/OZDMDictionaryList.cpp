@@ -36,7 +36,7 @@ void OZDMDictionaryList::findItems() {
 
 void OZDMDictionaryList::removeFromDevice(const OZDeletableItem& item) {
     const std::string_view path = item.paths().front();
-    const auto asset = _assetsByPath.find(path.substr(0, path.rfind('/')));
+    const auto asset = _assetsByPath.find(platform::deletingLastPathComponent(path));
     if (asset != _assetsByPath.end()) {
         asset->second->purge();
         _assetsByPath.erase(asset);

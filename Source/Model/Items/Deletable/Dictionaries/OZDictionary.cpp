@@ -1,7 +1,7 @@
 #include "Model/Items/Deletable/Dictionaries/OZDictionary.h"
 
 #include "Platform/Device/Device.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "Model/Items/Deletable/Preferences/OZPreferenceFile.h"
 
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "Model/Apps/OZAppList.h"
 #include "Model/Items/Deletable/Preferences/PreferenceFileTables.h"
 #include "Platform/Device/Device.h"
-#include "Platform/Files/PathExtension.h"
+#include "Platform/Files/Path.h"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 // What is known of preference files.
 
 inline constexpr std::string_view preferenceFolders[] = {
-    names::mobilePreferences,
+    devicename::mobilePreferences,
     "/var/root/Library/Preferences",
 };
 

@@ -18,13 +18,6 @@ icu::UnicodeSet quotesAndBlanks() {
     return set;
 }
 
-/// A text's truth, as the platform reads it: it begins with "Y", "T" or a number that is not 0.
-bool isTrue(std::string_view text) {
-    const size_t sign = text.starts_with('+') || text.starts_with('-') ? 1 : 0;
-    const size_t first = text.find_first_not_of('0', sign);
-    return first != std::string_view::npos && std::string_view("YyTt123456789").contains(text[first]);
-}
-
 } // namespace
 
 std::unique_ptr<OZOverrideDaemon> OZOverrideDaemon::make(platform::Device& device,
@@ -66,7 +59,7 @@ StringDictionary OZOverrideDaemon::overridesInListing(std::string_view listing) 
 
 bool OZOverrideDaemon::isEnabledIn(const StringDictionary& overrides, std::string_view identifier) {
     const auto found = overrides.find(identifier);
-    return found == overrides.end() || !isTrue(found->second);
+    return found == overrides.end() || !platform::truthOfText(found->second);
 }
 
 bool OZOverrideDaemon::isEnabledInDatabase() const {
