@@ -1,11 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <string_view>
 
 class OZACConcrete;
 class OZViewController;
+struct Transition;
 enum class OZActivityHUD;
 enum class OZAlertStyle : int;
 
@@ -29,13 +31,10 @@ class Host {
   public:
     virtual ~Host() = default;
 
-    /// Shows a screen over another one, and takes away all that stands over a screen. The screens hear of it
-    /// by their appearance.
-    virtual void present(OZViewController& screen, OZViewController& over, bool animated) = 0;
-    virtual void dismissHierarchy(OZViewController& screen, bool animated) = 0;
-
-    /// Shows a screen in the place of another one, which stands behind it on its tab.
-    virtual void push(OZViewController& screen, OZViewController& behind) = 0;
+    /// Gives a screen its view if it has none yet.
+    virtual void prepare(OZViewController& screen) = 0;
+    /// Draws how one screen follows another one, and calls `done` when that is over.
+    virtual void transition(const Transition& transition, std::function<void()> done) = 0;
 
     /// A dialog that is not shown yet.
     [[nodiscard]] virtual std::unique_ptr<OZACConcrete> makeAlert(OZAlertStyle style) = 0;

@@ -8,6 +8,7 @@ namespace platform {
 class Device;
 }
 class Host;
+class Navigator;
 enum class OZDeviceAction : int;
 class OZLocalizationManager;
 
@@ -16,6 +17,7 @@ struct InterfaceContext {
     platform::Device& device;
     OZLocalizationManager& languages;
     Host& host;
+    Navigator& navigator;
     /// "CFBundleDisplayName" and "CFBundleShortVersionString" of the program.
     std::string displayName;
     std::string shortVersion;

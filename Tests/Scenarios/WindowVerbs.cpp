@@ -1,6 +1,7 @@
 // What scenarios can do with the screens of the window, on a host that shows them as text.
 
 #include "Interface/Alerts/AlertPresets.h"
+#include "Interface/Flow/Navigator.h"
 #include "Interface/Screens/Clean/OZCleanViewController.h"
 #include "Interface/Screens/Clean/OZCleanupViewController.h"
 #include "Model/Core/OZCore.h"
@@ -27,6 +28,7 @@ class Window : private OZAdController, private LongRunningTasks, private OZTextV
         , context{.device = world.device(),
                   .languages = world.builder().localizationManager(),
                   .host = host,
+                  .navigator = navigator,
                   .displayName = world.builder().bundle().infoString("CFBundleDisplayName").value_or(""),
                   .shortVersion = "1.0",
                   .performDeviceAction =
@@ -39,10 +41,11 @@ class Window : private OZAdController, private LongRunningTasks, private OZTextV
         context.device.mainQueue().setManualClock(true);
         cleanup.setApplication(*this);
         cleanup.setTextViewControllerProvider(*this);
-        host.start(clean);
+        navigator.start({&clean, &clean, &clean}, 1);
     }
 
     TextHost host;
+    Navigator navigator{host};
     InterfaceContext context;
     OZCleanupViewController cleanup;
     OZCleanViewController clean;
@@ -69,7 +72,7 @@ Window& windowOf(World& world) {
 }
 
 OZTableViewController& tableOf(World& world) {
-    return dynamic_cast<OZTableViewController&>(windowOf(world).host.top());
+    return dynamic_cast<OZTableViewController&>(windowOf(world).navigator.visible());
 }
 
 std::string textOf(const Cell& cell) {
@@ -172,8 +175,7 @@ void exitOnComplete(World& world, const Words& /*words*/) {
 /// "action NUMBER [analyze]", as the screens of tools start it.
 void action(World& world, const Words& words) {
     auto& window = windowOf(world);
-    window.cleanup.startAction(static_cast<OZAction>(std::stoul(words.at(0))), words.size() > 1,
-                               window.clean);
+    window.cleanup.startAction(static_cast<OZAction>(std::stoul(words.at(0))), words.size() > 1);
     settle(window);
 }
 

@@ -1,6 +1,7 @@
 #include "Tests/Scenarios/Window/TextHost.h"
 
 #include "Interface/Alerts/OZAlertAction.h"
+#include "Interface/Flow/Navigator.h"
 #include "Interface/Table/OZTableViewController.h"
 
 #include <algorithm>
@@ -43,53 +44,25 @@ TextHost::TextHost(Say say)
 
 TextHost::~TextHost() = default;
 
-OZViewController& TextHost::top() const {
-    return _screens.empty() ? throw std::runtime_error("no screen") : *_screens.back();
-}
-
-void TextHost::appear(OZViewController& screen) {
-    if (!screen.isLoaded()) {
-        _views.push_back(std::make_unique<View>());
-        if (auto* table = dynamic_cast<OZTableViewController*>(&screen)) {
-            table->load(*_views.back());
-        } else {
-            screen.load(*_views.back());
-        }
+void TextHost::prepare(OZViewController& screen) {
+    if (screen.isLoaded()) {
+        return;
     }
-    screen.viewWillAppear(true);
-    screen.viewDidAppear(true);
-}
-
-void TextHost::start(OZTableViewController& screen) {
-    _screens.push_back(&screen);
-    appear(screen);
-}
-
-void TextHost::present(OZViewController& screen, OZViewController& over, bool /*animated*/) {
-    say("presented");
-    over.viewWillDisappear(true);
-    over.viewDidDisappear(true);
-    _screens.push_back(&screen);
-    appear(screen);
-}
-
-void TextHost::dismissHierarchy(OZViewController& screen, bool /*animated*/) {
-    say("dismissed");
-    const auto first = std::ranges::find(_screens, &screen);
-    while (_screens.end() != first && _screens.size() > 1) {
-        OZViewController& last = *_screens.back();
-        _screens.pop_back();
-        last.viewWillDisappear(true);
-        last.viewDidDisappear(true);
-        if (&last == &screen) {
-            break;
-        }
+    _views.push_back(std::make_unique<View>());
+    if (auto* table = dynamic_cast<OZTableViewController*>(&screen)) {
+        table->load(*_views.back());
+    } else {
+        screen.load(*_views.back());
     }
-    appear(top());
 }
 
-void TextHost::push(OZViewController& screen, OZViewController& behind) {
-    present(screen, behind, true);
+void TextHost::transition(const Transition& transition, std::function<void()> done) {
+    constexpr const char* names[] = {"",          "pushed",    "popped",     "presented",
+                                     "dismissed", "later tab", "earlier tab"};
+    if (transition.kind != TransitionKind::none) {
+        say(names[static_cast<size_t>(transition.kind)]);
+    }
+    done();
 }
 
 std::unique_ptr<OZACConcrete> TextHost::makeAlert(OZAlertStyle style) {

@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-class OZTableViewController;
-
 namespace scenarios {
 
 class TextAlert;
@@ -25,9 +23,8 @@ class TextHost : public Host {
     explicit TextHost(Say say);
     ~TextHost() override;
 
-    void present(OZViewController& screen, OZViewController& over, bool animated) override;
-    void dismissHierarchy(OZViewController& screen, bool animated) override;
-    void push(OZViewController& screen, OZViewController& behind) override;
+    void prepare(OZViewController& screen) override;
+    void transition(const Transition& transition, std::function<void()> done) override;
     std::unique_ptr<OZACConcrete> makeAlert(OZAlertStyle style) override;
     void presentActivity(OZActivityHUD hud) override;
     void dismissActivity(bool success) override;
@@ -35,9 +32,6 @@ class TextHost : public Host {
     [[nodiscard]] bool canOpenURL(std::string_view /*url*/) const override { return true; }
     [[nodiscard]] double screenHeight() const override { return 667; }
 
-    /// The screen that is on top; throws std::runtime_error where there is none.
-    [[nodiscard]] OZViewController& top() const;
-    void start(OZTableViewController& screen);
     void say(const std::string& line) const { _say(line); }
     /// The dialogs that are shown, the last one on top.
     std::vector<TextAlert*> alerts;
@@ -45,10 +39,7 @@ class TextHost : public Host {
   private:
     class View;
 
-    void appear(OZViewController& screen);
-
     Say _say;
-    std::vector<OZViewController*> _screens;
     std::vector<std::unique_ptr<View>> _views;
 };
 

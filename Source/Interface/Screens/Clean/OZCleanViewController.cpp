@@ -2,6 +2,7 @@
 
 #include "Categories/Text.h"
 #include "Interface/Alerts/AlertPresets.h"
+#include "Interface/Flow/Navigator.h"
 #include "Interface/Images/ImageURLs.h"
 #include "Interface/Screens/Clean/OZCleanupViewController.h"
 #include "Model/Core/CleanupSteps.h"
@@ -197,7 +198,7 @@ void OZCleanViewController::didSelectRowAtIndexPath(IndexPath place) {
     } else if (auto* screen =
                    name == customFilesRow ? _customCleanupViewController : _excludedAppsViewController;
                screen != nullptr) {
-        context().host.push(*screen, *this);
+        context().navigator.push(*screen);
     }
     if (table() != nullptr) {
         table()->deselectRow(place, true);
@@ -205,7 +206,7 @@ void OZCleanViewController::didSelectRowAtIndexPath(IndexPath place) {
 }
 
 void OZCleanViewController::startCleanup(bool analyze) {
-    _cleanupViewController.startCleanup(std::nullopt, analyze, *this);
+    _cleanupViewController.startCleanup(std::nullopt, analyze);
 }
 
 void OZCleanViewController::showActionSheetForRow(IndexPath place) {
@@ -220,7 +221,7 @@ void OZCleanViewController::showActionSheetForRow(IndexPath place) {
     }
     const auto start = [this, settings](bool analyze) {
         return [this, settings, analyze](OZAlertAction&) {
-            _cleanupViewController.startCleanup(settings, analyze, *this);
+            _cleanupViewController.startCleanup(settings, analyze);
         };
     };
     alerts::analyzeCleanSheet(context(), start(true), start(false), false)->show(this, place);

@@ -1,6 +1,7 @@
 #include "Interface/Screens/Clean/OZCleanupViewController.h"
 
 #include "Interface/Alerts/AlertPresets.h"
+#include "Interface/Flow/Navigator.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCore.h"
 #include "Platform/Device/Device.h"
@@ -71,13 +72,13 @@ OZCleanupViewController::OZCleanupViewController(InterfaceContext& context, OZCo
 
 OZCleanupViewController::~OZCleanupViewController() = default;
 
-void OZCleanupViewController::startCleanup(const std::optional<platform::Dictionary>& settings, bool analyze,
-                                           OZViewController& over) {
+void OZCleanupViewController::startCleanup(const std::optional<platform::Dictionary>& settings,
+                                           bool analyze) {
     setCleanupSettings(settings ? *settings : _core.choices().cleanupSettings());
-    startAction(OZAction::clean, analyze, over);
+    startAction(OZAction::clean, analyze);
 }
 
-void OZCleanupViewController::startAction(OZAction action, bool analyze, OZViewController& over) {
+void OZCleanupViewController::startAction(OZAction action, bool analyze) {
     if (action == OZAction::none) {
         return;
     }
@@ -98,7 +99,7 @@ void OZCleanupViewController::startAction(OZAction action, bool analyze, OZViewC
         _cleanupView.startAnimating();
         startTask();
     };
-    context().host.present(*this, over, true);
+    context().navigator.present(*this);
 }
 
 std::string OZCleanupViewController::titleForAction() const {
@@ -241,7 +242,7 @@ void OZCleanupViewController::showCompletionAlert() {
         if (_exitOnComplete && _application != nullptr) {
             _application->close();
         } else {
-            context().host.dismissHierarchy(*this, true);
+            context().navigator.dismissAll();
         }
     };
     OZAlertController::Pointer alert;

@@ -64,10 +64,9 @@ class OZCleanupViewController : public OZViewController {
     void setExitOnComplete(bool exit) { _exitOnComplete = exit; }
 
     /// Without settings, those of the engine.
-    void startCleanup(const std::optional<platform::Dictionary>& settings, bool analyze,
-                      OZViewController& over);
-    /// Presents itself over a screen and does the action once it is there. The action "none" does nothing.
-    void startAction(OZAction action, bool analyze, OZViewController& over);
+    void startCleanup(const std::optional<platform::Dictionary>& settings, bool analyze);
+    /// Presents itself over all screens and does the action once it is there. The action "none" does nothing.
+    void startAction(OZAction action, bool analyze);
 
     /// The names of the steps that are on, in their order and the user's language.
     [[nodiscard]] const std::vector<std::string>& activeSteps() const { return _activeSteps; }
