@@ -1,26 +1,17 @@
 #include "Platform/Device/Application.h"
 
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 using platform::Application;
 
 TEST(Application, ClosesInTheGentlestWayThatThePlatformOffers) {
     std::string calls;
-    const auto note = [&calls](const char* call) { return [&calls, call] { calls += call; }; };
-    const auto exit = [&calls](int status) { calls += "exit " + std::to_string(status); };
-
-    Application({.suspend = note("suspend"), .terminateWithSuccess = note("terminate"), .exit = exit})
-        .close();
-    EXPECT_EQ(calls, "suspend");
-    calls.clear();
-    Application({.terminateWithSuccess = note("terminate"), .exit = exit}).close();
-    EXPECT_EQ(calls, "terminate");
-    calls.clear();
+    const auto note = [&](const char* call) { return [&calls, call] { calls += call; }; };
+    const auto exit = [&](int status) { calls += "exit " + std::to_string(status); };
+    Application({.suspend = note("suspend"), .terminateWithSuccess = note("-"), .exit = exit}).close();
+    Application({.terminateWithSuccess = note(" terminate "), .exit = exit}).close();
     Application({.exit = exit}).close();
-    EXPECT_EQ(calls, "exit 0");
+    EXPECT_EQ(calls, "suspend terminate exit 0");
 }
 
 TEST(Application, KeepsTheLastBackgroundTaskOnly) {

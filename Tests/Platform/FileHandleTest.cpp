@@ -7,50 +7,44 @@
 
 using namespace platform;
 
-namespace tests {
-
 namespace {
 
 class FileHandleTest : public testing::Test {
   protected:
     [[nodiscard]] FileHandle open(int flags = O_RDWR | O_CREAT) const {
-        return FileHandle(Descriptor(::open(temporary.path("file").c_str(), flags, 0600)));
+        FileHandle file(Descriptor(::open(temporary.path("file").c_str(), flags, 0600)));
+        file.setWriting(FileWriting::gathered);
+        return file;
     }
     [[nodiscard]] std::string content() const { return temporary.content("file"); }
 
-    TemporaryFolder temporary;
+    tests::TemporaryFolder temporary;
 };
 
 } // namespace
 
-TEST_F(FileHandleTest, WritesDirectlyUnlessToldOtherwise) {
-    auto file = open();
-    ASSERT_TRUE(file.write("one", "\n\n"));
-    EXPECT_EQ(content(), "one\n\n");
-    file.setWriting(FileWriting::gathered);
-    ASSERT_TRUE(file.write("two"));
-    EXPECT_EQ(content(), "one\n\n");
-    file.setWriting(FileWriting::direct);
-    EXPECT_EQ(content(), "one\n\ntwo");
-}
-
 TEST_F(FileHandleTest, WritesWhatItGatheredBeforeAnythingElseHappensToTheFile) {
     auto file = open();
+    file.setWriting(FileWriting::direct);
+    ASSERT_TRUE(file.write("0", "\n\n"));
+    EXPECT_EQ(content(), "0\n\n");
     file.setWriting(FileWriting::gathered);
-    ASSERT_TRUE(file.write("a"));
-    ASSERT_TRUE(file.seekToEnd());
-    EXPECT_EQ(content(), "a");
-    ASSERT_TRUE(file.write("b"));
-    ASSERT_TRUE(file.synchronize());
-    EXPECT_EQ(content(), "ab");
-    ASSERT_TRUE(file.write("c"));
-    EXPECT_EQ(file.readToEnd(100), "");
-    EXPECT_EQ(content(), "abc");
+    std::string expected = "0\n\n";
+    const std::pair<const char*, std::function<void()>> rows[] = {
+        {"seek", [&] { std::ignore = file.seekToEnd(); }},
+        {"synchronize", [&] { std::ignore = file.synchronize(); }},
+        {"read", [&] { EXPECT_EQ(file.readToEnd(100), ""); }},
+        {"write directly", [&] { file.setWriting(FileWriting::direct); }}};
+    for (const auto& [name, act] : rows) {
+        ASSERT_TRUE(file.write(name));
+        EXPECT_EQ(content(), expected);
+        act();
+        EXPECT_EQ(content(), expected += name);
+    }
 }
 
 TEST_F(FileHandleTest, GathersNoMoreThanItsLimitAndKeepsTheOrder) {
     auto file = open();
-    file.setWriting(FileWriting::gathered);
     std::string expected;
     for (size_t number = 0; number < 20000; ++number) {
         const std::string text = std::to_string(number);
@@ -67,7 +61,6 @@ TEST_F(FileHandleTest, GathersNoMoreThanItsLimitAndKeepsTheOrder) {
 TEST_F(FileHandleTest, TakesWhatItGatheredAlongWhenMovedAndWritesItOnceAtItsEnd) {
     {
         auto first = open();
-        first.setWriting(FileWriting::gathered);
         ASSERT_TRUE(first.write("moved "));
         FileHandle second(std::move(first));
         ASSERT_TRUE(second.write("along"));
@@ -77,12 +70,9 @@ TEST_F(FileHandleTest, TakesWhatItGatheredAlongWhenMovedAndWritesItOnceAtItsEnd)
 }
 
 TEST_F(FileHandleTest, TellsOfAFailureWhenTheGatheredBytesAreWrittenAndDoesNotKeepThem) {
-    std::ignore = open();
+    temporary.make("file: x");
     auto file = open(O_RDONLY);
-    file.setWriting(FileWriting::gathered);
     ASSERT_TRUE(file.write("never"));
     EXPECT_FALSE(file.flush());
     EXPECT_TRUE(file.flush());
 }
-
-} // namespace tests

@@ -2,65 +2,55 @@
 
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <array>
-#include <sstream>
-
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-using platform::Descriptor;
-using platform::FileWriting;
-using platform::HostOutput;
+using namespace platform;
 using testing::HasSubstr;
-using tests::TemporaryFolder;
 
 namespace {
 
-Descriptor treeOf(const TemporaryFolder& folder) {
-    return Descriptor(::open(folder.path("tree").c_str(), O_PATH | O_CLOEXEC));
-}
+class HostOutputTest : public testing::Test {
+  protected:
+    HostOutputTest() { folder.make("tree/var/file: content"); }
+    [[nodiscard]] auto open(const std::string& path) const {
+        const Descriptor tree(::open(folder.path("tree").c_str(), O_PATH | O_CLOEXEC));
+        return HostOutput::open(path, tree.get());
+    }
+
+    tests::TemporaryFolder folder;
+};
 
 } // namespace
 
-TEST(HostOutput, RefusesWhatLeadsElsewhereAndLeavesItAsItIs) {
-    const TemporaryFolder folder;
-    folder.make("tree/var/file: content\nwhole: content\nlink -> whole\nname == whole\nout -> tree/var\n"
-                "dangling -> new\nroom/");
-    const Descriptor tree = treeOf(folder);
+TEST_F(HostOutputTest, RefusesWhatLeadsElsewhereAndLeavesItAsItIs) {
+    folder.make("whole: content\nlink -> whole\nname == whole\nout -> tree/var\ndangling -> new\nroom/");
     const auto before = folder.listing();
-    const struct {
-        std::string path;
-        const char* says;
-    } cases[] = {
-        {folder.path("tree/log"), "inside of the device's tree; name a file outside"},
-        {folder.path("tree/var/file"), "inside of the device's tree"},
-        {folder.path("room/../tree/var/log"), "inside of the device's tree"},
-        {folder.path("out/log"), "inside of the device's tree"},
-        {folder.path("link"), "it is a link"},
-        {folder.path("dangling"), "it is a link"},
-        {folder.path("name"), "it has other names"},
-        {folder.path("room"), "Is a directory"},
-        {folder.path("room/"), "Is a directory"},
-        {folder.path("missing/log"), "No such file or directory"},
-        {folder.path("whole/log"), "Not a directory"},
-        {"/dev/fd/4711", "Bad file descriptor"},
-        {"/dev/fd/x", "Bad file descriptor"},
+    const std::pair<std::string, std::vector<std::string>> rows[] = {
+        {"inside of the device's tree; name a file outside", {"tree/log", "tree/var/file"}},
+        {"inside of the device's tree; name a file outside", {"room/../tree/var/log", "out/log"}},
+        {"it is a link", {"link", "dangling"}},
+        {"it has other names", {"name"}},
+        {"Is a directory", {"room", "room/"}},
+        {"No such file or directory", {"missing/log"}},
+        {"Not a directory", {"whole/log"}},
+        {"Bad file descriptor", {"/dev/fd/4711", "/dev/fd/x"}},
     };
-    for (const auto& [path, says] : cases) {
-        const auto opened = HostOutput::open(path, tree.get());
-        ASSERT_FALSE(opened) << path;
-        EXPECT_THAT(opened.error(), HasSubstr(says));
-        EXPECT_THAT(opened.error(), HasSubstr(path));
+    for (const auto& [says, names] : rows) {
+        for (const auto& name : names) {
+            const std::string path = name.starts_with('/') ? name : folder.path(name);
+            const auto opened = open(path);
+            ASSERT_FALSE(opened) << path;
+            EXPECT_THAT(opened.error(), testing::AllOf(HasSubstr(says), HasSubstr(path)));
+        }
     }
     EXPECT_EQ(folder.listing(), before);
 }
 
-TEST(HostOutput, PutsTextBeforeALine) {
-    const TemporaryFolder folder;
-    folder.make("tree/\nold: content that goes");
-    const Descriptor tree = treeOf(folder);
+TEST_F(HostOutputTest, PutsTextBeforeALine) {
+    folder.make("old: content that goes");
     std::string many = "1\n2\n3\n";
     while (many.size() < 200'000) {
         many += std::to_string(many.size()) + "\n";
@@ -69,18 +59,16 @@ TEST(HostOutput, PutsTextBeforeALine) {
         std::string text;
         unsigned long line;
         std::string result;
-    } cases[] = {
-        {"1\n2\n3\n", 4, "1\n2\n3\n(\n)\n"},
-        {"1\n2\n3", 4, "1\n2\n3"},
-        {"1\n2\n3\n4", 4, "1\n2\n3\n(\n)\n4"},
-        {"1\n2\n", 1, "(\n)\n1\n2\n"},
-        {"", 1, "(\n)\n"},
-        {"", 2, ""},
-        {many, 4, "1\n2\n3\n(\n)\n" + many.substr(6)},
-    };
-    for (const auto& [text, line, result] : cases) {
+    } rows[] = {{"1\n2\n3\n", 4, "1\n2\n3\n(\n)\n"},
+                {"1\n2\n3", 4, "1\n2\n3"},
+                {"1\n2\n3\n4", 4, "1\n2\n3\n(\n)\n4"},
+                {"1\n2\n", 1, "(\n)\n1\n2\n"},
+                {"", 1, "(\n)\n"},
+                {"", 2, ""},
+                {many, 4, "1\n2\n3\n(\n)\n" + many.substr(6)}};
+    for (const auto& [text, line, result] : rows) {
         for (const auto writing : {FileWriting::direct, FileWriting::gathered}) {
-            const auto output = HostOutput::open(folder.path("old"), tree.get()).value();
+            const auto output = open(folder.path("old")).value();
             output->start(writing);
             output->write(text.substr(0, 2), text.size() > 2 ? text.substr(2) : "");
             output->insertAtLine("(\n)", line);
@@ -92,24 +80,22 @@ TEST(HostOutput, PutsTextBeforeALine) {
     }
 }
 
-TEST(HostOutput, AStreamGetsAllOfItAtTheEnd) {
-    const TemporaryFolder folder;
-    folder.make("tree/");
-    std::array<int, 2> ends{};
-    ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+TEST_F(HostOutputTest, AStreamGetsAllOfItAtTheEnd) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
     const Descriptor reading(ends[0]);
-    const auto output = HostOutput::open("/dev/fd/" + std::to_string(ends[1]), treeOf(folder).get()).value();
+    const auto output = open("/dev/fd/" + std::to_string(ends[1])).value();
     ::close(ends[1]);
     output->start(FileWriting::direct);
     output->write("1\n", "3\n");
-    std::array<char, 64> bytes{};
-    EXPECT_EQ(::read(reading.get(), bytes.data(), bytes.size()), -1);
+    char bytes[64] = {};
+    EXPECT_EQ(::read(reading.get(), bytes, sizeof bytes), -1);
     output->insertAtLine("2", 2);
     output->finish();
-    EXPECT_EQ(::read(reading.get(), bytes.data(), bytes.size()), 6);
-    EXPECT_STREQ(bytes.data(), "1\n2\n3\n");
+    EXPECT_EQ(::read(reading.get(), bytes, sizeof bytes), 6);
+    EXPECT_STREQ(bytes, "1\n2\n3\n");
 
-    const auto full = HostOutput::open("/dev/full", treeOf(folder).get()).value();
+    const auto full = open("/dev/full").value();
     full->start(FileWriting::direct);
     full->write("text");
     EXPECT_FALSE(full->error());

@@ -8,6 +8,8 @@
 #include "Model/Items/Togglable/OZCSAddon.h"
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Items/Togglable/OZCSAddonToggler.h"
+#include "Model/Items/Togglable/OZPreferenceBundle.h"
+#include "Model/Items/Togglable/OZPreferenceBundleGroup.h"
 #include "Model/Items/Togglable/OZPreferenceBundleList.h"
 #include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Model/Packages/OZPackage.h"
@@ -35,10 +37,14 @@ OZTogglableItemList& togglableList(World& world, const std::string& name) {
                             : workspace.prefBundleList();
 }
 
-/// Such as "name", "-name" for what is off, "name>off" for what is to change, "-group(-a b)".
+/// Such as "name", "-name" for what is off, "name>off" for what is to change, "name?" for what is for another
+/// version, "-group(-a b)".
 std::string stateOf(OZTogglableItem& item, const std::string& name) {
     const bool isOn = item.currentEnabledState();
     std::string text = (isOn ? "" : "-") + name;
+    if (const auto* page = dynamic_cast<OZPreferenceBundle*>(&item)) {
+        text += page->isForCurrentiOSVersion() ? "" : "?";
+    }
     if (isOn != item.enabledState()) {
         text += isOn ? ">off" : ">on";
     }
@@ -60,9 +66,13 @@ void items(World& world, const Words& words) {
 /// "titles LIST": a line for each item, in the order of titles, with its package, icon and description.
 void titles(World& world, const Words& words) {
     for (const auto& item : togglableList(world, words.at(0)).itemsSortedByTitle()) {
+        auto* group = dynamic_cast<OZPreferenceBundleGroup*>(item.get());
         const auto* file = dynamic_cast<OZTogglablePkgFile*>(item.get());
+        const auto package = group != nullptr  ? group->package()
+                             : file != nullptr ? file->package()
+                                               : nullptr;
         world.say(item->title() + " (" + item->identifier() + ")" +
-                  (file != nullptr && file->package() ? " of " + file->package()->identifier() : "") +
+                  (package ? " of " + package->identifier() : "") +
                   (item->iconURL() ? ", icon " + *item->iconURL() : "") +
                   (item->itemDescription() ? ": " + *item->itemDescription() : ""));
     }

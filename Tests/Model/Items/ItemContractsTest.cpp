@@ -1,4 +1,4 @@
-// What callers of the items may rely on and no scenario of a device shows.
+// What callers of items and plug-ins may rely on and no scenario of a device shows.
 
 #include "Model/Apps/OZAppList.h"
 #include "Model/Items/Deletable/Dictionaries/OZDMDictionaryList.h"
@@ -8,6 +8,7 @@
 #include "Model/Items/Togglable/OZCSAddonList.h"
 #include "Model/Items/Togglable/OZPreferenceBundleGroup.h"
 #include "Model/Items/Togglable/OZTogglableFile.h"
+#include "Model/Plugins/OZPlugin.h"
 #include "Tests/Support/TemporaryDevice.h"
 
 #include <set>
@@ -46,6 +47,7 @@ TEST(Items, RefuseWhatMakesNoSense) {
     const OZAppList apps(device);
     EXPECT_THROW(OZPreferenceFileList(device, nullptr, [](auto) { return std::nullopt; }), AssertionFailure);
     EXPECT_THROW(OZPreferenceFileList(device, &apps, {}), AssertionFailure);
+    EXPECT_THROW(OZPlugin(device, "id", "", "/on", true), AssertionFailure);
     temporary.addFile("/Library/MobileSubstrate/DynamicLibraries/PreferenceLoader.disabled");
     EXPECT_THROW(OZCSAddonList(device).items(), platform::Exception);
 }

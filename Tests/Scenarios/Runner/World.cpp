@@ -4,6 +4,7 @@
 #include "Platform/Device/DeviceFacts.h"
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/Effects.h"
+#include "Tests/Support/DemoDevice.h"
 #include "Tests/Support/HostFile.h"
 #include "Tests/Support/Mounts.h"
 
@@ -40,6 +41,7 @@ World::World(Variables loops)
     : variables(std::move(loops))
     , _facts{{"TimeZone", "UTC"}, {"FoundationVersion", 1445.32}, {"Applications", platform::Array{}}} {
     folder.addNotingTool("/usr/bin/killall");
+    variables["DEVICE"] = folder.folder().string();
 }
 
 World::~World() {
@@ -121,6 +123,12 @@ void World::give(std::string_view line) {
         _facts[name] = valueOf(rest());
     } else if (kind == "no") {
         _facts.erase(rest());
+    } else if (kind == "demo") {
+        fs::remove_all(folder.folder() / "Tools");
+        tests::copyDemoDevice(folder.folder(), rest().empty() ? "11.1.2" : rest());
+        _facts = *platform::parsePropertyList(tests::contentOf(folder.folder() / "Device.plist"))
+                      .value()
+                      .as<Dictionary>();
     } else if (kind == "app") {
         giveApp(wordsOf(rest()));
     } else if (kind == "gone" || kind == "kept" || kind == "file") {
@@ -308,8 +316,7 @@ platform::Device& World::device() {
             throw std::runtime_error(opened.error());
         }
         _device = std::move(opened.value());
-        _device->warnings().setReceiver(
-            [this](const auto& line) { _output.push_back("& " + escaped(line)); });
+        _device->warnings().setReceiver([this](const auto& line) { sayWarning(line); });
     }
     return *_device;
 }
@@ -337,6 +344,10 @@ void World::say(std::string_view line) {
     _output.push_back(line.empty() ? "|" : "| " + std::string(line));
 }
 
+void World::sayWarning(std::string_view line) {
+    _output.push_back("& " + escaped(line));
+}
+
 void World::print(std::string_view lines) {
     for (const auto& line : linesOf(lines)) {
         say(escaped(line));
@@ -345,8 +356,11 @@ void World::print(std::string_view lines) {
 
 TreeSnapshot World::tree() const {
     TreeSnapshot tree = tests::snapshotOf((folder.folder() / "Root").string());
-    std::erase_if(tree,
-                  [](const auto& item) { return item.first == logFolder || isBelow(item.first, logFolder); });
+    std::erase_if(tree, [](const auto& item) {
+        std::string_view path = item.first;
+        path.remove_prefix(path.starts_with("private/") ? 8 : 0);
+        return path == logFolder || isBelow(path, logFolder);
+    });
     return tree;
 }
 

@@ -50,6 +50,7 @@ class World {
 
     /// A line of what an action says. `print` takes many, one text.
     void say(std::string_view line);
+    void sayWarning(std::string_view line);
     void print(std::string_view lines);
     Lines takeOutput() { return std::exchange(_output, {}); }
 
@@ -76,6 +77,8 @@ class World {
 
     Variables variables;
     TemporaryDevice folder;
+    /// What a verb keeps beside the program's own objects, such as a terminal that another program is at.
+    std::shared_ptr<void> companion;
     /// Settings of steps for runs.
     platform::Dictionary settings;
 

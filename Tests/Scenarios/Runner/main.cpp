@@ -261,7 +261,9 @@ void registerFile(const fs::path& file) {
 
 Verbs::Verbs(std::initializer_list<std::pair<const char*, Verb>> named) {
     for (const auto& [name, verb] : named) {
-        verbs()[name] = verb;
+        if (!verbs().emplace(name, verb).second) {
+            throw std::logic_error(std::string("two verbs: ") + name);
+        }
     }
 }
 
