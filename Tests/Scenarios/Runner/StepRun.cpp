@@ -80,8 +80,7 @@ struct Outcome {
 };
 
 /// The log names what goes, and the record counts what the log names, unless a line says something else.
-std::string wrongRecord(const Outcome& outcome, Mode mode, const std::set<std::string>& gone,
-                        const Lines& expected) {
+std::string wrongRecord(const Outcome& outcome, Mode mode, World& world, const Lines& expected) {
     const auto says = [&](std::string_view word) {
         return std::ranges::any_of(expected, [&](const auto& line) { return line.starts_with(word); });
     };
@@ -99,7 +98,9 @@ std::string wrongRecord(const Outcome& outcome, Mode mode, const std::set<std::s
         named.erase(std::ranges::unique(named).begin(), named.end());
         Lines wanted;
         for (const auto& [path, state] : outcome.before) {
-            if (says("whole") ? gone.contains(path) : isGone(gone, path)) {
+            const auto& gone = world.gone();
+            if ((says("whole") ? gone.contains(path) : isGone(gone, path)) &&
+                !world.unnamed().contains(path)) {
                 wanted.push_back(path);
             }
         }
@@ -152,8 +153,8 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
     std::error_code error;
     std::filesystem::create_directories(world.folder.hostPath("/var/mobile/Library"), error);
     OZCore& core = world.builder().core();
-    Outcome outcome{.before = world.tree()};
     world.takeEffects();
+    Outcome outcome{.before = world.lastTree()};
     {
         const tests::StandardOutput nowhere("/dev/null");
         core.choices().setTestMode(mode == Mode::test);
@@ -172,7 +173,8 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
     // Lines with marks tell where a run does something else than taking what is said to go.
     TreeSnapshot wanted = treeAfter(mode, outcome.before, world.gone());
     Lines effects = world.takeOutput();
-    std::ranges::copy(effectsOn(wanted, world.tree()), std::back_inserter(effects));
+    world.takeEffects();
+    std::ranges::copy(effectsOn(wanted, world.lastTree()), std::back_inserter(effects));
     for (const auto& line : outcome.asked) {
         effects.push_back("! " + line);
     }
@@ -187,7 +189,7 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
     if (!matches(marked, effects)) {
         wrong += "beside what goes:\n" + difference(marked, effects);
     }
-    wrong += wrongRecord(outcome, mode, world.gone(), expected);
+    wrong += wrongRecord(outcome, mode, world, expected);
     Lines body;
     for (const auto& line : linesOf(bodyOf(outcome.log))) {
         body.push_back(line.empty() ? "|" : "| " + escaped(line));
@@ -200,7 +202,6 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
     }
     world.gone().clear();
     world.settings.clear();
-    world.takeEffects();
     return wrong;
 }
 

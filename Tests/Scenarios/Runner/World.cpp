@@ -131,6 +131,16 @@ void World::give(std::string_view line) {
                       .as<Dictionary>();
     } else if (kind == "app") {
         giveApp(wordsOf(rest()));
+    } else if (kind == "takes") {
+        const size_t end = std::min(line.find_first_of(" :"), line.size());
+        std::string patterns(line.substr(end));
+        std::ranges::replace(patterns, ':', ' ');
+        for (size_t at = 0; (at = patterns.find("\\n", at)) != std::string::npos;) {
+            patterns.replace(at, 2, " ");
+        }
+        _rules.emplace_back(line.substr(0, end), patterns);
+    } else if (kind == "gone" && line.starts_with("by ")) {
+        giveGoneBy(wordsOf(rest()));
     } else if (kind == "gone" || kind == "kept" || kind == "file") {
         giveItems(line, kind == "gone");
     } else if (kind == "plist" || kind == "bplist") {

@@ -58,11 +58,15 @@ class World {
     /// lines with their marks: "- gone", "+ new", "~ changed", "@ moved -> there" and "! command line".
     Lines takeEffects();
     [[nodiscard]] tests::TreeSnapshot tree() const;
+    /// The tree as the last call of `takeEffects` has found it.
+    [[nodiscard]] const tests::TreeSnapshot& lastTree() const { return _before; }
     /// The command lines since the last call.
     Lines takeJournal();
     /// Device paths that a run is expected to take with all below them; each starts without a "/", as in a
     /// snapshot.
     std::set<std::string>& gone() { return _gone; }
+    /// Those of them that no log names.
+    [[nodiscard]] const std::set<std::string>& unnamed() const { return _unnamed; }
     /// Runs a command line of the host in the device folder, with the built programs within reach; its
     /// output, errors ("& ") and status ("= ") are said.
     void shell(const std::string& command);
@@ -88,6 +92,7 @@ class World {
     /// Takes all that is in a folder by now for gone.
     void markContent(const std::string& folderPath);
     void giveApp(const Words& words);
+    void giveGoneBy(const Words& steps);
     void giveBundle(const Words& words, bool isContainer);
     void givePackage(std::string_view rest);
     /// Runs a command line of the host in the device folder, with the built programs within reach.
@@ -100,6 +105,9 @@ class World {
     std::vector<std::pair<std::string, Words>> _each;
     std::vector<std::pair<std::string, std::string>> _exclusions;
     std::set<std::string> _gone;
+    std::set<std::string> _unnamed;
+    /// Patterns of what a step takes, as they stand.
+    std::vector<std::pair<std::string, std::string>> _rules;
     Lines _output;
     tests::TreeSnapshot _before;
     size_t _journalLines = 0;

@@ -200,7 +200,7 @@ class ScenarioTest : public testing::Test {
                     expected.push_back(expanded(line, world.variables));
                 }
             }
-            if (std::exchange(hasChanged, false)) {
+            if (std::exchange(hasChanged, false) && !text.starts_with("run ")) {
                 world.takeEffects();
             }
             if (text.starts_with("run ")) {
