@@ -51,12 +51,17 @@ bool isExpectation(std::string_view line) {
     return (!line.empty() && marks.contains(line[0])) || isExpectationOfRun(line);
 }
 
-/// What stands behind an arrow, parted by " | ": lines of output, or with other marks.
-Lines linesOfArrow(std::string text) {
+/// What stands behind an arrow, parted by " | ".
+Lines partsOfArrow(std::string text) {
     for (size_t at = 0; (at = text.find(" | ", at)) != std::string::npos;) {
         text.replace(at, 3, "\n");
     }
-    Lines lines = linesOf(text + "\n");
+    return linesOf(text);
+}
+
+/// The same as lines of output, or with other marks.
+Lines linesOfArrow(const std::string& text) {
+    Lines lines = partsOfArrow(text + "\n");
     for (auto& line : lines) {
         const bool hasMark = line.size() > 1 && marks.contains(line[0]) && line[1] == ' ';
         line = line.empty() ? "|" : hasMark ? line : "| " + line;
@@ -120,7 +125,7 @@ std::vector<Variables> passesOf(const Scenario& scenario) {
         } else if (text.starts_with("for ")) {
             Words words = wordsOf(expanded(text, texts));
             spread(words.at(1), {words.begin() + 3, words.end()});
-        } else if (text.starts_with("run ") && text.ends_with(" in all modes") &&
+        } else if (text.starts_with("run ") && (text + " => ").contains(" in all modes => ") &&
                    !passes[0].contains("mode")) {
             spread("mode", {"analysis", "test", "clean"});
         }
@@ -199,7 +204,14 @@ class ScenarioTest : public testing::Test {
                 world.takeEffects();
             }
             if (text.starts_with("run ")) {
-                std::string words = expanded(text.substr(4), world.variables);
+                const size_t arrow = std::min(text.find(" => "), text.size());
+                for (const auto& part : partsOfArrow(text.substr(std::min(arrow + 4, text.size())))) {
+                    std::string_view line = part;
+                    if (world.takeConditions(line)) {
+                        expected.push_back(expanded(line, world.variables));
+                    }
+                }
+                std::string words = expanded(text.substr(4, arrow - 4), world.variables);
                 if (words.ends_with(" in all modes")) {
                     words.replace(words.size() - 9, 9, world.variables["mode"]);
                 }
