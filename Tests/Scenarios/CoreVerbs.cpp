@@ -1,17 +1,13 @@
 // What scenarios can do with the engine: choices, primitives and runs that are no cleanup steps.
 
-#include "Model/Core/CleanupSteps.h"
 #include "Model/Core/CustomFileRecordStorage.h"
 #include "Model/Core/MessageDatabase.h"
 #include "Model/Core/OZAction.h"
-#include "Model/Core/OZCleanupLogger.h"
 #include "Model/Core/Removal/CustomFiles.h"
-#include "Model/Services/OZLocalizationManager.h"
-#include "Platform/Device/Bundle.h"
 #include "Platform/Device/HostOutput.h"
 #include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Support/Engine.h"
 #include "Tests/Support/HostFile.h"
-#include "Tests/Support/LogReader.h"
 #include "Tests/Support/StandardOutput.h"
 
 #include <algorithm>
@@ -26,104 +22,88 @@ namespace scenarios {
 
 namespace {
 
-CleanupRun& runOf(World& world) {
-    return world.builder().core().run();
+OZCore& coreOf(World& world) {
+    return world.builder().core();
 }
 
-template <OZAction action>
-void remove(World& world, const Words& /*words*/, Analyze analyze) {
-    world.builder().core().remove(action, analyze);
+Words rest(const Words& words, size_t count = 1) {
+    return {words.begin() + static_cast<std::ptrdiff_t>(std::min(count, words.size())), words.end()};
 }
 
-/// Each word is a path.
-template <void (CleanupRun::*primitive)(const CleanupRun::Paths&)>
-void perform(World& world, const Words& words, Analyze /*analyze*/) {
-    (runOf(world).*primitive)(words);
+void sayList(World& world, const auto& list) {
+    world.say(std::ranges::empty(list) ? "nothing" : escaped(fmt::format("{}", fmt::join(list, " "))));
 }
 
-/// Each word is a path below the top that a search has found.
-void quickDelFound(World& world, const Words& words, Analyze /*analyze*/) {
-    runOf(world).quickDel(runOf(world).tree().directEntries("/")->withNames(words));
-}
-
-/// The words are those of a search.
-void findAndDel(World& world, const Words& words, Analyze /*analyze*/) {
-    runOf(world).quickDel(runOf(world).find(words));
-}
-
-/// What follows a folder: patterns such as "start=log", and "files" where folders stay.
+/// Patterns of names such as "start=log", and words without a "=" as they are.
 struct Filter {
-    using Patterns = std::vector<std::string_view>;
-
     explicit Filter(const Words& words) {
-        for (const std::string_view word : words | std::views::drop(1)) {
+        for (const std::string_view word : words) {
             const size_t equals = std::min(word.find('='), word.size());
-            const auto kind = word.substr(0, equals);
-            onlyFiles = kind == "files" ? OnlyFiles::yes : onlyFiles;
-            patterns[kind].push_back(word.substr(std::min(equals + 1, word.size())));
+            patterns[word.substr(0, equals)].push_back(word.substr(std::min(equals + 1, word.size())));
         }
     }
-    std::optional<std::string_view> first(std::string_view kind) {
-        return patterns.contains(kind) ? std::optional(patterns[kind][0]) : std::nullopt;
+    bool has(std::string_view kind) { return patterns.contains(kind); }
+    template <class Text = std::string_view>
+    std::optional<Text> first(std::string_view kind) {
+        return has(kind) ? std::optional(Text(patterns[kind][0])) : std::nullopt;
     }
     NamePatterns all() { return {patterns["exact"], patterns["start"], patterns["middle"], patterns["end"]}; }
 
-    std::map<std::string_view, Patterns> patterns;
-    OnlyFiles onlyFiles = OnlyFiles::no;
+    std::map<std::string_view, std::vector<std::string_view>> patterns;
 };
 
-void delFolderContents(World& world, const Words& words, Analyze /*analyze*/) {
-    runOf(world).delFolderContents(words.at(0), Filter(words).onlyFiles);
+/// A primitive with its paths, or with a folder and what stands in a Filter; "files" where folders stay.
+void perform(World& world, const Words& words, Analyze /*analyze*/) {
+    auto& run = coreOf(world).run();
+    const std::string_view name = words[0];
+    const Words paths = rest(words);
+    const std::string& place = paths.at(0);
+    const Words conditions = rest(paths);
+    Filter filter(conditions);
+    const auto onlyFiles = filter.has("files") ? OnlyFiles::yes : OnlyFiles::no;
+    name == "del"                 ? run.del(paths)
+    : name == "delr"              ? run.delr(paths)
+    : name == "quickDel"          ? run.quickDel(paths)
+    : name == "quickDelLang"      ? run.quickDelLang(paths)
+    : name == "quickDelFound"     ? run.quickDel(run.tree().directEntries("/")->withNames(paths))
+    : name == "findAndDel"        ? run.quickDel(run.find(paths))
+    : name == "delFolderContents" ? run.delFolderContents(place, onlyFiles)
+    : name == "delEmptyDirs"      ? run.delEmptyDirs(place)
+    : name == "delExcept"         ? run.delFilesExcludingPatternsRecursive(place, filter.all())
+    : name == "delWithPatterns"   ? run.delWithPatterns(place, filter.all(), onlyFiles)
+                                  : run.delWithPattern(place, filter.first("start"), filter.first("middle"),
+                                                       filter.first("end"), onlyFiles);
 }
 
-void delWithPattern(World& world, const Words& words, Analyze /*analyze*/) {
-    Filter filter(words);
-    runOf(world).delWithPattern(words.at(0), filter.first("start"), filter.first("middle"),
-                                filter.first("end"), filter.onlyFiles);
-}
-
-void delWithPatterns(World& world, const Words& words, Analyze /*analyze*/) {
-    Filter filter(words);
-    runOf(world).delWithPatterns(words.at(0), filter.all(), filter.onlyFiles);
-}
-
-void delExcept(World& world, const Words& words, Analyze /*analyze*/) {
-    runOf(world).delFilesExcludingPatternsRecursive(words.at(0), Filter(words).all());
-}
-
-void delEmptyDirs(World& world, const Words& words, Analyze /*analyze*/) {
-    runOf(world).delEmptyDirs(words.at(0));
-}
-
-/// "DIRECTORY ACTION…": nothing where there is no such directory.
+/// "in DIRECTORY PRIMITIVE…": nothing where there is no such directory.
 void in(World& world, const Words& words, Analyze analyze) {
-    if (runOf(world).changeDir(words.at(0))) {
-        Actions::named(words.at(1))(world, {words.begin() + 2, words.end()}, analyze);
+    if (coreOf(world).run().changeDir(words.at(1))) {
+        perform(world, rest(words, 2), analyze);
     }
 }
 
-const Actions actions{{"remove3xImages", remove<OZAction::remove3xImages>},
-                      {"remove2xImages", remove<OZAction::remove2xImages>},
-                      {"remove1xImages", remove<OZAction::remove1xImages>},
-                      {"removeiPadImages", remove<OZAction::removeiPadImages>},
-                      {"remove4InchImages", remove<OZAction::remove4InchImages>},
-                      {"removeiTunesArtwork", remove<OZAction::removeiTunesArtwork>},
-                      {"removeNothing", remove<OZAction::clean>},
-                      {"removeLanguages", remove<OZAction::removeLanguages>},
-                      {"removeKeyboards", remove<OZAction::removeKeyboards>},
-                      {"removeVoiceControlLanguages", remove<OZAction::removeVoiceControlLanguages>},
-                      {"del", perform<&CleanupRun::del>},
-                      {"delr", perform<&CleanupRun::delr>},
-                      {"quickDel", perform<&CleanupRun::quickDel>},
-                      {"quickDelFound", quickDelFound},
-                      {"findAndDel", findAndDel},
-                      {"delFolderContents", delFolderContents},
-                      {"delWithPattern", delWithPattern},
-                      {"delWithPatterns", delWithPatterns},
-                      {"delExcept", delExcept},
-                      {"delEmptyDirs", delEmptyDirs},
-                      {"in", in},
-                      {"quickDelLang", perform<&CleanupRun::quickDelLang>}};
+/// A removal, by its number.
+void remove(World& world, const Words& words, Analyze analyze) {
+    constexpr std::string_view names[] = {
+        "", "nothing", "3xImages",  "2xImages",  "1xImages", "iPadImages", "4InchImages", "iTunesArtwork",
+        "", "",        "languages", "keyboards", "voices"};
+    const auto* name = std::ranges::find(names, words.at(1));
+    coreOf(world).remove(static_cast<OZAction>(name - std::begin(names)), analyze);
+}
+
+const Actions actions{{"in", in},
+                      {"del", perform},
+                      {"delr", perform},
+                      {"remove", remove},
+                      {"quickDel", perform},
+                      {"delExcept", perform},
+                      {"findAndDel", perform},
+                      {"delEmptyDirs", perform},
+                      {"quickDelLang", perform},
+                      {"quickDelFound", perform},
+                      {"delWithPattern", perform},
+                      {"delWithPatterns", perform},
+                      {"delFolderContents", perform}};
 
 platform::Dictionary stepsNamed(const Words& words) {
     platform::Dictionary settings;
@@ -133,20 +113,19 @@ platform::Dictionary stepsNamed(const Words& words) {
     return settings;
 }
 
-/// What a cleanup by these steps shows on a terminal.
+/// What a cleanup by these steps shows on a terminal, in one line without colours and dashes.
 void shown(World& world, const Words& words) {
-    OZCore& core = world.builder().core();
     const auto file = world.folder.folder() / ".shown";
     const auto settings = stepsNamed(words);
-    core.setCommandLineOutputEnabled(true);
+    coreOf(world).setCommandLineOutputEnabled(true);
     {
         const tests::StandardOutput output(file);
-        core.clean(&settings, Analyze::no);
+        coreOf(world).clean(&settings, Analyze::no);
     }
-    core.setCommandLineOutputEnabled(false);
-    for (const auto& line : linesOf(tests::contentOf(file))) {
-        line.empty() ? void() : world.print(line);
-    }
+    coreOf(world).setCommandLineOutputEnabled(false);
+    auto lines = linesOf(tests::contentOf(file));
+    std::erase_if(lines, [](const auto& line) { return line.empty() || line.contains("----"); });
+    sayList(world, lines);
 }
 
 /// A cleanup by these steps on the same tree without any tools.
@@ -156,74 +135,69 @@ void withoutTools(World& world, const Words& words) {
     OZModelBuilder builder(bare);
     const auto settings = stepsNamed(words);
     builder.core().clean(&settings, Analyze::no);
-    world.print(
+    world.say(
         fmt::format("{} steps, {} items", builder.core().cleanupStepCount(), builder.core().fileCount()));
     world.print(world.folder.contents(OZCleanupLogger::logFilePath));
-}
-
-/// The lines in order and in one, or "nothing".
-void sayAll(World& world, Lines lines) {
-    std::ranges::sort(lines);
-    world.say(lines.empty() ? "nothing" : escaped(fmt::format("{}", fmt::join(lines, " "))));
 }
 
 /// What a record of the user's files takes: "PATH file|whole|content|files|unknown [deep] [start=…]
 /// [middle=…] [end=…]". All of it is put back.
 void custom(World& world, const Words& words) {
     using enum OZCustomFolderSetting;
-    const std::map<std::string, OZCustomFolderSetting> settings{
-        {"whole", whole}, {"content", filesAndSubfolders}, {"files", onlyFiles}, {"unknown", unknown}};
-    CustomFileRecord record{.filePath = words.at(0), .fileType = CustomFileRecord::directoryType};
-    if (words.at(1) == "file") {
-        record.fileType = CustomFileRecord::regularType;
-    } else {
-        record.customFolderSetting = settings.at(words[1]);
-    }
-    for (const auto& word : words | std::views::drop(2)) {
-        const std::string value = word.substr(word.find('=') + 1);
-        (word == "deep"              ? void(record.recursive = true)
-         : word.starts_with("start") ? void(record.startPattern = value)
-         : word.starts_with("end")   ? void(record.endPattern = value)
-                                     : void(record.middlePattern = value));
+    constexpr std::pair<const char*, OZCustomFolderSetting> settings[] = {
+        {"content", filesAndSubfolders}, {"files", onlyFiles}, {"unknown", unknown}};
+    Filter filter(words);
+    CustomFileRecord record{.filePath = words[0],
+                            .fileType = filter.has("file") ? CustomFileRecord::regularType
+                                                           : CustomFileRecord::directoryType,
+                            .recursive = filter.has("deep"),
+                            .startPattern = filter.first<std::string>("start"),
+                            .middlePattern = filter.first<std::string>("middle"),
+                            .endPattern = filter.first<std::string>("end")};
+    for (const auto& [name, setting] : settings) {
+        record.customFolderSetting = filter.has(name) ? setting : record.customFolderSetting;
     }
     world.shell("rm -rf saved; cp -a Root saved");
     world.takeEffects();
-    cleanCustomFile(runOf(world), record);
-    Lines gone;
-    for (const auto& line : world.takeEffects()) {
-        gone.push_back(line.starts_with("- ") ? line.substr(2) : line);
+    cleanCustomFile(coreOf(world).run(), record);
+    Lines gone = world.takeEffects();
+    for (auto& line : gone) {
+        line.erase(0, line.starts_with("- ") ? 2 : 0);
     }
     world.shell("cp -a saved/. Root");
     world.takeEffects();
-    sayAll(world, gone);
+    sayList(world, gone);
 }
 
+/// What a search gives.
 void find(World& world, const Words& words) {
-    Lines paths;
-    const auto found = runOf(world).find(words);
-    for (const auto& name : found.names) {
-        paths.push_back(found.prefix + name);
-    }
-    sayAll(world, paths);
+    sayList(world, coreOf(world).run().find(words).names);
 }
 
 /// What the engine tells of its last run.
 void state(World& world, const Words& /*words*/) {
-    const OZCore& core = world.builder().core();
+    const OZCore& core = coreOf(world);
     world.say(fmt::format("{} items, {}, {}", core.fileCount(), core.freedSpaceString().value_or("no size"),
                           core.isRunning() ? "running" : "idle"));
 }
 
-void reset(World& world, const Words& /*words*/) {
-    world.builder().core().resetState();
+void reset(World& world, const Words& words) {
+    coreOf(world).resetState();
+    state(world, words);
 }
 
-void sayText(World& world, std::string_view text) {
-    text.empty() ? world.say("nothing") : world.print(text);
+void restoreBackups(World& world, const Words& words) {
+    coreOf(world).backup(BackupAction::restore);
+    state(world, words);
 }
 
-/// Writes texts to the log, which is opened for direct or gathered writing, or not at all, and shows it
-/// before it is closed and after.
+void removeBackups(World& world, const Words& words) {
+    coreOf(world).backup(BackupAction::remove);
+    state(world, words);
+}
+
+/// Writes texts to a log that is opened for direct or gathered writing, or not at all, and shows it before it
+/// is closed and after.
 void log(World& world, const Words& words) {
     OZCleanupLogger logger(world.device());
     if (words.at(0) != "closed") {
@@ -231,70 +205,56 @@ void log(World& world, const Words& words) {
         logger.openLogFileForWriting(words[0] == "direct" ? platform::FileWriting::direct
                                                           : platform::FileWriting::gathered);
     }
-    for (const auto& text : words | std::views::drop(1)) {
-        logger.log(text);
-    }
-    sayText(world, world.folder.contents(OZCleanupLogger::logFilePath));
+    std::ranges::for_each(rest(words), [&](const auto& text) { logger.log(text); });
+    sayList(world, linesOf(world.folder.contents(OZCleanupLogger::logFilePath)));
     logger.closeLogFile();
-    sayText(world, world.folder.contents(OZCleanupLogger::logFilePath));
+    sayList(world, linesOf(world.folder.contents(OZCleanupLogger::logFilePath)));
 }
 
 /// Has the logs of the runs go to a file of the host, too.
 void hostLog(World& world, const Words& words) {
-    world.builder().core().cleanupLogger()->setHostOutput(
-        platform::HostOutput::open(world.folder.folder() / words.at(0),
-                                   world.device().fileManager().rootDescriptor())
-            .value());
-}
-
-template <BackupAction action>
-void backup(World& world, const Words& words) {
-    world.builder().core().backup(action);
-    state(world, words);
+    const int root = world.device().fileManager().rootDescriptor();
+    auto output = platform::HostOutput::open(world.folder.folder() / words.at(0), root);
+    coreOf(world).cleanupLogger()->setHostOutput(std::move(output.value()));
 }
 
 /// An engine with the languages of "Resources" in the device folder, or with the program's, does one thing
-/// after the other: table=TEXT, use=NAME, choose=NAME,NAME, "inUse=NAME NAME", list, forms, codes, analysis,
-/// test, clean, restore.
+/// after the other: table=TEXT, use=NAME, choose=NAME,NAME, "inUse=NAME NAME", list, own, forms, codes,
+/// analysis, test, clean, restore.
 void chosen(World& world, const Words& words) {
     const auto resources = world.folder.folder() / "Resources";
     const platform::Bundle bundle(std::filesystem::exists(resources) ? resources
                                                                      : platform::Bundle().directory());
-    auto& device = world.device();
-    OZLocalizationManager manager(device, device.standardUserDefaults(), bundle);
-    OZCore core(device, world.builder().appList(), manager);
-    core.setCleanupLogger(world.builder().cleanupLogger());
-    const auto list = [&](const Lines& names) {
-        world.say(names.empty() ? "nothing" : fmt::format("{}", fmt::join(names, " ")));
-    };
+    tests::Engine engine(world.device(), bundle);
+    auto& choices = engine.core.choices();
     for (const auto& word : words) {
-        const std::string value = word.substr(word.find('=') + 1);
-        if (word.starts_with("table=")) {
+        const size_t equals = std::min(word.find('='), word.size());
+        const auto kind = word.substr(0, equals);
+        const auto value = word.substr(std::min(equals + 1, word.size()));
+        if (kind == "table") {
             std::ofstream(resources / "lang") << value;
-        } else if (word.starts_with("use=")) {
-            manager.setUserLanguage(value);
-        } else if (word.starts_with("choose=")) {
+        } else if (kind == "use") {
+            engine.languages.setUserLanguage(value);
+        } else if (kind == "choose") {
+            choices.removeAllLanguagesToRemove();
             auto names = std::views::split(value, ',');
-            core.choices().removeAllLanguagesToRemove();
-            for (const auto name : names) {
-                core.choices().addLanguageToRemove(std::string_view(name));
-            }
-        } else if (word.starts_with("inUse=")) {
+            std::ranges::for_each(names,
+                                  [&](auto name) { choices.addLanguageToRemove(std::string_view(name)); });
+        } else if (kind == "inUse") {
             const Words names = wordsOf(value);
-            core.choices().removeLanguagesInUse(names);
-            list({core.choices().languagesToRemove().begin(), core.choices().languagesToRemove().end()});
-        } else if (word == "list") {
-            list(core.choices().removableLanguages());
-        } else if (word == "own") {
-            list(manager.languageNames());
-        } else if (word == "forms" || word == "codes") {
-            list(core.choices().languageRegexComponentsShort(word == "codes"));
+            choices.removeLanguagesInUse(names);
+            sayList(world, choices.languagesToRemove());
+        } else if (kind == "list" || kind == "own") {
+            sayList(world, kind == "own" ? engine.languages.languageNames() : choices.removableLanguages());
+        } else if (kind == "forms" || kind == "codes") {
+            sayList(world, choices.languageRegexComponentsShort(kind == "codes"));
+        } else if (kind == "restore") {
+            engine.core.backup(BackupAction::restore);
+            world.say(fmt::format("{} items", engine.core.fileCount()));
         } else {
-            core.choices().setTestMode(word == "test");
-            word == "restore"
-                ? core.backup(BackupAction::restore)
-                : core.remove(OZAction::removeLanguages, word == "analysis" ? Analyze::yes : Analyze::no);
-            world.say(fmt::format("{} items", core.fileCount()));
+            choices.setTestMode(kind == "test");
+            engine.core.remove(OZAction::removeLanguages, kind == "analysis" ? Analyze::yes : Analyze::no);
+            world.say(fmt::format("{} items", engine.core.fileCount()));
         }
     }
 }
@@ -307,7 +267,7 @@ void attachments(World& world, const Words& words) {
 
 /// All choices as they are.
 void choices(World& world, const Words& /*words*/) {
-    const auto& choices = world.builder().core().choices();
+    const auto& choices = coreOf(world).choices();
     std::string on = "on:";
     for (const auto key : choices.enabledCleanupStepKeys()) {
         on += fmt::format(" {}={}", key, textOf(choices.cleanupSettings().find(key)->second));
@@ -322,7 +282,7 @@ void choices(World& world, const Words& /*words*/) {
 
 /// Chooses these file types.
 void types(World& world, const Words& words) {
-    auto& choices = world.builder().core().choices();
+    auto& choices = coreOf(world).choices();
     const bool isRefused = choices.setFileTypesExcludingIllegal(words);
     world.say(fmt::format("{}{}", fmt::join(choices.fileTypes(), " "), isRefused ? ", some refused" : ""));
 }
@@ -330,46 +290,41 @@ void types(World& world, const Words& words) {
 /// Edits the list of the user's files: add PATH, insert PATH INDEX, remove INDEX, copy FROM TO, lose INDEX
 /// (puts an incomplete record there).
 void records(World& world, const Words& words) {
-    auto& choices = world.builder().core().choices();
+    auto& choices = coreOf(world).choices();
     const auto number = [&](size_t place) { return std::stoul(words.at(place)); };
-    const std::string& kind = words.at(0);
-    const auto record = [](const std::string& path) {
-        return CustomFileRecord{.filePath = path, .fileType = CustomFileRecord::regularType};
-    };
-    kind == "add"      ? choices.addCustomFile(record(words.at(1)))
-    : kind == "insert" ? choices.insertCustomFile(record(words.at(1)), number(2))
+    const CustomFileRecord record{.filePath = words.at(1), .fileType = CustomFileRecord::regularType};
+    const std::string& kind = words[0];
+    kind == "add"      ? choices.addCustomFile(record)
+    : kind == "insert" ? choices.insertCustomFile(record, number(2))
     : kind == "remove" ? choices.removeCustomFile(number(1))
     : kind == "copy"   ? choices.replaceCustomFile(number(2), choices.customFiles().at(number(1)))
                        : choices.replaceCustomFile(number(1), {.filePath = "/incomplete"});
-    Lines paths;
-    for (const auto& known : choices.customFiles()) {
-        paths.push_back(*known.filePath);
-    }
-    world.say(fmt::format("{}", fmt::join(paths, " ")));
+    sayList(world,
+            choices.customFiles() | std::views::transform([](const auto& file) { return *file.filePath; }));
 }
 
 /// The front ends' language becomes another one.
 void speak(World& world, const Words& words) {
-    world.builder().core();
+    coreOf(world);
     world.builder().localizationManager().setUserLanguage(words.at(0));
 }
 
-const Verbs verbs{{"shown", shown},
-                  {"withoutTools", withoutTools},
-                  {"custom", custom},
+const Verbs verbs{{"log", log},
                   {"find", find},
-                  {"choices", choices},
-                  {"attachments", attachments},
-                  {"types", types},
-                  {"records", records},
+                  {"reset", reset},
+                  {"shown", shown},
                   {"speak", speak},
                   {"state", state},
-                  {"reset", reset},
-                  {"log", log},
+                  {"types", types},
+                  {"chosen", chosen},
+                  {"custom", custom},
+                  {"choices", choices},
                   {"hostLog", hostLog},
-                  {"restoreBackups", backup<BackupAction::restore>},
-                  {"removeBackups", backup<BackupAction::remove>},
-                  {"chosen", chosen}};
+                  {"records", records},
+                  {"attachments", attachments},
+                  {"withoutTools", withoutTools},
+                  {"removeBackups", removeBackups},
+                  {"restoreBackups", restoreBackups}};
 
 } // namespace
 

@@ -265,15 +265,19 @@ void wait(World& world, const Words& words) {
     world.say(fmt::format("{} {}", fmt::join(seconds, " "), withNamedEscapes(tests::contentOf(file))));
 }
 
-/// "ozvarine arguments": its status and, with their marks, the lines that it prints, as one line.
+/// "ozvarine arguments": its status and the lines that it prints; an error stands behind the line before it.
 void ozvarine(World& world, const Words& words) {
     world.shell(fmt::format("ozvarine {}", fmt::join(words, " ")));
     Lines lines = world.takeOutput();
     const bool failed = !lines.empty() && lines.back().starts_with("= ");
     const std::string status = failed ? lines.back().substr(2) : "0";
     lines.resize(lines.size() - (failed ? 1 : 0));
-    lines.insert(lines.begin(), status);
-    world.say(fmt::to_string(fmt::join(lines, " ")));
+    Lines said = {status};
+    for (const auto& line : lines) {
+        line.starts_with('&') ? void(said.back() += " " + line)
+                              : said.push_back(line.substr(std::min<size_t>(2, line.size())));
+    }
+    std::ranges::for_each(said, [&](const auto& line) { world.say(line); });
 }
 
 const Verbs verbs{{"terminal", openTerminal}, {"menu", openMenu}, {"enter", enter},      {"go", go},

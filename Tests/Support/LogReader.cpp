@@ -4,6 +4,9 @@
 #include <deque>
 #include <optional>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 namespace tests {
 
 namespace {
@@ -11,60 +14,43 @@ namespace {
 constexpr std::string_view directoryMark = "##\nIn dir: ";
 constexpr int mostLinks = 40;
 
-std::string joined(const std::vector<std::string>& names) {
-    std::string path;
-    for (const auto& name : names) {
-        path += (path.empty() ? "" : "/") + name;
-    }
-    return path;
-}
+using Components = std::deque<std::string>;
 
-void pushFront(std::deque<std::string>& components, std::string_view path) {
-    std::vector<std::string> names;
-    while (!path.empty()) {
-        const size_t end = std::min(path.find('/'), path.size());
-        if (end > 0) {
-            names.emplace_back(path.substr(0, end));
+void pushFront(Components& components, std::string_view path) {
+    Components names;
+    for (size_t end = 0; !path.empty(); path.remove_prefix(std::min(end + 1, path.size()))) {
+        end = std::min(path.find('/'), path.size());
+        if (const auto name = path.substr(0, end); !name.empty() && name != ".") {
+            names.emplace_back(name);
         }
-        path.remove_prefix(std::min(end + 1, path.size()));
     }
     components.insert(components.begin(), names.begin(), names.end());
 }
 
 // Follows the links before the last component, as the tree had them.
 std::optional<std::string> resolve(const TreeSnapshot& tree, std::string_view path) {
-    std::deque<std::string> components;
+    Components components;
     pushFront(components, path);
-    std::vector<std::string> reached;
-    for (int links = 0; !components.empty();) {
-        const std::string name = std::move(components.front());
+    Components reached;
+    for (int links = 0; !components.empty() && links <= mostLinks;) {
+        reached.push_back(std::move(components.front()));
         components.pop_front();
-        if (name == "..") {
-            if (!reached.empty()) {
-                reached.pop_back();
-            }
+        if (reached.back() == "..") {
+            reached.resize(std::max<size_t>(reached.size(), 2) - 2);
             continue;
         }
-        if (name == ".") {
-            continue;
-        }
-        reached.push_back(name);
-        const auto item = tree.find(joined(reached));
+        const auto item = tree.find(fmt::format("{}", fmt::join(reached, "/")));
         if (item == tree.end()) {
             return std::nullopt;
         }
         if (item->second.isLink() && !components.empty()) {
-            if (++links > mostLinks) {
-                return std::nullopt;
-            }
-            reached.pop_back();
-            if (item->second.content.starts_with('/')) {
-                reached.clear();
-            }
+            ++links;
+            reached.resize(item->second.content.starts_with('/') ? 0 : reached.size() - 1);
             pushFront(components, item->second.content);
         }
     }
-    return reached.empty() ? std::nullopt : std::optional(joined(reached));
+    return reached.empty() || !components.empty() ? std::nullopt
+                                                  : std::optional(fmt::format("{}", fmt::join(reached, "/")));
 }
 
 } // namespace
@@ -80,8 +66,8 @@ std::vector<std::string> itemsNamedByLog(std::string_view log, const TreeSnapsho
         if (entry.starts_with(directoryMark)) {
             entry.remove_prefix(directoryMark.size());
             directory = std::string(entry.substr(0, entry.rfind("\n##"))) + "/";
-        } else if (auto item = resolve(tree, entry.starts_with('/') ? std::string(entry)
-                                                                    : directory + std::string(entry))) {
+        } else if (auto item =
+                       resolve(tree, (entry.starts_with('/') ? "" : directory) + std::string(entry))) {
             items.push_back(std::move(*item));
         }
     }

@@ -38,7 +38,7 @@ auto CleanupRun::whereFound(Work work) {
 }
 
 void CleanupRun::del(const Paths& paths) {
-    forEachItem(paths, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+    forEachItem(paths, whereFound([&](const Item& item, std::string_view path) { delItem(item, path); }));
 }
 
 void CleanupRun::del(const FoundPaths& found) {
@@ -47,7 +47,7 @@ void CleanupRun::del(const FoundPaths& found) {
         countLooks(looks, [](const ItemLook& look) { return look.type == FileType::regular; });
         return;
     }
-    forEachItem(found, whereFound([&](const Item& item, auto path) { delItem(item, path); }));
+    forEachItem(found, whereFound([&](const Item& item, std::string_view path) { delItem(item, path); }));
 }
 
 void CleanupRun::delr(const Paths& paths) {
@@ -63,7 +63,7 @@ void CleanupRun::delr(const FoundPaths& found) {
 template <class List>
 void CleanupRun::delrEach(const List& list) {
     SizeSum sizes(_device.backgroundQueue());
-    forEachItem(list, whereFound([&](const Item& item, auto path) {
+    forEachItem(list, whereFound([&](const Item& item, std::string_view path) {
                     delrItem(item, path, sizes);
                     if (_mode == OZCoreMode::test) {
                         std::ignore = sizes.total();
@@ -76,14 +76,16 @@ void CleanupRun::delrEach(const List& list) {
 void CleanupRun::delrEntries(const FoundPaths& entries) {
     platform::BackgroundWork removals(_device.backgroundQueue());
     SizeSum sizes(_device.backgroundQueue());
-    forEachItem(entries,
-                whereFound([&](const Item& item, auto path) { delrItem(item, path, sizes, &removals); }));
+    forEachItem(entries, whereFound([&](const Item& item, std::string_view path) {
+                    delrItem(item, path, sizes, &removals);
+                }));
     addSize(sizes.total());
     removals.finish();
 }
 
 void CleanupRun::quickDel(const Paths& paths) {
-    forEachItem(paths, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(paths,
+                whereFound([&](const Item& item, std::string_view path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDel(const FoundPaths& found) {
@@ -92,7 +94,8 @@ void CleanupRun::quickDel(const FoundPaths& found) {
         countLooks(looks);
         return;
     }
-    forEachItem(found, whereFound([&](const Item& item, auto path) { quickDelItem(item, path); }));
+    forEachItem(found,
+                whereFound([&](const Item& item, std::string_view path) { quickDelItem(item, path); }));
 }
 
 void CleanupRun::quickDelFound(const std::vector<std::string>& arguments) {
@@ -123,18 +126,18 @@ void CleanupRun::countLooks(ItemLooks& looks, const std::function<bool(const Ite
 }
 
 void CleanupRun::quickDelLang(const Paths& paths) {
-    forEachItem(paths, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+    forEachItem(paths, [&](const auto& item, std::string_view path) { quickDelLangItem(item, path); });
 }
 
 void CleanupRun::quickDelLang(const FoundPaths& found) {
-    forEachItem(found, [&](const auto& item, auto path) { quickDelLangItem(item, path); });
+    forEachItem(found, [&](const auto& item, std::string_view path) { quickDelLangItem(item, path); });
 }
 
 void CleanupRun::removeLinks(const FoundPaths& links) {
     if (_mode != OZCoreMode::clean) {
         return;
     }
-    forEachItem(links, whereFound([&](const Item& item, auto path) {
+    forEachItem(links, whereFound([&](const Item& item, std::string_view path) {
                     const auto attributes = item.attributes();
                     if (attributes && attributes->type == FileType::symbolicLink) {
                         std::ignore = removeItem(item, path, StayedItem::uncounted);

@@ -161,7 +161,7 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
         core.clean(&world.settings, analyze);
         if (action != nullptr) {
             core.cleanupLogger()->deleteLogFile();
-            action(world, {steps.begin() + 1, steps.end()}, analyze);
+            action(world, steps, analyze);
         }
     }
     outcome.log = world.folder.contents(OZCleanupLogger::logFilePath);

@@ -124,7 +124,8 @@ class Verbs {
     static Verb named(std::string_view name);
 };
 
-/// A run of the engine that is no cleanup: "run NAME words", with counters and a log that begin anew.
+/// A run of the engine that is no cleanup, with counters and a log that begin anew. The words after "run" are
+/// its own, its name the first of them.
 using Action = void (*)(World& world, const Words& words, Analyze analyze);
 class Actions {
   public:

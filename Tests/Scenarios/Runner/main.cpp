@@ -3,7 +3,6 @@
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Mounts.h"
-#include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -13,6 +12,7 @@
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
 namespace scenarios {
@@ -321,8 +321,12 @@ Verb Verbs::named(std::string_view name) {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    // Devices are many and small, and dpkg has each of its files put on the disk.
-    ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
+    // Devices are many and small, and dpkg has each of its files put on the disk. They lie in a memory of
+    // their own, which ends with this process, and ends a copy of a hole of a terabyte before it fills the
+    // host's.
+    if (tests::hasOwnMounts() && ::mount("tmpfs", "/dev/shm", "tmpfs", 0, "size=1g") == 0) {
+        ::setenv("TMPDIR", "/dev/shm", 1);
+    }
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(OZ_SCENARIOS)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
