@@ -68,12 +68,6 @@ Outcome runProgram(const std::string& name, const std::vector<std::string>& argu
     return run(std::string(OZ_BINARY_DIRECTORY) + "/" + name, name, arguments, environment);
 }
 
-std::string copyOfProgram(const std::string& folder) {
-    return "mkdir -p " + folder +
-           "/bin && cp -r " OZ_BINARY_DIRECTORY "/../libexec " OZ_BINARY_DIRECTORY "/../share " + folder +
-           " && cp " OZ_BINARY_DIRECTORY "/ozvarine " + folder + "/bin && chmod -R a+rX " + folder;
-}
-
 Outcome shell(const std::string& commandLine) {
     return run("/bin/sh", "sh", {"-c", "exec 2>&1; " + commandLine}, {});
 }

@@ -19,9 +19,6 @@ struct Outcome {
 /// place of the caller's device.
 Outcome runProgram(const std::string& name, const std::vector<std::string>& arguments,
                    const std::vector<std::string>& environment = {});
-/// A command line that copies the program with all that belongs to it into a folder of the host, and makes it
-/// readable for everybody; the executable is its "bin/ozvarine".
-std::string copyOfProgram(const std::string& folder);
 /// Runs a command line in the host's shell; the output holds both streams.
 Outcome shell(const std::string& commandLine);
 

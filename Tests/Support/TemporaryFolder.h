@@ -22,8 +22,7 @@ class TemporaryFolder {
     }
 
     /// Makes one item a line, with the folders on the way: "a/folder/", "a/file: content", "a/link ->
-    /// target", "a/name == file that is there" (another name of it), "a/pipe |". Space around a line does not
-    /// count.
+    /// target", "a/pipe |". Space around a line does not count.
     void make(std::string_view lines) const;
     [[nodiscard]] bool exists(std::string_view relative) const;
     [[nodiscard]] std::string content(std::string_view relative) const;

@@ -17,12 +17,6 @@ namespace tests {
 
 namespace {
 
-void require(bool done, const std::string& what) {
-    if (!done) {
-        throw std::system_error(errno, std::generic_category(), what);
-    }
-}
-
 // Only what is data is read: a hole may be larger than the disk.
 std::string hashOfFile(int folder, const char* name) {
     const int file = ::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
@@ -92,6 +86,12 @@ void walk(int folder, const std::string& prefix, TreeSnapshot& snapshot) {
 }
 
 } // namespace
+
+void require(bool done, const std::string& what) {
+    if (!done) {
+        throw std::system_error(errno, std::generic_category(), what);
+    }
+}
 
 bool ItemState::operator==(const ItemState& other) const {
     const bool sameKind = mode == other.mode && owner == other.owner && group == other.group;

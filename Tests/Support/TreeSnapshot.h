@@ -9,6 +9,9 @@
 
 namespace tests {
 
+/// Throws the system's error for what was to be done.
+void require(bool done, const std::string& what);
+
 /// What can be told of an item of the host without its path, access time aside.
 struct ItemState {
     mode_t mode = 0;
