@@ -36,7 +36,7 @@ class FileManagerFixture : public testing::TestWithParam<platform::PathResolutio
         EXPECT_EQ(host.content("outside/canary") + host.content("outside/folder/canary"), "alivealive");
     }
 
-    TemporaryFolder host;
+    TemporaryFolder host{memoryFolder()};
     TemporaryFolder root{host.path()};
     platform::Result<platform::FileManager> files = platform::FileManager::atRoot(root.path(), GetParam());
 };

@@ -1,29 +1,16 @@
-// What scenarios can do with paths, files and formats.
+// What scenarios can do with property lists, facts, tools and stored choices.
 
 #include "Platform/Device/HostOutput.h"
 #include "Platform/Formats/PropertyList.h"
 #include "Platform/Formats/StringsFile.h"
 #include "Tests/Platform/PropertyListTexts.h"
-#include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/HostFile.h"
+#include "Tests/Scenarios/Answers.h"
 
-#include <algorithm>
 #include <array>
-#include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <functional>
 #include <ranges>
-#include <set>
-#include <stdexcept>
 
 #include <fcntl.h>
-#include <fmt/format.h>
-#include <grp.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <sys/xattr.h>
-#include <unistd.h>
 
 namespace scenarios {
 
@@ -43,271 +30,12 @@ void reopen(World& world, const Words& /*words*/) {
     world.reopen();
 }
 
-/// Says the subjects' answers, or one for all where they agree. "ok" goes without saying.
-void sayAnswers(World& world, const Words& subjects,
-                const std::function<std::string(const std::string&)>& ask) {
-    Words answers;
-    std::ranges::transform(subjects, std::back_inserter(answers), ask);
-    if (std::ranges::adjacent_find(answers, std::not_equal_to()) != answers.end()) {
-        world.say(fmt::format("{}", fmt::join(answers, ", ")));
-    } else if (answers.at(0) != "ok") {
-        world.say(answers[0]);
-    }
-}
-
-const char* nameOf(FileType type) {
-    return type == FileType::regular        ? "file"
-           : type == FileType::directory    ? "folder"
-           : type == FileType::symbolicLink ? "link"
-           : type == FileType::fifo         ? "pipe"
-                                            : "unknown";
-}
-
-std::string textOf(const FileAttributes& attributes) {
-    return fmt::format("{} {:o} {}:{}", nameOf(attributes.type), attributes.permissions, attributes.owner,
-                       attributes.group);
-}
-
-std::string textOf(Words names) {
-    std::ranges::sort(names);
-    return fmt::format("{}", fmt::join(names, " "));
-}
-
-std::string textOf(const FileSystemAttributes& attributes) {
-    return attributes.size > 0 ? "some" : "none";
-}
-
-std::string textOf(const std::string& text) {
-    return text;
-}
-
-/// A value, "ok", or an error's name.
-template <class T>
-std::string answerOf(const Result<T>& result) {
-    if (!result) {
-        return strerrorname_np(result.error().value());
-    }
-    if constexpr (requires { textOf(*result); }) {
-        return textOf(*result);
-    }
-    return "ok";
-}
-
-/// What a walk gives, sorted, each with a mark of its type; "!" stands before what comes twice, before its
-/// folder or with two types, "?" behind what has no attributes.
-std::string answerOf(const std::unique_ptr<DirectoryEnumerator>& walk, const std::string& skipped = "") {
-    if (!walk) {
-        return "no walk";
-    }
-    const Words skippedNames = wordsOf(skipped);
-    std::set<std::string> seen = {""};
-    Words names;
-    while (const auto entry = walk->nextObject()) {
-        const std::string path(*entry);
-        const FileType type = walk->fileType();
-        const auto attributes = walk->fileAttributes();
-        const bool isRight = seen.contains(path.substr(0, path.rfind('/') + 1)) &&
-                             seen.insert(path + "/").second && (!attributes || attributes->type == type);
-        const char* mark = type == FileType::directory      ? "/"
-                           : type == FileType::symbolicLink ? "@"
-                           : type == FileType::fifo         ? "|"
-                                                            : "";
-        names.push_back((isRight ? "" : "!") + path + mark + (attributes ? "" : "?"));
-        if (std::ranges::find(skippedNames, path) != skippedNames.end()) {
-            walk->skipDescendants();
-        }
-    }
-    const bool isOver = answerOf(walk->fileAttributes()) == "ENOENT" && !walk->nextObject();
-    return textOf(names) + (isOver ? "" : "!");
-}
-
-std::string existence(FileManager& files, const std::string& path) {
-    bool isFolder = false;
-    bool isFolderToo = true;
-    const bool exists = files.fileExistsAtPath(path, &isFolder);
-    const bool isClear = files.fileExistsAtPath(path, &isFolderToo) == exists && isFolder == isFolderToo;
-    return !isClear ? "unclear" : isFolder ? "folder" : exists ? "file" : "nothing";
-}
-
-std::string writeTo(Result<FileHandle> file, const std::string& text) {
-    return !file || !file->seekToEnd() ? answerOf(file) : answerOf(file->write(text));
-}
-
-using Acts = std::map<std::string, std::function<std::string()>>;
-
-/// Does something with a path by a file manager's operations. An argument stands behind "=".
-std::string act(FileManager& files, const std::string& name, const std::string& path, const std::string& to) {
-    const auto number = [&](int base) { return static_cast<uint32_t>(std::stoul(to, nullptr, base)); };
-    const auto folder = [&](auto kind) { return answerOf(files.createDirectoryAtPath(path, kind)); };
-    const Acts acts = {
-        {"append", [&] { return writeTo(files.openForWriting(path), to); }},
-        {"cd", [&] { return answerOf(files.changeCurrentDirectoryPath(path)); }},
-        {"copy", [&] { return answerOf(files.copyItemAtPath(path, to)); }},
-        {"create", [&] { return writeTo(files.createFileAtPath(path), to); }},
-        {"cwd", [&] { return files.currentDirectoryPath(); }},
-        {"date",
-         [&] {
-             return answerOf(files.setModificationDateOfItemAtPath(path, {number(10), 42}));
-         }},
-        {"dated", [&] { return std::to_string(files.attributesOfItemAtPath(path)->modified.tv_nsec); }},
-        {"destination", [&] { return answerOf(files.destinationOfSymbolicLinkAtPath(path)); }},
-        {"exists", [&] { return existence(files, path); }},
-        {"folder", [&] { return answerOf(files.folderAtPath(path)); }},
-        {"forget", [&] { return files.forgetLastFolder(), "ok"; }},
-        {"item", [&] { return answerOf(files.itemAtPath(path)); }},
-        {"link", [&] { return answerOf(files.createSymbolicLinkAtPath(path, to)); }},
-        {"list", [&] { return answerOf(files.contentsOfDirectoryAtPath(path)); }},
-        {"lookOnly", [&] { return answerOf(files.lookOnly()); }},
-        {"mkdir", [&] { return folder(IntermediateFolders::refuse); }},
-        {"mkdirs", [&] { return folder(IntermediateFolders::create); }},
-        {"mode", [&] { return answerOf(files.setPermissionsOfItemAtPath(path, number(8))); }},
-        {"move", [&] { return answerOf(files.moveItemAtPath(path, to)); }},
-        {"own", [&] { return answerOf(files.setOwnerOfItemAtPath(path, number(10), std::nullopt)); }},
-        {"read",
-         [&] {
-             return answerOf(to.empty() ? files.contentsAtPath(path)
-                                        : files.contentsAtPath(path, number(10)));
-         }},
-        {"remove", [&] { return answerOf(files.removeItemAtPath(path)); }},
-        {"resolve", [&] { return files.stringByResolvingSymlinksInPath(path); }},
-        {"rewrite", [&] { return answerOf(files.writeContents(path, *files.contentsAtPath(path))); }},
-        {"room", [&] { return answerOf(files.attributesOfFileSystemForPath(path)); }},
-        {"stat", [&] { return answerOf(files.attributesOfItemAtPath(path)); }},
-        {"target", [&] { return answerOf(files.attributesOfTargetAtPath(path)); }},
-        {"tools", [&] { return files.pathForTools(path); }},
-        {"walk", [&] { return answerOf(files.enumeratorAtPath(path), to); }},
-        {"writable", [&] { return files.isWritableFileAtPath(path) ? "yes" : "no"; }},
-        {"write", [&] { return answerOf(files.writeContents(path, to)); }},
-        {"writeOwned", [&] { return answerOf(files.writeContents(path, to, FileOwnership{})); }},
-    };
-    return acts.at(name)();
-}
-
-std::string removeFound(const Item& folder) {
-    const auto walk = folder.enumerate();
-    walk->nextObject();
-    return answerOf(walk->item().remove());
-}
-
-/// The same with an item.
-std::string act(const Item& item, const std::string& name, const std::string& to) {
-    const Acts acts = {
-        {"found", [&] { return "ok"; }},
-        {"move", [&] { return answerOf(item.moveTo(Item(item.parent(), to))); }},
-        {"open", [&] { return answerOf(item.openFolder()); }},
-        {"remove", [&] { return answerOf(item.remove()); }},
-        {"removeFirst", [&] { return removeFound(item); }},
-        {"removeIn", [&] { return answerOf(Item(item.openFolder().value(), to).remove()); }},
-        {"rename", [&] { return answerOf(item.rename(to)); }},
-        {"replace", [&] { return answerOf(item.renameReplacing(to)); }},
-        {"size", [&] { return fmt::format("{} bytes", item.attributes().value().size); }},
-        {"stat", [&] { return answerOf(item.attributes()); }},
-        {"walk", [&] { return answerOf(item.enumerate()); }},
-    };
-    return acts.at(name)();
-}
-
-/// "folder:name" in an opened folder, "folder::path" below it, else what a path names.
-Result<Item> itemNamed(FileManager& files, const std::string& path) {
-    const size_t colon = path.find(':');
-    if (colon == std::string::npos) {
-        return files.itemAtPath(path);
-    }
-    const auto folder = files.folderAtPath(path.substr(0, colon)).value();
-    return path.substr(colon).starts_with("::") ? files.itemBelow(folder, path.substr(colon + 2))
-                                                : Item(folder, path.substr(colon + 1));
-}
-
-/// The acts ("read,write=text") on each path, by the way of finding paths that a loop "paths" tells, in the
-/// folder "device" of the tree, or as "let root" names it: what is beside it is out of bounds. The second
-/// handle shares its root with the first.
-void onPaths(World& world, const Words& words, size_t handle, bool isOnItems) {
-    const auto variable = [&](const char* name, const char* usual) {
-        return world.variables.contains(name) ? world.variables[name] : usual;
-    };
-    auto& handles = world.kept<std::vector<FileManager>>([&] {
-        const auto way =
-            variable("paths", "kernel") == "kernel" ? PathResolution::kernel : PathResolution::componentWise;
-        const auto files = FileManager::atRoot(world.folder.hostPath(variable("root", "/device")), way);
-        return std::vector<FileManager>(files ? 2 : 0, *files);
-    });
-    if (handles.empty()) {
-        return world.say("no root");
-    }
-    const auto answer = [&](const std::string& path, const std::string& wish) {
-        const size_t equals = std::min(wish.find('='), wish.size());
-        const std::string name = wish.substr(0, equals);
-        const std::string to = wish.substr(std::min(equals + 1, wish.size()));
-        if (!isOnItems) {
-            return act(handles.at(handle), name, path, to);
-        }
-        const auto item = itemNamed(handles.at(handle), path);
-        return item ? act(*item, name, to) : answerOf(item);
-    };
-    sayAnswers(world, {words.begin() + 1, words.end()}, [&](const std::string& path) {
-        Words answers;
-        for (const auto wish : std::views::split(words[0], ',')) {
-            answers.push_back(answer(path, std::string(wish.begin(), wish.end())));
-        }
-        const bool agree = std::ranges::adjacent_find(answers, std::not_equal_to()) == answers.end();
-        return escaped(agree ? answers[0] : fmt::format("{}", fmt::join(answers, ", ")));
-    });
-}
-
-/// Notes an extended attribute on items, by their paths in the tree, and says what is noted.
-void note(World& world, const Words& words) {
-    for (size_t at = 1; at < words.size(); ++at) {
-        ::setxattr(world.folder.hostPath(words[at]).c_str(), "user.note", words[0].data(), words[0].size(),
-                   0);
-    }
-}
-
-void noted(World& world, const Words& words) {
-    sayAnswers(world, words, [&](const std::string& path) {
-        char text[16];
-        const ssize_t size = ::getxattr(world.folder.hostPath(path).c_str(), "user.note", text, sizeof text);
-        return size < 0 ? "nothing" : '"' + escaped({text, static_cast<size_t>(size)}) + '"';
-    });
-}
-
-void socket(World& world, const Words& words) {
-    for (const auto& path : words) {
-        ::mknod(world.folder.hostPath(path).c_str(), S_IFSOCK | 0644, 0);
-    }
-}
-
 /// What comes of opening files of the host, in the device folder, for output.
 void output(World& world, const Words& words) {
     const Descriptor tree(::open((world.folder.folder() / "Root").c_str(), O_PATH | O_CLOEXEC));
     for (const auto& word : words) {
         const auto opened = HostOutput::open(world.folder.folder() / word, tree.get());
         world.say(opened ? "ok" : opened.error());
-    }
-}
-
-/// Does an action in a process of its own: "as user=501 …", "as umask=63 …", "as fsize=1000 …" (files get no
-/// larger).
-void as(World& world, const Words& words) {
-    const auto number = static_cast<uid_t>(std::stoul(words.at(0).substr(words[0].find('=') + 1)));
-    const std::string said = world.folder.folder() / "said";
-    std::ofstream file(said);
-    const pid_t child = ::fork();
-    if (child == 0) {
-        const rlimit limit{number, number};
-        ::signal(SIGXFSZ, SIG_IGN);
-        const bool became = words[0].starts_with("user")
-                                ? ::setgroups(0, nullptr) == 0 && ::setresgid(number, number, number) == 0 &&
-                                      ::setresuid(number, number, number) == 0
-                            : words[0].starts_with("umask") ? ::umask(number) != number
-                                                            : ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
-        became ? Verbs::named(words.at(1))(world, {words.begin() + 2, words.end()})
-               : world.say("no such process");
-        file << fmt::format("{}", fmt::join(world.takeOutput(), "\n")) << std::flush;
-        ::_exit(0);
-    }
-    ::waitpid(child, nullptr, 0);
-    for (const auto& line : linesOf(tests::contentOf(said))) {
-        world.say(line.substr(2));
     }
 }
 
@@ -353,7 +81,7 @@ void generations(World& world, const Words& words) {
 /// What stored choices say of a key.
 std::string choiceAt(const UserDefaults& values, const std::string& key) {
     const auto object = values.objectForKey(key);
-    return (object ? scenarios::textOf(*object) : "none") + (values.stringForKey(key) ? " as string" : "") +
+    return (object ? textOf(*object) : "none") + (values.stringForKey(key) ? " as string" : "") +
            (values.arrayForKey(key) ? " as array" : "") +
            (values.dictionaryForKey(key) ? " as dictionary" : "");
 }
@@ -376,7 +104,10 @@ void defaults(World& world, const Words& words) {
         const auto isTrue = [&](const auto& key) { return values.boolForKey(key); };
         world.say(fmt::format("{}", fmt::join(keys | std::views::filter(isTrue), " ")));
     } else if (words[1] == "save") {
-        sayAnswers(world, {""}, [&](const auto&) { return answerOf(values.synchronize()); });
+        sayAnswers(world, {""}, [&](const auto&) {
+            const auto saved = values.synchronize();
+            return saved ? "ok" : strerrorname_np(saved.error().value());
+        });
     } else if (words[1] == "remove") {
         values.removeObjectForKey(keys.at(0));
     } else {
@@ -401,12 +132,12 @@ std::string textNamed(World& world, const std::string& word) {
 std::string parsed(const std::string& bytes) {
     const auto value = parsePropertyList(bytes);
     if (!value) {
-        return answerOf(value);
+        return strerrorname_np(value.error().value());
     }
     const bool stays = std::ranges::all_of(
         std::array{PropertyListFormat::xml, PropertyListFormat::binary},
         [&](auto format) { return parsePropertyList(serializePropertyList(*value, format)) == *value; });
-    return scenarios::textOf(*value) + (stays ? "" : " changes when it is written");
+    return textOf(*value) + (stays ? "" : " changes when it is written");
 }
 
 /// The values of property lists.
@@ -456,18 +187,10 @@ void encoded(World& world, const Words& words) {
     }
 }
 
-template <size_t handle, bool isOnItems>
-void on(World& world, const Words& words) {
-    onPaths(world, words, handle, isOnItems);
-}
-
-const Verbs pathVerbs{
-    {"files", on<0, false>}, {"item", on<0, true>}, {"other", on<1, false>}, {"other-item", on<1, true>}};
-const Verbs verbs{{"as", as},         {"defaults", defaults}, {"encoded", encoded},
-                  {"facts", facts},   {"note", note},         {"noted", noted},
-                  {"output", output}, {"parse", parse},       {"reopen", reopen},
-                  {"show", show},     {"socket", socket},     {"strings", strings},
-                  {"tools", tools},   {"xml", xml},           {"generations", generations}};
+const Verbs verbs{
+    {"defaults", defaults}, {"encoded", encoded}, {"facts", facts},   {"generations", generations},
+    {"output", output},     {"parse", parse},     {"reopen", reopen}, {"show", show},
+    {"strings", strings},   {"tools", tools},     {"xml", xml}};
 
 } // namespace
 

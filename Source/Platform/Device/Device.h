@@ -50,7 +50,10 @@ class Device {
     [[nodiscard]] const ToolTable& tools() const { return _tools; }
     [[nodiscard]] const Volumes& volumes() const { return _volumes; }
 
-    [[nodiscard]] MainQueue& mainQueue() { return _mainQueue; }
+    [[nodiscard]] MainQueue& mainQueue() { return *_mainQueue; }
+    /// Puts another queue, such as that of a toolkit's event loop, in the place of the device's own. To be
+    /// called before anything is posted; the queue outlives the device.
+    void useMainQueue(MainQueue& queue) { _mainQueue = &queue; }
     /// Concurrent queues for work beside the main thread: what waits for a tool, or for a whole list, and
     /// small pieces of a run (`BackgroundWork`), which wait for nobody.
     [[nodiscard]] Queue& highPriorityQueue() { return _highPriorityQueue; }
@@ -73,7 +76,8 @@ class Device {
     NotificationCenter _notificationCenter;
     Warnings _warnings;
     UserDefaults _standardUserDefaults;
-    MainQueue _mainQueue;
+    MainQueue _ownMainQueue;
+    MainQueue* _mainQueue = &_ownMainQueue;
     std::function<void(double)> _sleep;
     // Last, so that their threads have ended before what they use is gone.
     Queue _highPriorityQueue;

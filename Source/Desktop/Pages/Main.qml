@@ -1,0 +1,116 @@
+import QtQuick
+import QtQuick.Controls.Basic
+
+// The window: a bar, the page of the screen that is shown, the tabs, and dialogs over all of it.
+ApplicationWindow {
+    id: window
+    width: 375
+    height: 667
+    minimumWidth: 360
+    minimumHeight: 480
+    visible: true
+    color: scheme.background
+
+    property Scheme scheme: Scheme {}
+    readonly property bool isProgress: host.screen !== null && host.screen.kind === "progress"
+
+    Connections {
+        target: host
+        function onMoved(kind, animated) {
+            const kinds = { table: "TablePage.qml", progress: "ProgressPage.qml", text: "TextPage.qml" }
+            const page = pages.createObject(content, { source: kinds[host.screen.kind], screen: host.screen })
+            content.follow(page, kind, animated)
+        }
+    }
+
+    Component {
+        id: pages
+        Loader {
+            property var screen
+            anchors.fill: undefined
+            width: content.width
+            height: content.height
+        }
+    }
+
+    Item {
+        id: content
+        anchors.fill: parent
+        anchors.topMargin: window.isProgress ? 0 : bar.height
+        anchors.bottomMargin: tabs.visible ? tabs.height : 0
+        clip: true
+
+        property var current: null
+        property var old: null
+
+        function follow(page, kind, animated) {
+            old = current
+            current = page
+            const horizontal = { 1: 1, 2: -1, 5: 1, 6: -1 }
+            const vertical = { 3: 1, 4: -1 }
+            move.stop()
+            if (!animated || old === null) {
+                finish()
+                return
+            }
+            move.page = page
+            if (kind in horizontal) {
+                move.key = "x"
+                page.x = horizontal[kind] * content.width
+                move.toOld = -horizontal[kind] * content.width
+            } else {
+                move.key = "y"
+                page.y = kind === 3 ? content.height : 0
+                move.toOld = kind === 4 ? content.height : 0
+                if (kind === 4) {
+                    old.z = 1
+                }
+            }
+            move.start()
+        }
+
+        function finish() {
+            if (old !== null) {
+                old.destroy()
+                old = null
+            }
+            current.x = 0
+            current.y = 0
+            host.transitionDone()
+        }
+
+        ParallelAnimation {
+            id: move
+            property var page
+            property string key: "x"
+            property real toOld: 0
+            NumberAnimation { target: move.page; property: move.key; to: 0; duration: 250; easing.type: Easing.OutCubic }
+            NumberAnimation {
+                target: content.old; property: move.key; to: move.toOld; duration: 250; easing.type: Easing.OutCubic
+            }
+            onFinished: content.finish()
+        }
+    }
+
+    NavigationBar {
+        id: bar
+        visible: !window.isProgress
+        scheme: window.scheme
+        width: parent.width
+        screen: host.screen
+    }
+
+    TabStrip {
+        id: tabs
+        scheme: window.scheme
+        anchors.bottom: parent.bottom
+        width: parent.width
+        visible: host.tabsVisible
+    }
+
+    Alert {
+        anchors.fill: parent
+        scheme: window.scheme
+        alert: host.alert
+    }
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+class Device;
+}
+class Host;
+class Navigator;
+enum class OZDeviceAction : int;
+class OZLocalizationManager;
+
+/// What all screens stand on. It outlives them.
+struct InterfaceContext {
+    platform::Device& device;
+    OZLocalizationManager& languages;
+    Host& host;
+    Navigator& navigator;
+    /// "CFBundleDisplayName" and "CFBundleShortVersionString" of the program.
+    std::string displayName;
+    std::string shortVersion;
+    /// Restarts the interface or the device, without making its caller wait.
+    std::function<void(OZDeviceAction action)> performDeviceAction;
+
+    /// A text in the user's language.
+    [[nodiscard]] std::string text(std::string_view key) const;
+    [[nodiscard]] double foundationVersion() const;
+};

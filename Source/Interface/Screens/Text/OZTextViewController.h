@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Interface/OZViewController.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+/// A screen that shows a text.
+class OZTextViewController : public OZViewController {
+  public:
+    /// What "Done" does. The context outlives the screen.
+    OZTextViewController(InterfaceContext& context, std::function<void()> close);
+
+    [[nodiscard]] const std::string& content() const { return _content; }
+    void setContent(std::string content);
+    /// A key of the language files.
+    void setTitleKey(std::string key) { _titleKey = std::move(key); }
+
+    void localize() override;
+
+  protected:
+    void viewDidLoad() override;
+
+  private:
+    std::function<void()> _close;
+    std::string _content;
+    std::string _titleKey;
+};
