@@ -14,9 +14,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void require(const Outcome& outcome) {
-    if (outcome.status != 0) {
-        throw std::runtime_error(outcome.output + outcome.errors);
+void require(const std::string& commandLine) {
+    if (const auto outcome = shell(commandLine); outcome.status != 0) {
+        throw std::runtime_error(outcome.output);
     }
 }
 
@@ -30,8 +30,8 @@ void make(const fs::path& made, const std::string& version) {
     }
     const TemporaryFolder inMemory(memoryFolder());
     const TemporaryFolder beside(all);
-    require(runProgram("ozdevice", {"create", inMemory.path("device"), "--ios", version, "--files", "100"}));
-    require(shell(fmt::format("cp -a '{}' '{}'", inMemory.path("device"), beside.path("device"))));
+    require(fmt::format("{0}/ozdevice create {1} --ios {2} --files 100 && cp -a {1} '{3}'",
+                        OZ_BINARY_DIRECTORY, inMemory.path("device"), version, beside.path("device")));
     // Another process may have been quicker.
     std::error_code ignored;
     fs::rename(beside.path("device"), made, ignored);
@@ -49,7 +49,7 @@ void copyDemoDevice(const fs::path& folder, const std::string& version) {
     if (!fs::exists(made)) {
         make(made, version);
     }
-    require(shell(fmt::format("cp -a '{}/.' '{}'", made.string(), folder.string())));
+    require(fmt::format("cp -a '{}/.' '{}'", made.string(), folder.string()));
 }
 
 } // namespace tests
