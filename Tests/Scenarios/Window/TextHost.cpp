@@ -42,7 +42,13 @@ class TextHost::View : public TableView {
 TextHost::TextHost(Say say)
     : _say(std::move(say)) {}
 
-TextHost::~TextHost() = default;
+// What is shown would outlive the window otherwise.
+TextHost::~TextHost() {
+    _say = [](const std::string&) {};
+    while (!alerts.empty()) {
+        alerts.back()->dismiss();
+    }
+}
 
 void TextHost::prepare(OZViewController& screen) {
     if (screen.isLoaded()) {
