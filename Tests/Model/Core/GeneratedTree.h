@@ -50,10 +50,10 @@ inline const Texts places = [] {
              "../containers/Shared/SystemGroup/A1/Library/BatteryLife/Archives")) {
         paths.push_back("mobile/" + name);
     }
-    for (const auto& name :
-         listOf("plain/Documents,plain/Library/Caches,plain/tmp,chrome/Library/Cookies,"
-                "chrome/Library/Application Support/Google/Chrome/Default,box/Library/Preferences,stray/tmp,"
-                "../../Shared/AppGroup/shared/Library/Caches,../../../../../../usr/share/misc")) {
+    for (const auto& name : listOf(
+             "plain/Documents,plain/Library/Caches,plain/tmp,chrome/Library/Cookies,"
+             "chrome/Library/Application Support/Google/Chrome/Default,box/Library/Preferences,stray/tmp,"
+             "../../../Containers/Shared/AppGroup/shared/Library/Caches,../../../../../../usr/share/misc")) {
         paths.push_back("mobile/Containers/Data/Application/" + name);
     }
     for (auto& path : paths) {
