@@ -311,7 +311,7 @@ const Trial trials[] = {
      addItem,
      switchItem,
      {allFilesStay, isSwitched}},
-    {"Fonts", fonts, nullptr, moveFonts, {allFilesStay}, {}, "getdents64"},
+    {"Fonts", fonts, nullptr, moveFonts, {allFilesStay}},
     {"Tool", "tool /usr/bin/tool echo one; echo two", makeTool, launch, {outputIsWhole<toolOutput>}},
     {"Search", "file /d/a", makeSearch, launch, {outputIsWhole<findOutput>}},
 };

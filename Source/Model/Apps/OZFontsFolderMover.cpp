@@ -125,11 +125,17 @@ class OZFontsFolderMover::Move {
             // What nobody could list has not moved, and must not go with the folder.
             return;
         }
+        // What the system's folder has already may go; what a failing disk kept from moving must not, and the
+        // folder then stays under its displaced name.
+        bool mayGo = true;
         for (const auto& name : *names) {
-            std::ignore = _fileManager.moveItemAtPath(platform::joinPath(dataPath, name),
-                                                      platform::joinPath(systemPath, name));
+            const auto moved = _fileManager.moveItemAtPath(platform::joinPath(dataPath, name),
+                                                           platform::joinPath(systemPath, name));
+            mayGo = mayGo && (moved || moved.error() == std::errc::file_exists);
         }
-        std::ignore = _fileManager.removeItemAtPath(dataPath);
+        if (mayGo) {
+            std::ignore = _fileManager.removeItemAtPath(dataPath);
+        }
     }
 
     bool clear(const std::string& destination) {
