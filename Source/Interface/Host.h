@@ -47,6 +47,9 @@ class Host {
     virtual bool openURL(std::string_view url) = 0;
     [[nodiscard]] virtual bool canOpenURL(std::string_view url) const = 0;
 
+    /// Keeps the desktop from going to sleep and its session from ending, or lets it again.
+    virtual void setIdleTimerDisabled(bool disabled) = 0;
+
     /// The height of the screen that the window is on, in points.
     [[nodiscard]] virtual double screenHeight() const = 0;
 };

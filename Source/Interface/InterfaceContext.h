@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,8 @@ struct InterfaceContext {
     /// "CFBundleDisplayName" and "CFBundleShortVersionString" of the program.
     std::string displayName;
     std::string shortVersion;
+    /// Why nothing may be changed on the device, as a sentence for the user; none where it may.
+    std::optional<std::string> lookOnlyReason;
     /// Restarts the interface or the device, without making its caller wait.
     std::function<void(OZDeviceAction action)> performDeviceAction;
 

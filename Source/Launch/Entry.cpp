@@ -2,6 +2,7 @@
 
 #include "Controller/CommandLine/ExitStatus.h"
 #include "Controller/CommandLine/OZArgvParser.h"
+#include "Launch/DeviceStart.h"
 #include "Launch/Installation.h"
 #include "Launch/JailbreakLibrary.h"
 #include "Launch/LauncherOptions.h"
@@ -10,8 +11,8 @@
 #include "Launch/Preconditions.h"
 #include "Launch/StandardStreams.h"
 #include "Launch/UserNamespace.h"
+#include "Launch/WindowStart.h"
 #include "Model/Builder/OZModelBuilder.h"
-#include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZStdIO.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Device/HostOutput.h"
@@ -75,13 +76,7 @@ int runOnDevice(platform::Device& device, const LauncherOptions& options) {
         modelBuilder.setHostOutput(std::move(*output));
     }
     OZArgvParser parser(modelBuilder, {.analyze = options.dryRun, .strict = options.strict});
-    if (const auto status = parser.parseArgumentVector(options.vector)) {
-        return *status;
-    }
-    modelBuilder.pluginLoader().loadThirdPartyDylibs(loadDeviceLibrary);
-    return fail(
-        "no switch given, and the graphical front end is not installed; ozvarine --help lists options "
-        "and switches");
+    return parser.parseArgumentVector(options.vector).value_or(exitstatus::success);
 }
 
 int run(const std::vector<std::string>& arguments) {
@@ -94,7 +89,8 @@ int run(const std::vector<std::string>& arguments) {
                                                                            : LauncherOptions::version());
         return exitstatus::success;
     }
-    if (!options->device) {
+    const bool opensWindow = options->purpose() == LauncherOptions::Purpose::show;
+    if (!options->device && !opensWindow) {
         return fail("no device given; name one with --device DIR or OZVARINE_DEVICE (ozvarine --help lists "
                     "options and switches)");
     }
@@ -104,26 +100,14 @@ int run(const std::vector<std::string>& arguments) {
     if (!haveDescriptors()) {
         return fail("too few files may be open at a time; allow more with ulimit -n 1024 and start again");
     }
-    enterUserNamespaceUnlessRoot();
-    const auto device = platform::Device::open(*options->device, options->given);
+    if (opensWindow) {
+        enterUserNamespaceUnlessRoot(SeenAs::self);
+        return WindowStart(*options).run();
+    }
+    enterUserNamespaceUnlessRoot(SeenAs::root);
+    const auto device = openDevice(*options->device, *options);
     if (!device) {
         return fail(device.error());
-    }
-    if (const auto& facts = (*device)->facts(); facts.foundationVersion == 0) {
-        if (!facts.systemVersion.empty()) {
-            const bool isGiven = facts.systemVersion == options->given.systemVersion;
-            return fail(isGiven
-                            ? fmt::format("\"{}\" is no iOS version from 4 on; name one such as 9.3.5",
-                                          facts.systemVersion)
-                            : fmt::format("{} tells a version that is no iOS version from 4 on; repair its "
-                                          "Device.plist or SystemVersion.plist",
-                                          *options->device));
-        }
-        return fail(
-            fmt::format("{} does not tell its iOS version, neither in Device.plist nor in "
-                        "System/Library/CoreServices/SystemVersion.plist; is it a device's tree? If it "
-                        "is, name the version with --ios VERSION",
-                        *options->device));
     }
     return runOnDevice(**device, *options);
 }

@@ -27,15 +27,23 @@ constexpr std::array parts = {
     Part{"share/ozvarine/lang", "tells which folders belong to which language", R_OK},
 };
 
+fs::path prefixOfInstallation(std::error_code& error) {
+    return fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
+}
+
 } // namespace
+
+std::string installedFile(std::string_view path) {
+    std::error_code error;
+    return prefixOfInstallation(error) / path;
+}
 
 std::optional<std::string> missingPartOfInstallation() {
     std::error_code error;
-    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+    const fs::path prefix = prefixOfInstallation(error);
     if (error) {
         return "/proc is not mounted, so the program cannot find its own files; mount it and start again";
     }
-    const fs::path prefix = executable.parent_path().parent_path();
     for (const auto& [path, purpose, access] : parts) {
         const fs::path file = prefix / path;
         if (!fs::is_regular_file(file, error) || ::access(file.c_str(), access) != 0) {

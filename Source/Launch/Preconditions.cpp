@@ -60,7 +60,7 @@ bool isSameFolder(platform::FileManager& fileManager, std::string_view one, std:
 // and take for nobody's what is somebody's.
 std::optional<Refusal> missingData(platform::Device& device, const LauncherOptions& options) {
     const auto purpose = options.purpose();
-    if (purpose == Purpose::tell || purpose == Purpose::show) {
+    if (purpose == Purpose::tell) {
         return std::nullopt;
     }
     auto fileManager = device.fileManager();
@@ -102,30 +102,15 @@ constexpr std::array<std::string_view, 7> writtenFolders = {
     "/tmp",
 };
 
-std::optional<Refusal> treeThatCannotBeWritten(platform::Device& device, const LauncherOptions& options) {
-    if (options.purpose() != Purpose::change) {
-        return std::nullopt;
-    }
-    std::optional<std::error_code> reason;
-    for (const auto path : writtenFolders) {
-        const auto writable = device.fileManager().checkWritableAtPath(path);
-        if (writable) {
-            return std::nullopt;
-        }
-        if (!reason) {
-            reason = writable.error();
-        }
-    }
-    return Refusal{fmt::format("nothing was done: {} cannot be written ({}); mount it for writing or run as "
-                               "the user it belongs to, or look with --dry-run --log FILE -clean",
-                               options.device.value_or("the device's tree"), reason->message()),
-                   exitstatus::cannotWrite};
+// The window may look at such a tree.
+std::optional<Refusal> changeThatCannotBeWritten(platform::Device& device, const LauncherOptions& options) {
+    return options.purpose() == Purpose::change ? treeThatCannotBeWritten(device, options) : std::nullopt;
 }
 
 // Two that change things would overwrite each other's choices and mix one log.
 std::optional<Refusal> anotherAtWork(platform::Device& device, const LauncherOptions& options) {
     const auto purpose = options.purpose();
-    if (purpose != Purpose::change && purpose != Purpose::analyze && !options.resetSettings) {
+    if (purpose == Purpose::tell && !options.resetSettings) {
         return std::nullopt;
     }
     const auto locked = device.lock();
@@ -173,7 +158,7 @@ std::optional<Refusal> resetSettings(platform::Device& device, std::string_view 
 // By the defaults a test run would be a cleanup, and what the user has excluded would go.
 std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const LauncherOptions& options) {
     const auto purpose = options.purpose();
-    if (purpose != Purpose::change && purpose != Purpose::analyze && !options.resetSettings) {
+    if (purpose == Purpose::tell && !options.resetSettings) {
         return std::nullopt;
     }
     auto& settings = device.standardUserDefaults();
@@ -182,10 +167,12 @@ std::optional<Refusal> settingsThatCannotBeRead(platform::Device& device, const 
         return resetSettings(device, loaded.error());
     }
     if (!loaded) {
-        return Refusal{fmt::format("nothing was done: the settings in {} cannot be read ({}); repair the "
-                                   "file, or use --reset-settings, which keeps it under another name and "
-                                   "goes on with the defaults",
-                                   settings.path(), loaded.error())};
+        return Refusal{.message =
+                           fmt::format("nothing was done: the settings in {} cannot be read ({}); repair the "
+                                       "file, or use --reset-settings, which keeps it under another name and "
+                                       "goes on with the defaults",
+                                       settings.path(), loaded.error()),
+                       .settingsAreDamaged = true};
     }
     const auto file = device.fileManager().attributesOfTargetAtPath(settings.path());
     if (file && file->size == 0) {
@@ -214,11 +201,28 @@ constexpr std::array checks = {Check{logWithoutCleanup},
                                Check{contradictingVersion},
                                Check{wrongModel},
                                Check{missingData},
-                               Check{treeThatCannotBeWritten},
+                               Check{changeThatCannotBeWritten},
                                Check{anotherAtWork},
                                Check{settingsThatCannotBeRead}};
 
 } // namespace
+
+std::optional<Refusal> treeThatCannotBeWritten(platform::Device& device, const LauncherOptions& options) {
+    std::optional<std::error_code> reason;
+    for (const auto path : writtenFolders) {
+        const auto writable = device.fileManager().checkWritableAtPath(path);
+        if (writable) {
+            return std::nullopt;
+        }
+        if (!reason) {
+            reason = writable.error();
+        }
+    }
+    return Refusal{fmt::format("nothing was done: {} cannot be written ({}); mount it for writing or run as "
+                               "the user it belongs to, or look with --dry-run --log FILE -clean",
+                               options.device.value_or("the device's tree"), reason->message()),
+                   exitstatus::cannotWrite};
+}
 
 void warnBeforeRun(platform::Device& device, const LauncherOptions& options) {
     constexpr unsigned newestKnown = 11;

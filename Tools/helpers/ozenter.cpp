@@ -14,6 +14,7 @@
 
 #include "Entrance.h"
 #include "Landlock.h"
+#include "Launch/UserNamespace.h"
 #include "PackageNames.h"
 #include "PackageScripts.h"
 
@@ -294,6 +295,8 @@ int main(int count, char** vector) {
     const std::string program = vector[2];
     const std::vector<std::string> arguments(vector + 3, vector + count);
     ::syscall(SYS_close_range, firstFreeDescriptor, ~0U, 0);
+    // The window of an ordinary user runs by their own number, and its rights end with each execution.
+    enterUserNamespaceUnlessRoot(SeenAs::root);
     if (mode == "enter") {
         enterAndExecute(program, arguments);
     }

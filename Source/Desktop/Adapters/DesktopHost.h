@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desktop/Adapters/AlertAdapter.h"
+#include "Desktop/Adapters/IdleInhibition.h"
 #include "Desktop/Adapters/ScreenAdapter.h"
 #include "Interface/Flow/Navigator.h"
 #include "Interface/Host.h"
@@ -29,9 +30,13 @@ class DesktopHost : public QObject, public Host {
     [[nodiscard]] QObject* screen() const { return _screen; }
     [[nodiscard]] QObject* alert() const { return _alerts.empty() ? nullptr : _alerts.back(); }
     [[nodiscard]] const QString& activity() const { return _activity; }
-    [[nodiscard]] int tab() const { return static_cast<int>(_navigator->selectedTab()); }
-    [[nodiscard]] bool areTabsVisible() const { return !_navigator->isPresenting(); }
-    [[nodiscard]] int depth() const { return static_cast<int>(_navigator->depth()); }
+    [[nodiscard]] int tab() const {
+        return _navigator == nullptr ? 0 : static_cast<int>(_navigator->selectedTab());
+    }
+    [[nodiscard]] bool areTabsVisible() const { return _navigator != nullptr && !_navigator->isPresenting(); }
+    [[nodiscard]] int depth() const {
+        return _navigator == nullptr ? 0 : static_cast<int>(_navigator->depth());
+    }
 
     Q_INVOKABLE void selectTab(int index) { _navigator->selectTab(static_cast<size_t>(index)); }
     Q_INVOKABLE void back() { _navigator->pop(); }
@@ -41,6 +46,7 @@ class DesktopHost : public QObject, public Host {
     void prepare(OZViewController& screen) override;
     void transition(const Transition& transition, std::function<void()> done) override;
     std::unique_ptr<OZACConcrete> makeAlert(OZAlertStyle style) override;
+    void setIdleTimerDisabled(bool disabled) override { _idleInhibition.set(disabled); }
     void presentActivity(OZActivityHUD hud) override;
     void dismissActivity(bool success) override;
     bool openURL(std::string_view url) override;
@@ -63,4 +69,5 @@ class DesktopHost : public QObject, public Host {
     std::vector<AlertAdapter*> _alerts;
     std::function<void()> _transitionDone;
     QString _activity;
+    IdleInhibition _idleInhibition;
 };

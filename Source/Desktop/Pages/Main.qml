@@ -12,6 +12,7 @@ ApplicationWindow {
     color: scheme.background
 
     property Scheme scheme: Scheme {}
+    onClosing: (close) => { close.accepted = chooser.windowShouldClose() }
     readonly property bool isProgress: host.screen !== null && host.screen.kind === "progress"
 
     Connections {
@@ -40,8 +41,8 @@ ApplicationWindow {
         anchors.bottomMargin: tabs.visible ? tabs.height : 0
         clip: true
 
-        property var current: null
-        property var old: null
+        property QtObject current: null
+        property QtObject old: null
 
         function follow(page, kind, animated) {
             old = current
@@ -94,7 +95,7 @@ ApplicationWindow {
 
     NavigationBar {
         id: bar
-        visible: !window.isProgress
+        visible: chooser.open && !window.isProgress
         scheme: window.scheme
         width: parent.width
         screen: host.screen
@@ -106,6 +107,12 @@ ApplicationWindow {
         anchors.bottom: parent.bottom
         width: parent.width
         visible: host.tabsVisible
+    }
+
+    Loader {
+        anchors.fill: parent
+        active: !chooser.open
+        source: "ChooserPage.qml"
     }
 
     Alert {

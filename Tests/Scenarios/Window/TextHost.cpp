@@ -83,6 +83,10 @@ void TextHost::dismissActivity(bool success) {
     say(success ? "activity done" : "activity failed");
 }
 
+void TextHost::setIdleTimerDisabled(bool disabled) {
+    say(disabled ? "the device stays awake" : "the device may sleep");
+}
+
 bool TextHost::openURL(std::string_view url) {
     say("opened " + std::string(url));
     return true;

@@ -30,6 +30,7 @@ class TextHost : public Host {
     void dismissActivity(bool success) override;
     bool openURL(std::string_view url) override;
     [[nodiscard]] bool canOpenURL(std::string_view /*url*/) const override { return true; }
+    void setIdleTimerDisabled(bool disabled) override;
     [[nodiscard]] double screenHeight() const override { return 667; }
 
     void say(const std::string& line) const { _say(line); }

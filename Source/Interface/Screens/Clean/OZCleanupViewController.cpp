@@ -82,6 +82,13 @@ void OZCleanupViewController::startAction(OZAction action, bool analyze) {
     if (action == OZAction::none) {
         return;
     }
+    // An analysis, too, writes its log into the tree.
+    if (const auto& reason = context().lookOnlyReason) {
+        const auto alert = alerts::okAlert(context());
+        alert->setMessage(*reason);
+        alert->show();
+        return;
+    }
     _action = action;
     _analyze = analyze;
     _adController.loadInterstitial();

@@ -62,6 +62,7 @@ class OZCleanupViewController : public OZViewController {
     }
     /// Whether the program closes with the last alert.
     void setExitOnComplete(bool exit) { _exitOnComplete = exit; }
+    [[nodiscard]] bool exitOnComplete() const { return _exitOnComplete; }
 
     /// Without settings, those of the engine.
     void startCleanup(const std::optional<platform::Dictionary>& settings, bool analyze);

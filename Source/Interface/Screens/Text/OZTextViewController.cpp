@@ -10,7 +10,9 @@ void OZTextViewController::setContent(std::string content) {
 }
 
 void OZTextViewController::viewDidLoad() {
-    bar().leftButton = BarButton{.action = _close};
+    if (_close) {
+        bar().leftButton = BarButton{.action = _close};
+    }
 }
 
 void OZTextViewController::localize() {

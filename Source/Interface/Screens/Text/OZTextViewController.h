@@ -9,12 +9,12 @@
 /// A screen that shows a text.
 class OZTextViewController : public OZViewController {
   public:
-    /// What "Done" does. The context outlives the screen.
+    /// What "Done" does; without it there is no such button. The context outlives the screen.
     OZTextViewController(InterfaceContext& context, std::function<void()> close);
 
     [[nodiscard]] const std::string& content() const { return _content; }
     void setContent(std::string content);
-    /// A key of the language files.
+    /// A literal, or, where it is one, a key of the language files.
     void setTitleKey(std::string key) { _titleKey = std::move(key); }
 
     void localize() override;
