@@ -1,16 +1,10 @@
 #include "Desktop/Desktop.h"
 
-#include "Desktop/Adapters/ChooserAdapter.h"
-#include "Desktop/Adapters/DesktopHost.h"
-#include "Desktop/Adapters/QtMainQueue.h"
-#include "Interface/Flow/DeviceFlow.h"
+#include "Desktop/MainWindow.h"
 
 #include <QGuiApplication>
-#include <QQmlApplicationEngine>
-#include <QQmlContext>
 #include <QQuickStyle>
 #include <QQuickWindow>
-#include <QSessionManager>
 #include <cstdio>
 #include <cstdlib>
 
@@ -24,29 +18,6 @@ void tell(QtMsgType type, const QMessageLogContext& /*context*/, const QString& 
     }
 }
 
-void followTheSession(QGuiApplication& application, DeviceFlow& flow) {
-    QGuiApplication::setQuitOnLastWindowClosed(false);
-    QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application, [&flow] {
-        if (flow.deviceWindow() != nullptr) {
-            flow.deviceWindow()->delegate().applicationDidEnterBackground();
-        } else {
-            QGuiApplication::quit();
-        }
-    });
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
-                     [&flow](QSessionManager& session) {
-                         if (!flow.windowShouldClose()) {
-                             session.cancel();
-                         }
-                     });
-    QObject::connect(&application, &QGuiApplication::applicationStateChanged, &application,
-                     [&flow](Qt::ApplicationState state) {
-                         if (state != Qt::ApplicationActive && flow.deviceWindow() != nullptr) {
-                             flow.deviceWindow()->delegate().saveChoices();
-                         }
-                     });
-}
-
 } // namespace
 
 int ozvarineDesktop(DeviceOpener* opener, int count, char** vector) {
@@ -57,29 +28,10 @@ int ozvarineDesktop(DeviceOpener* opener, int count, char** vector) {
     QGuiApplication application(count, vector);
     QGuiApplication::setApplicationDisplayName("Ozvarine");
     QGuiApplication::setDesktopFileName("ozvarine");
-
-    QtMainQueue queue;
-    DesktopHost host;
-    ChooserAdapter chooser;
-    DeviceFlow flow(
-        *opener, queue, host, RecentDevices(RecentDevices::defaultFile()),
-        [&] {
-            if (flow.deviceWindow() != nullptr) {
-                host.setNavigator(flow.deviceWindow()->navigator());
-            }
-            chooser.update();
-        },
-        [] { QGuiApplication::quit(); });
-    chooser.setFlow(flow);
-    followTheSession(application, flow);
-
-    QQmlApplicationEngine engine;
-    engine.rootContext()->setContextProperty("host", &host);
-    engine.rootContext()->setContextProperty("chooser", &chooser);
-    engine.load(QUrl("qrc:/Pages/Main.qml"));
-    if (engine.rootObjects().isEmpty()) {
+    MainWindow window(*opener, RecentDevices(RecentDevices::defaultFile()), [] { QGuiApplication::quit(); });
+    if (window.show() == nullptr) {
         return EXIT_FAILURE;
     }
-    flow.start();
+    window.start();
     return QGuiApplication::exec();
 }

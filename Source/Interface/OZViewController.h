@@ -77,6 +77,8 @@ class OZViewController {
 
     [[nodiscard]] bool isViewVisible() const { return _isViewVisible; }
     [[nodiscard]] const NavigationItem& navigationItem() const { return _navigationItem; }
+    /// The text of a screen that is the first of its tab, in the user's language.
+    [[nodiscard]] std::string tabTitle() const { return text(_tabTitleKey); }
     [[nodiscard]] bool isEditing() const { return _isEditing; }
     virtual void setEditing(bool editing, bool animated);
     void toggleEditing() { setEditing(!_isEditing, true); }
@@ -119,6 +121,7 @@ class OZViewController {
     [[nodiscard]] std::string text(std::string_view key) const { return _context.text(key); }
     /// Null until the screen is loaded.
     [[nodiscard]] ScreenView* view() const { return _view; }
+    void setTabTitleKey(std::string_view key) { _tabTitleKey = key; }
     /// To be followed by `barChanged`.
     [[nodiscard]] NavigationItem& bar() { return _navigationItem; }
     void barChanged() const;
@@ -130,6 +133,7 @@ class OZViewController {
     ScreenView* _view = nullptr;
     NavigationItem _navigationItem;
     std::string _editButtonTitle;
+    std::string_view _tabTitleKey;
     bool _isViewVisible = false;
     bool _isEditing = false;
     platform::Observation _languageChange;

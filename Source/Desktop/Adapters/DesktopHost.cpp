@@ -13,6 +13,14 @@
 
 DesktopHost::~DesktopHost() = default;
 
+QStringList DesktopHost::tabTitles() const {
+    QStringList titles;
+    for (size_t tab = 0; _navigator != nullptr && tab < Navigator::tabCount; ++tab) {
+        titles.push_back(QString::fromStdString(_navigator->root(tab).tabTitle()));
+    }
+    return titles;
+}
+
 void DesktopHost::prepare(OZViewController& screen) {
     if (_adapters.contains(&screen)) {
         return;

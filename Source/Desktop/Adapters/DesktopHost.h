@@ -7,6 +7,7 @@
 #include "Interface/Host.h"
 
 #include <QObject>
+#include <QStringList>
 #include <map>
 #include <memory>
 #include <vector>
@@ -19,6 +20,7 @@ class DesktopHost : public QObject, public Host {
     Q_PROPERTY(QString activity READ activity NOTIFY activityChanged)
     Q_PROPERTY(int tab READ tab NOTIFY moved)
     Q_PROPERTY(bool tabsVisible READ areTabsVisible NOTIFY moved)
+    Q_PROPERTY(QStringList tabTitles READ tabTitles NOTIFY moved)
     Q_PROPERTY(int depth READ depth NOTIFY moved)
 
   public:
@@ -33,6 +35,7 @@ class DesktopHost : public QObject, public Host {
     [[nodiscard]] int tab() const {
         return _navigator == nullptr ? 0 : static_cast<int>(_navigator->selectedTab());
     }
+    [[nodiscard]] QStringList tabTitles() const;
     [[nodiscard]] bool areTabsVisible() const { return _navigator != nullptr && !_navigator->isPresenting(); }
     [[nodiscard]] int depth() const {
         return _navigator == nullptr ? 0 : static_cast<int>(_navigator->depth());

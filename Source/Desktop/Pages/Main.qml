@@ -38,7 +38,8 @@ ApplicationWindow {
         id: content
         anchors.fill: parent
         anchors.topMargin: window.isProgress ? 0 : bar.height
-        anchors.bottomMargin: tabs.visible ? tabs.height : 0
+        anchors.bottomMargin: tabs.visible && !tabs.isWide ? tabs.height : 0
+        anchors.leftMargin: tabs.visible && tabs.isWide ? tabs.width : 0
         clip: true
 
         property QtObject current: null
@@ -50,11 +51,12 @@ ApplicationWindow {
             const horizontal = { 1: 1, 2: -1, 5: 1, 6: -1 }
             const vertical = { 3: 1, 4: -1 }
             move.stop()
-            if (!animated || old === null) {
+            if (!animated || !settings.animated || old === null) {
                 finish()
                 return
             }
             move.page = page
+            leaving.target = old
             if (kind in horizontal) {
                 move.key = "x"
                 page.x = horizontal[kind] * content.width
@@ -82,12 +84,12 @@ ApplicationWindow {
 
         ParallelAnimation {
             id: move
-            property var page
+            property QtObject page: null
             property string key: "x"
             property real toOld: 0
             NumberAnimation { target: move.page; property: move.key; to: 0; duration: 250; easing.type: Easing.OutCubic }
             NumberAnimation {
-                target: content.old; property: move.key; to: move.toOld; duration: 250; easing.type: Easing.OutCubic
+                id: leaving; property: move.key; to: move.toOld; duration: 250; easing.type: Easing.OutCubic
             }
             onFinished: content.finish()
         }
@@ -97,15 +99,17 @@ ApplicationWindow {
         id: bar
         visible: chooser.open && !window.isProgress
         scheme: window.scheme
-        width: parent.width
+        anchors { left: parent.left; right: parent.right; leftMargin: content.anchors.leftMargin }
         screen: host.screen
     }
 
     TabStrip {
         id: tabs
         scheme: window.scheme
+        isWide: window.width >= 700
         anchors.bottom: parent.bottom
-        width: parent.width
+        width: isWide ? 200 : parent.width
+        height: isWide ? parent.height : 50
         visible: host.tabsVisible
     }
 

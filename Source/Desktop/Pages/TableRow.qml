@@ -10,6 +10,16 @@ Item {
     signal pressed()
     signal turned(int value)
 
+    // A reader hears a row as one sentence: what it is, and how it stands.
+    readonly property string standing: !entry ? "" : entry.control === "switch" ? (entry.value === 1 ? "on" : "off")
+                                   : entry.control === "segments" ? entry.titles[entry.value] : entry.detail
+    Accessible.role: Accessible.ListItem
+    Accessible.name: !entry ? "" : entry.text + (standing !== "" ? ", " + standing : "")
+    Accessible.focusable: true
+    Accessible.focused: focused
+    Accessible.ignored: !visible
+    Accessible.onPressAction: pressed()
+
     Rectangle {
         anchors.fill: parent
         // Only the first and the last row of a card have its corners.
@@ -51,6 +61,13 @@ Item {
         text: row.entry ? row.entry.text : ""
         color: row.scheme.text
         font.pixelSize: 16
+        fontSizeMode: Text.Fit
+        minimumPixelSize: 13
+        height: parent.height - 6
+        verticalAlignment: Text.AlignVCenter
+        textFormat: Text.PlainText
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
         elide: Text.ElideRight
     }
     Loader {
@@ -97,29 +114,31 @@ Item {
                 anchors.centerIn: parent
                 Repeater {
                     model: row.entry.titles
-                    AbstractButton {
+                    Rectangle {
                         id: part
                         required property int index
                         required property string modelData
                         readonly property bool isChosen: row.entry.value === index
-                        width: Math.max(40, word.implicitWidth + 16)
+                        width: Math.max(34, word.implicitWidth + 12)
                         height: 26
-                        Accessible.name: row.entry.text + ": " + modelData
+                        radius: 6
+                        color: isChosen ? row.scheme.card : "transparent"
+                        border { width: activeFocus ? 2 : 0; color: row.scheme.tint }
+                        activeFocusOnTab: true
                         Accessible.role: Accessible.RadioButton
-                        onClicked: row.turned(index)
-                        contentItem: Text {
+                        Accessible.name: row.entry.text + ": " + modelData
+                        Accessible.checkable: true
+                        Accessible.checked: isChosen
+                        Accessible.onPressAction: row.turned(index)
+                        Keys.onSpacePressed: row.turned(index)
+                        Text {
                             id: word
+                            anchors.centerIn: parent
                             text: part.modelData
                             color: row.scheme.text
                             font { pixelSize: 13; weight: part.isChosen ? Font.DemiBold : Font.Normal }
-                            horizontalAlignment: Text.AlignHCenter
-                            verticalAlignment: Text.AlignVCenter
                         }
-                        background: Rectangle {
-                            radius: 6
-                            color: part.isChosen ? row.scheme.card : "transparent"
-                            border { width: part.visualFocus ? 2 : 0; color: row.scheme.tint }
-                        }
+                        MouseArea { anchors.fill: parent; onClicked: row.turned(part.index) }
                     }
                 }
             }

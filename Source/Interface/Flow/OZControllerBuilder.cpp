@@ -113,6 +113,7 @@ std::unique_ptr<OZCleanViewController> OZControllerBuilder::buildCleanViewContro
 std::unique_ptr<OZTextViewController> OZControllerBuilder::buildPlaceholder(const char* titleKey) {
     auto screen = std::make_unique<OZTextViewController>(_context, nullptr);
     screen->setTitleKey(titleKey);
+    screen->setTabTitleKey(titleKey);
     screen->setContent("These are reached from a terminal so far:\n\n    ozvarine --device DIR -cli\n");
     configureOZViewController(*screen);
     return screen;

@@ -85,7 +85,9 @@ OZCleanViewController::OZCleanViewController(InterfaceContext& context, OZCore& 
                                              OZCleanupViewController& cleanupViewController)
     : OZTableViewController(context)
     , _core(core)
-    , _cleanupViewController(cleanupViewController) {}
+    , _cleanupViewController(cleanupViewController) {
+    setTabTitleKey("CLEANBTN");
+}
 
 double OZCleanViewController::diskUsageWidth(double width, double height, bool isIPad) {
     const double side = std::min(width, height);

@@ -16,6 +16,7 @@ class OZTextViewController : public OZViewController {
     void setContent(std::string content);
     /// A literal, or, where it is one, a key of the language files.
     void setTitleKey(std::string key) { _titleKey = std::move(key); }
+    using OZViewController::setTabTitleKey;
 
     void localize() override;
 

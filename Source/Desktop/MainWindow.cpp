@@ -1,0 +1,55 @@
+#include "Desktop/MainWindow.h"
+
+#include <QGuiApplication>
+#include <QQmlContext>
+#include <QQuickWindow>
+#include <QSessionManager>
+
+MainWindow::MainWindow(DeviceOpener& opener, RecentDevices recent, std::function<void()> close)
+    : _flow(
+          opener, _queue, _host, std::move(recent),
+          [this] {
+              if (auto* device = _flow.deviceWindow(); device != nullptr) {
+                  _host.setNavigator(device->navigator());
+              }
+              _chooser.update();
+          },
+          std::move(close)) {
+    // From a static library nothing else would link them.
+    Q_INIT_RESOURCE(pages);
+    _chooser.setFlow(_flow);
+    followTheSession();
+    auto* const context = _engine.rootContext();
+    context->setContextProperty("host", &_host);
+    context->setContextProperty("settings", &_settings);
+    context->setContextProperty("chooser", &_chooser);
+}
+
+QQuickWindow* MainWindow::show() {
+    _engine.load(QUrl("qrc:/Pages/Main.qml"));
+    return _engine.rootObjects().isEmpty() ? nullptr
+                                           : qobject_cast<QQuickWindow*>(_engine.rootObjects().front());
+}
+
+void MainWindow::followTheSession() {
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(qGuiApp, &QGuiApplication::lastWindowClosed, &_host, [this] {
+        if (auto* device = _flow.deviceWindow(); device != nullptr) {
+            device->delegate().applicationDidEnterBackground();
+        } else {
+            QGuiApplication::quit();
+        }
+    });
+    QObject::connect(qGuiApp, &QGuiApplication::commitDataRequest, &_host, [this](QSessionManager& session) {
+        if (!_flow.windowShouldClose()) {
+            session.cancel();
+        }
+    });
+    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &_host,
+                     [this](Qt::ApplicationState state) {
+                         if (auto* device = _flow.deviceWindow();
+                             device != nullptr && state != Qt::ApplicationActive) {
+                             device->delegate().saveChoices();
+                         }
+                     });
+}
