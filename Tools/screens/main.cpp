@@ -87,18 +87,25 @@ void takeAll(Album& album, const std::string& device, const std::string& state, 
     press("FILETYPELBL");
     album.add(window, "question");
     press("CANCEL");
+    auto& screen = window.flow().deviceWindow()->controllers().cleanupViewController();
+    // A run would be over before its pictures are taken.
+    auto& view = screen.cleanupView();
+    for (const auto mode : {OZCleanupView::Mode::determinate, OZCleanupView::Mode::indeterminate}) {
+        view.setTitleText(context.text(mode == OZCleanupView::Mode::determinate ? "CLEANLBL" : "RESBAKLBL"));
+        view.setFooterText(context.text("CACHEFILES"), false);
+        view.setMode(mode);
+        view.setProgress(0.62F, false);
+        context.navigator.present(screen);
+        view.startAnimating();
+        album.add(window,
+                  mode == OZCleanupView::Mode::determinate ? "progress" : "progress-indeterminate");
+        context.navigator.dismissAll();
+        window.run(0.5);
+        view.reset();
+    }
     press("ANALYZEBTN");
-    window.run(0.8);
-    album.add(window, "progress");
     window.waitFor(context.text("DONE"), 120);
     album.add(window, "log");
-    press("DONE");
-    window.run(0.5);
-    window.flow().deviceWindow()->controllers().flowController().showCleanupViewControllerWithAction(
-        OZAction::remove1xImages, true);
-    window.run(0.8);
-    album.add(window, "progress-indeterminate");
-    window.waitFor(context.text("DONE"), 120);
     press("DONE");
     window.run(0.5);
     press("CLEANBTN");

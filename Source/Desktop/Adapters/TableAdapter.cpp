@@ -36,7 +36,7 @@ QVariantList TableAdapter::partitions() const {
     QVariantList partitions;
     if (const auto* clean = dynamic_cast<const OZCleanViewController*>(&_table)) {
         for (const auto& partition : clean->diskUsage()) {
-            partitions.push_back(QVariantMap{{"name", QString::fromStdString(partition.mountPoint)},
+            partitions.push_back(QVariantMap{{"name", QString::fromStdString(partition.name())},
                                              {"share", partition.usedShare()},
                                              {"words", QString::fromStdString(partition.sizesText())}});
         }

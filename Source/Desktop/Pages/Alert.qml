@@ -67,7 +67,7 @@ FocusScope {
                 id: grid
                 readonly property bool isRow: !box.isSheet && dialog.alert !== null && dialog.alert.buttons.length === 2
                 width: parent.width
-                topPadding: 12
+                topPadding: column.topPadding > 0 ? 12 : 0
                 columns: isRow ? 2 : 1
                 Repeater {
                     model: dialog.alert ? dialog.alert.buttons : []

@@ -11,6 +11,10 @@ std::string sizeText(uint64_t bytes) {
 
 } // namespace
 
+std::string PartitionUsage::name() const {
+    return mountPoint == "/" ? "System" : mountPoint == "/private/var" ? "Data" : mountPoint;
+}
+
 std::string PartitionUsage::sizesText() const {
     return sizeText(used()) + " / " + sizeText(size);
 }

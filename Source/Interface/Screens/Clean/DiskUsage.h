@@ -14,6 +14,8 @@ struct PartitionUsage {
     uint64_t size = 0;
     uint64_t free = 0;
 
+    /// What a person calls it: the system's, the data's, else its mount point.
+    [[nodiscard]] std::string name() const;
     [[nodiscard]] uint64_t used() const { return size > free ? size - free : 0; }
     /// From 0 to 1.
     [[nodiscard]] double usedShare() const {
