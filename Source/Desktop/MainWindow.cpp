@@ -45,11 +45,10 @@ void MainWindow::followTheSession() {
             session.cancel();
         }
     });
-    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &_host,
-                     [this](Qt::ApplicationState state) {
-                         if (auto* device = _flow.deviceWindow();
-                             device != nullptr && state != Qt::ApplicationActive) {
-                             device->delegate().saveChoices();
-                         }
-                     });
+    QObject::connect(
+        qGuiApp, &QGuiApplication::applicationStateChanged, &_host, [this](Qt::ApplicationState state) {
+            if (auto* device = _flow.deviceWindow(); device != nullptr && state != Qt::ApplicationActive) {
+                device->delegate().saveChoices();
+            }
+        });
 }

@@ -28,7 +28,8 @@ namespace {
 constexpr const char* packages =
     "libqt6quickcontrols2-6 libqt6svg6 qml6-module-qtquick qml6-module-qtquick-controls "
     "qml6-module-qtquick-dialogs qml6-module-qtquick-layouts qml6-module-qtquick-templates "
-    "qml6-module-qtquick-shapes qml6-module-qtquick-window qml6-module-qt-labs-folderlistmodel qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript";
+    "qml6-module-qtquick-shapes qml6-module-qtquick-window qml6-module-qt-labs-folderlistmodel "
+    "qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript";
 
 /// What the library of the window gives: runs it on the devices of an opener.
 using Desktop = int (*)(DeviceOpener* opener, int count, char** vector);

@@ -2,6 +2,7 @@
 
 #include "Interface/Alerts/AlertPresets.h"
 #include "Interface/Flow/Navigator.h"
+#include "Interface/Flow/OZAppDelegate.h"
 #include "Interface/Screens/Clean/OZCleanViewController.h"
 #include "Interface/Screens/Clean/OZCleanupViewController.h"
 #include "Model/Core/OZCore.h"
@@ -21,7 +22,7 @@ namespace scenarios {
 namespace {
 
 /// The window's first screen with what stands behind it, as a start assembles it.
-class Window : private OZAdController, private LongRunningTasks, private OZTextViewControllerProvider {
+class Window : private OZAdController, private OZTextViewControllerProvider {
   public:
     explicit Window(World& world)
         : host([&world](const std::string& line) { world.say(line); })
@@ -35,11 +36,21 @@ class Window : private OZAdController, private LongRunningTasks, private OZTextV
                       [this](OZDeviceAction action) {
                           host.say(fmt::format("device action {}", static_cast<int>(action)));
                       }}
+        , application({.terminateWithSuccess = [this] { host.say("the program ends"); },
+                       .beginBackgroundTask =
+                           [this](const auto&) {
+                               host.say("goes on in the background");
+                               return uint64_t{1};
+                           },
+                       .endBackgroundTask = [this](uint64_t) { host.say("is in front again"); },
+                       .synchronizeDefaults = [this] { host.say("the choices are stored"); }})
+        , delegate(context, application)
         , cleanup(context, &world.builder().core(), this)
         , clean(context, world.builder().core(), cleanup)
         , painter(cleanup.cleanupView(), host) {
         context.device.mainQueue().setManualClock(true);
-        cleanup.setApplication(*this);
+        cleanup.setApplication(delegate);
+        delegate.setCleanupViewController(cleanup);
         cleanup.setTextViewControllerProvider(*this);
         navigator.start({&clean, &clean, &clean}, 1);
     }
@@ -47,6 +58,8 @@ class Window : private OZAdController, private LongRunningTasks, private OZTextV
     TextHost host;
     Navigator navigator{host};
     InterfaceContext context;
+    platform::Application application;
+    OZAppDelegate delegate;
     OZCleanupViewController cleanup;
     OZCleanViewController clean;
     TextPainter painter;
@@ -59,9 +72,6 @@ class Window : private OZAdController, private LongRunningTasks, private OZTextV
         host.say(fmt::format("advertisement for {} s", delay));
         handler();
     }
-    void startLongRunningTask() override { host.say("long task begins"); }
-    void stopLongRunningTask() override { host.say("long task ends"); }
-    void close() override { host.say("closed"); }
     void presentTextViewControllerOfType(OZTextViewControllerType type, OZViewController& /*over*/) override {
         host.say(fmt::format("text {}", static_cast<int>(type)));
     }
@@ -179,8 +189,35 @@ void action(World& world, const Words& words) {
     settle(window);
 }
 
-const Verbs verbs{{"screen", screen}, {"press", press}, {"turn", turn},     {"type", type},
-                  {"wait", wait},     {"speak", speak}, {"action", action}, {"exits", exitOnComplete}};
+/// Somebody closes the window.
+void close(World& world, const Words& /*words*/) {
+    world.say(windowOf(world).delegate.windowShouldClose() ? "closes" : "stays");
+}
+
+/// "leave" or "return": the program goes out of sight, and comes back.
+void leave(World& world, const Words& /*words*/) {
+    windowOf(world).delegate.applicationDidEnterBackground();
+}
+
+void comeBack(World& world, const Words& /*words*/) {
+    windowOf(world).delegate.applicationWillEnterForeground();
+}
+
+/// A line for the user from somewhere in the engine, such as items that stayed.
+void warn(World& world, const Words& words) {
+    auto& device = windowOf(world).context.device;
+    device.warnings().tell(words.at(0));
+    device.mainQueue().runPending();
+}
+
+void lookOnly(World& world, const Words& words) {
+    windowOf(world).context.lookOnlyReason = words.at(0);
+}
+
+const Verbs verbs{{"screen", screen},     {"press", press}, {"turn", turn},       {"type", type},
+                  {"wait", wait},         {"speak", speak}, {"action", action},   {"exits", exitOnComplete},
+                  {"close", close},       {"leave", leave}, {"return", comeBack}, {"warn", warn},
+                  {"look-only", lookOnly}};
 
 } // namespace
 

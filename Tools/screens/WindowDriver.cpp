@@ -120,7 +120,8 @@ QAccessibleInterface* WindowDriver::await(const std::string& name, Filter filter
 }
 
 void WindowDriver::waitFor(const std::string& name, double seconds) {
-    await(name, [](QAccessibleInterface&) { return true; }, seconds);
+    await(
+        name, [](QAccessibleInterface&) { return true; }, seconds);
 }
 
 void WindowDriver::click(const std::string& name, Filter filter) {
@@ -133,8 +134,8 @@ void WindowDriver::click(const std::string& name, Filter filter) {
             break;
         }
         const QPoint middle(_window->width() / 2, _window->height() / 2);
-        QWheelEvent wheel(middle, _window->mapToGlobal(middle), {}, {0, place.y() < 0 ? 120 : -120}, Qt::NoButton,
-                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QWheelEvent wheel(middle, _window->mapToGlobal(middle), {}, {0, place.y() < 0 ? 120 : -120},
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(_window, &wheel);
         run(0.05);
     }

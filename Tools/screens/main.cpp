@@ -1,8 +1,7 @@
 // Pictures of every screen, at three sizes, light and dark: screens DEVICE FOLDER [LANGUAGE].
-#include "Tools/screens/WindowDriver.h"
-
 #include "Interface/InterfaceContext.h"
 #include "Model/Services/OZLocalizationManager.h"
+#include "Tools/screens/WindowDriver.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -97,8 +96,7 @@ void takeAll(Album& album, const std::string& device, const std::string& state, 
         view.setProgress(0.62F, false);
         context.navigator.present(screen);
         view.startAnimating();
-        album.add(window,
-                  mode == OZCleanupView::Mode::determinate ? "progress" : "progress-indeterminate");
+        album.add(window, mode == OZCleanupView::Mode::determinate ? "progress" : "progress-indeterminate");
         context.navigator.dismissAll();
         window.run(0.5);
         view.reset();

@@ -26,6 +26,8 @@ Rectangle {
 
     Shape {
         visible: page.screen.determinate
+        Accessible.role: Accessible.ProgressBar
+        Accessible.name: Math.round(page.screen.progress * 100) + " %"
         x: page.places.x
         y: page.places.y
         width: page.places.side
@@ -62,9 +64,17 @@ Rectangle {
     }
     Text {
         anchors.horizontalCenter: parent.horizontalCenter
+        width: Math.min(implicitWidth, parent.width - 32)
         y: page.places.title - height / 2
         text: page.screen.runTitle
+        textFormat: Text.PlainText
         color: "white"
+        wrapMode: Text.Wrap
+        maximumLineCount: 2
+        horizontalAlignment: Text.AlignHCenter
+        elide: Text.ElideRight
+        Accessible.role: Accessible.Heading
+        Accessible.name: text
         font { pixelSize: page.places.titleFont; weight: Font.Light }
     }
     Text {
@@ -72,7 +82,12 @@ Rectangle {
         anchors.horizontalCenter: parent.horizontalCenter
         y: page.places.footer - height / 2
         text: page.screen.footer
+        textFormat: Text.PlainText
+        width: Math.min(implicitWidth, parent.width - 96)
+        elide: Text.ElideRight
         color: "white"
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
         font { pixelSize: page.places.labelFont; weight: Font.Light }
         NumberAnimation on opacity {
             id: drift

@@ -62,11 +62,11 @@ Item {
         color: row.scheme.text
         font.pixelSize: 16
         fontSizeMode: Text.Fit
-        minimumPixelSize: 13
+        minimumPixelSize: 11
         height: parent.height - 6
         verticalAlignment: Text.AlignVCenter
         textFormat: Text.PlainText
-        wrapMode: Text.Wrap
+        wrapMode: Text.WordWrap
         maximumLineCount: 2
         elide: Text.ElideRight
     }
