@@ -125,6 +125,10 @@ void WindowDriver::waitFor(const std::string& name, double seconds) {
 }
 
 void WindowDriver::click(const std::string& name, Filter filter) {
+    run(5, [this] {
+        auto* const device = flow().deviceWindow();
+        return device == nullptr || !device->navigator().isMoving();
+    });
     QPoint place;
     for (int turn = 0; turn < 100; ++turn) {
         auto* const element = await(name, filter);

@@ -17,6 +17,7 @@ ApplicationWindow {
 
     Connections {
         target: host
+        function onAlertChanged() { Qt.callLater(content.takeFocus) }
         function onMoved(kind, animated) {
             const kinds = { table: "TablePage.qml", progress: "ProgressPage.qml", text: "TextPage.qml" }
             const page = pages.createObject(content, { source: kinds[host.screen.kind], screen: host.screen })
@@ -41,6 +42,7 @@ ApplicationWindow {
         anchors.bottomMargin: tabs.visible && !tabs.isWide ? tabs.height : 0
         anchors.leftMargin: tabs.visible && tabs.isWide ? tabs.width : 0
         clip: true
+        enabled: !move.running && host.alert === null
 
         property QtObject current: null
         property QtObject old: null
@@ -79,7 +81,15 @@ ApplicationWindow {
             }
             current.x = 0
             current.y = 0
+            Qt.callLater(takeFocus)
             host.transitionDone()
+        }
+
+        // Keys belong to the page, unless a dialog is above it.
+        function takeFocus() {
+            if (host.alert === null && current !== null && current.item !== null) {
+                current.item.forceActiveFocus()
+            }
         }
 
         ParallelAnimation {
@@ -98,6 +108,7 @@ ApplicationWindow {
     NavigationBar {
         id: bar
         visible: chooser.open && !window.isProgress
+        enabled: !move.running && host.alert === null
         scheme: window.scheme
         anchors { left: parent.left; right: parent.right; leftMargin: content.anchors.leftMargin }
         screen: host.screen
@@ -111,6 +122,7 @@ ApplicationWindow {
         width: isWide ? 200 : parent.width
         height: isWide ? parent.height : 50
         visible: host.tabsVisible
+        enabled: !move.running && host.alert === null
     }
 
     Loader {

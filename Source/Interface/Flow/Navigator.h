@@ -41,6 +41,9 @@ class Navigator {
     /// The screen on top of all.
     [[nodiscard]] OZViewController& visible() const;
     [[nodiscard]] bool isPresenting() const { return !_presented.empty(); }
+    /// Whether a change is being drawn. A host takes no input for the screens meanwhile: what one leaves and
+    /// the other begins would get mixed.
+    [[nodiscard]] bool isMoving() const { return _isMoving; }
     /// How many screens lie below the visible one on its tab; 0 for one that is over the tabs.
     [[nodiscard]] size_t depth() const { return isPresenting() ? 0 : _tabs[_selected].size() - 1; }
 

@@ -67,6 +67,7 @@ void OZAppDelegate::applicationWillEnterForeground() {
 
 bool OZAppDelegate::windowShouldClose() {
     if (_applicationShouldExitOnSuspend) {
+        saveChoices();
         return true;
     }
     if (!std::exchange(_isAsking, true)) {

@@ -79,7 +79,8 @@ void OZCleanupViewController::startCleanup(const std::optional<platform::Diction
 }
 
 void OZCleanupViewController::startAction(OZAction action, bool analyze) {
-    if (action == OZAction::none) {
+    // One that is still on the screen from the last run has to leave it first.
+    if (action == OZAction::none || _action != OZAction::none) {
         return;
     }
     // An analysis, too, writes its log into the tree.
