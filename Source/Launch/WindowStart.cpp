@@ -69,6 +69,10 @@ class Opened : public OpenDevice {
 } // namespace
 
 int WindowStart::run() {
+    if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
+        return fail("no switch given, and there is no display to open a window on; ozvarine --help lists "
+                    "options and switches");
+    }
     const std::string library = installedFile("libexec/libozvarine-desktop.so");
     if (!std::filesystem::exists(library)) {
         return fail(
@@ -76,10 +80,6 @@ int WindowStart::run() {
                         "program with qt6-base-dev, qt6-declarative-dev and libqt6svg6-dev, or name a "
                         "switch: ozvarine --help lists them",
                         library));
-    }
-    if (!isSet("DISPLAY") && !isSet("WAYLAND_DISPLAY") && !isSet("QT_QPA_PLATFORM")) {
-        return fail("no switch given, and there is no display to open a window on; ozvarine --help lists "
-                    "options and switches");
     }
     void* const loaded = ::dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (loaded == nullptr) {

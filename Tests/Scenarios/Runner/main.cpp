@@ -339,6 +339,10 @@ int main(int argc, char** argv) {
     if (tests::hasOwnMounts() && ::mount("tmpfs", "/dev/shm", "tmpfs", 0, "size=1g") == 0) {
         ::setenv("TMPDIR", "/dev/shm", 1);
     }
+    // No window opens by mistake on the display of whoever runs the tests.
+    for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        ::unsetenv(display);
+    }
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(OZ_SCENARIOS)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
