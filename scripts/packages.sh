@@ -1,6 +1,7 @@
 # Sourced by ./run, ./check and ./bench: what they need of Debian, installed where it is missing.
 
-build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqlite3-dev libasio-dev libfmt-dev)
+build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqlite3-dev libasio-dev libfmt-dev
+    libpng-dev)
 # What the program itself calls on the host.
 tool_packages=(findutils sed dpkg apt)
 test_packages=(libgtest-dev libgmock-dev sqlite3 zlib1g-dev)
