@@ -1,13 +1,14 @@
 # Sourced by ./run, ./check and ./bench: what they need of Debian, installed where it is missing.
 
-build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqlite3-dev libasio-dev libfmt-dev)
+build_packages=(g++ cmake ninja-build pkg-config libplist-dev libicu-dev libsqlite3-dev libasio-dev libfmt-dev
+    libpng-dev)
 # What the program itself calls on the host.
 tool_packages=(findutils sed dpkg apt)
 test_packages=(libgtest-dev libgmock-dev sqlite3 zlib1g-dev)
 # What scripts/style calls. Another version formats otherwise.
 style_packages=(clang-format-14 python3)
 # The window: what builds it, what draws it, fonts for all of its languages, and a display for its measures.
-window_packages=(qt6-base-dev qt6-declarative-dev libqt6svg6-dev libqt6svg6 libqt6quickcontrols2-6
+window_packages=(qt6-base-dev qt6-declarative-dev qt6-svg-dev libqt6svg6 libqt6quickcontrols2-6
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-dialogs qml6-module-qtquick-layouts
     qml6-module-qtquick-shapes qml6-module-qtquick-templates qml6-module-qtquick-window
     qml6-module-qt-labs-folderlistmodel qml6-module-qtqml qml6-module-qtqml-models qml6-module-qtqml-workerscript

@@ -11,6 +11,7 @@ MainWindow::MainWindow(DeviceOpener& opener, RecentDevices recent, std::function
           [this] {
               if (auto* device = _flow.deviceWindow(); device != nullptr) {
                   _host.setNavigator(device->navigator());
+                  _images->setCache(&device->imageCache());
               }
               _chooser.update();
           },
@@ -23,6 +24,8 @@ MainWindow::MainWindow(DeviceOpener& opener, RecentDevices recent, std::function
     context->setContextProperty("host", &_host);
     context->setContextProperty("settings", &_settings);
     context->setContextProperty("chooser", &_chooser);
+    context->setContextProperty("images", _images);
+    _engine.addImageProvider("oz", _images);
 }
 
 QQuickWindow* MainWindow::show() {

@@ -3,6 +3,7 @@
 #include "Desktop/Adapters/ChooserAdapter.h"
 #include "Desktop/Adapters/DesktopHost.h"
 #include "Desktop/Adapters/DesktopSettings.h"
+#include "Desktop/Adapters/ImageProvider.h"
 #include "Desktop/Adapters/QtMainQueue.h"
 #include "Interface/Flow/DeviceFlow.h"
 
@@ -30,6 +31,8 @@ class MainWindow {
     DesktopHost _host;
     DesktopSettings _settings;
     ChooserAdapter _chooser;
+    // The engine owns it, and goes before the caches that it asks.
+    ImageProvider* _images = new ImageProvider;
     DeviceFlow _flow;
     // Pages look at all of the above, so they go first.
     QQmlApplicationEngine _engine;

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+class ImageSource;
 class OZACConcrete;
 class OZViewController;
 struct Transition;
@@ -52,4 +53,6 @@ class Host {
 
     /// The height of the screen that the window is on, in points.
     [[nodiscard]] virtual double screenHeight() const = 0;
+    /// The program's own drawings, for as long as the host lives.
+    [[nodiscard]] virtual const ImageSource& imageSource() const = 0;
 };

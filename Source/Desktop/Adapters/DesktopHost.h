@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desktop/Adapters/AlertAdapter.h"
+#include "Desktop/Adapters/Drawings.h"
 #include "Desktop/Adapters/IdleInhibition.h"
 #include "Desktop/Adapters/ScreenAdapter.h"
 #include "Interface/Flow/Navigator.h"
@@ -55,6 +56,7 @@ class DesktopHost : public QObject, public Host {
     bool openURL(std::string_view url) override;
     [[nodiscard]] bool canOpenURL(std::string_view url) const override;
     [[nodiscard]] double screenHeight() const override;
+    [[nodiscard]] const ImageSource& imageSource() const override { return _drawings; }
 
     void showAlert(AlertAdapter& alert);
     void forget(AlertAdapter& alert);
@@ -73,4 +75,5 @@ class DesktopHost : public QObject, public Host {
     std::function<void()> _transitionDone;
     QString _activity;
     IdleInhibition _idleInhibition;
+    Drawings _drawings;
 };

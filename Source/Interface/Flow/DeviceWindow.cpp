@@ -9,6 +9,7 @@
 
 DeviceWindow::DeviceWindow(std::unique_ptr<OpenDevice> device, Host& host, std::function<void()> close)
     : _device(std::move(device))
+    , _imageCache(makeImageCache(_device->modelBuilder(), host.imageSource()))
     , _navigator(host)
     , _context{.device = _device->modelBuilder().device(),
                .languages = _device->modelBuilder().localizationManager(),

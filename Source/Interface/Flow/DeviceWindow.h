@@ -4,6 +4,7 @@
 #include "Interface/Flow/Navigator.h"
 #include "Interface/Flow/OZAppDelegate.h"
 #include "Interface/Flow/OZControllerBuilder.h"
+#include "Interface/Images/OZImageCache.h"
 #include "Interface/InterfaceContext.h"
 
 #include <functional>
@@ -18,6 +19,7 @@ class DeviceWindow {
     [[nodiscard]] Navigator& navigator() { return _navigator; }
     [[nodiscard]] OZAppDelegate& delegate() { return _delegate; }
     [[nodiscard]] OZControllerBuilder& controllers() { return _controllers; }
+    [[nodiscard]] OZImageCache& imageCache() { return *_imageCache; }
     [[nodiscard]] InterfaceContext& context() { return _context; }
     /// Shows the first screen, and why nothing may be changed, where that is so.
     void start();
@@ -26,6 +28,7 @@ class DeviceWindow {
     void performDeviceAction(OZDeviceAction action);
 
     std::unique_ptr<OpenDevice> _device;
+    std::unique_ptr<OZImageCache> _imageCache;
     Navigator _navigator;
     InterfaceContext _context;
     platform::Application _application;

@@ -4,14 +4,19 @@
 #include "Platform/Files/FileManager.h"
 
 #include <algorithm>
-#include <string>
-#include <vector>
+#include <ranges>
 
 namespace {
 
 constexpr std::string_view extension = ".png";
 constexpr std::string_view scales[] = {"", "@2x", "@3x"};
 constexpr std::string_view idioms[] = {"", "~iphone", "~ipad"};
+// What icons are called where nothing tells of them.
+constexpr std::string_view classicalNames[] = {"AppIcon29x29", "AppIcon40x40", "AppIcon60x60", "Icon-Small",
+                                               "Icon-60",      "Icon",         "icon"};
+// More than any bundle has; a list that somebody has made to be long costs no more.
+constexpr size_t mostIconNames = 32;
+constexpr size_t mostIconFiles = 32;
 constexpr std::string_view iconKeys[] = {"CFBundleIcons", "CFBundleIcons~ipad"};
 
 void addNamesAt(const platform::Dictionary& dictionary, std::string_view key,
@@ -48,17 +53,23 @@ bool isFile(platform::FileManager& fileManager, const std::string& path) {
     return fileManager.fileExistsAtPath(path, &isDirectory) && !isDirectory;
 }
 
-bool hasIconFile(platform::FileManager& fileManager, std::string_view bundlePath, const std::string& name) {
+/// Calls `visit` with each file that a name may stand for and that is there, until it says that this is
+/// enough.
+template <class Visit>
+bool visitIconFiles(platform::FileManager& fileManager, std::string_view bundlePath, std::string_view name,
+                    Visit visit) {
     auto stem = platform::joinPath(bundlePath, name);
-    if (isFile(fileManager, stem)) {
-        return true;
-    }
-    if (stem.ends_with(extension)) {
+    const auto visitFile = [&](const std::string& path) { return isFile(fileManager, path) && visit(path); };
+    if (!stem.ends_with(extension)) {
+        if (visitFile(stem)) {
+            return true;
+        }
+    } else {
         stem.resize(stem.size() - extension.size());
     }
     for (const auto scale : scales) {
         for (const auto idiom : idioms) {
-            if (isFile(fileManager, std::string(stem).append(scale).append(idiom).append(extension))) {
+            if (visitFile(std::string(stem).append(scale).append(idiom).append(extension))) {
                 return true;
             }
         }
@@ -71,6 +82,25 @@ bool hasIconFile(platform::FileManager& fileManager, std::string_view bundlePath
 bool bundleHasIconFile(platform::FileManager& fileManager, std::string_view bundlePath) {
     const auto infoPlist = readInfoPlist(fileManager, bundlePath);
     return infoPlist && std::ranges::any_of(iconNames(*infoPlist), [&](const std::string& name) {
-               return hasIconFile(fileManager, bundlePath, name);
+               return visitIconFiles(fileManager, bundlePath, name, [](const std::string&) { return true; });
            });
+}
+
+std::vector<std::string> iconFilesOfBundle(platform::FileManager& fileManager, std::string_view bundlePath) {
+    std::vector<std::string> files;
+    const auto addFilesOf = [&](std::string_view name) {
+        visitIconFiles(fileManager, bundlePath, name, [&](const std::string& path) {
+            if (std::ranges::find(files, path) == files.end()) {
+                files.push_back(path);
+            }
+            return files.size() >= mostIconFiles;
+        });
+    };
+    if (const auto infoPlist = readInfoPlist(fileManager, bundlePath)) {
+        std::ranges::for_each(iconNames(*infoPlist) | std::views::take(mostIconNames), addFilesOf);
+    }
+    if (files.empty()) {
+        std::ranges::for_each(classicalNames, addFilesOf);
+    }
+    return files;
 }

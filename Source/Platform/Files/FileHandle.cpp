@@ -115,6 +115,26 @@ Result<std::string> FileHandle::readToEnd(uint64_t limit) {
     }
 }
 
+Result<std::string> FileHandle::readUpTo(size_t count) {
+    if (auto flushed = flush(); !flushed) {
+        return std::unexpected(flushed.error());
+    }
+    std::string content(count, '\0');
+    size_t size = 0;
+    while (size < count) {
+        const ssize_t read = ::read(_descriptor.get(), content.data() + size, count - size);
+        if (read < 0 && errno != EINTR) {
+            return lastError();
+        }
+        if (read == 0) {
+            break;
+        }
+        size += static_cast<size_t>(std::max<ssize_t>(read, 0));
+    }
+    content.resize(size);
+    return content;
+}
+
 Result<void> FileHandle::synchronize() {
     if (auto flushed = flush(); !flushed) {
         return flushed;

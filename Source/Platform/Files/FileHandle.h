@@ -37,6 +37,8 @@ class FileHandle {
     Result<void> seekToEnd();
     /// Reads from the current position to the end; more than `limit` bytes is an error (EFBIG).
     Result<std::string> readToEnd(uint64_t limit);
+    /// Reads at most so many bytes from the current position, fewer only at the end.
+    Result<std::string> readUpTo(size_t count);
     /// Waits until what was written is on the disk.
     Result<void> synchronize();
 

@@ -2,6 +2,7 @@
 
 #include "Interface/Alerts/OZACConcrete.h"
 #include "Interface/Host.h"
+#include "Interface/Images/ImageSource.h"
 #include "Interface/OZViewController.h"
 #include "Interface/Screens/Clean/OZCleanupView.h"
 #include "Interface/Table/TableView.h"
@@ -32,6 +33,7 @@ class TextHost : public Host {
     [[nodiscard]] bool canOpenURL(std::string_view /*url*/) const override { return true; }
     void setIdleTimerDisabled(bool disabled) override;
     [[nodiscard]] double screenHeight() const override { return 667; }
+    [[nodiscard]] const ImageSource& imageSource() const override { return _noDrawings; }
 
     void say(const std::string& line) const { _say(line); }
     /// The dialogs that are shown, the last one on top.
@@ -39,8 +41,15 @@ class TextHost : public Host {
 
   private:
     class View;
+    struct NoDrawings : ImageSource {
+        [[nodiscard]] double screenScale() const override { return 1; }
+        [[nodiscard]] std::optional<platform::Image> imageNamed(std::string_view) const override {
+            return std::nullopt;
+        }
+    };
 
     Say _say;
+    NoDrawings _noDrawings;
     std::vector<std::unique_ptr<View>> _views;
 };
 
