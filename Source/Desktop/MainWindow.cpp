@@ -1,6 +1,7 @@
 #include "Desktop/MainWindow.h"
 
 #include <QGuiApplication>
+#include <QInputMethod>
 #include <QQmlContext>
 #include <QQuickWindow>
 #include <QSessionManager>
@@ -15,11 +16,17 @@ MainWindow::MainWindow(DeviceOpener& opener, RecentDevices recent, std::function
               }
               _chooser.update();
           },
-          std::move(close)) {
+          std::move(close))
+    , _memoryPressure([this] {
+        if (auto* device = _flow.deviceWindow(); device != nullptr) {
+            device->warnOfMemory();
+        }
+    }) {
     // From a static library nothing else would link them.
     Q_INIT_RESOURCE(pages);
     _chooser.setFlow(_flow);
     followTheSession();
+    followTheKeyboard();
     auto* const context = _engine.rootContext();
     context->setContextProperty("host", &_host);
     context->setContextProperty("settings", &_settings);
@@ -32,6 +39,20 @@ QQuickWindow* MainWindow::show() {
     _engine.load(QUrl("qrc:/Pages/Main.qml"));
     return _engine.rootObjects().isEmpty() ? nullptr
                                            : qobject_cast<QQuickWindow*>(_engine.rootObjects().front());
+}
+
+void MainWindow::followTheKeyboard() {
+    auto* const keyboard = QGuiApplication::inputMethod();
+    const auto tell = [this, keyboard] {
+        if (auto* device = _flow.deviceWindow(); device != nullptr) {
+            const QRectF frame = keyboard->keyboardRectangle();
+            device->keyboardListener().keyboardChanged(
+                keyboard->isVisible() && !frame.isEmpty(),
+                {.x = frame.x(), .y = frame.y(), .width = frame.width(), .height = frame.height()});
+        }
+    };
+    QObject::connect(keyboard, &QInputMethod::visibleChanged, &_host, tell);
+    QObject::connect(keyboard, &QInputMethod::keyboardRectangleChanged, &_host, tell);
 }
 
 void MainWindow::followTheSession() {

@@ -4,6 +4,7 @@
 #include "Desktop/Adapters/DesktopHost.h"
 #include "Desktop/Adapters/DesktopSettings.h"
 #include "Desktop/Adapters/ImageProvider.h"
+#include "Desktop/Adapters/MemoryPressure.h"
 #include "Desktop/Adapters/QtMainQueue.h"
 #include "Interface/Flow/DeviceFlow.h"
 
@@ -26,6 +27,7 @@ class MainWindow {
 
   private:
     void followTheSession();
+    void followTheKeyboard();
 
     QtMainQueue _queue;
     DesktopHost _host;
@@ -34,6 +36,7 @@ class MainWindow {
     // The engine owns it, and goes before the caches that it asks.
     ImageProvider* _images = new ImageProvider;
     DeviceFlow _flow;
+    MemoryPressure _memoryPressure;
     // Pages look at all of the above, so they go first.
     QQmlApplicationEngine _engine;
 };

@@ -10,13 +10,17 @@ class PageView : public ScreenAdapter, public View {
     using ScreenAdapter::ScreenAdapter;
 
     void barChanged() override { emit barUpdated(); }
-    [[nodiscard]] Rectangle bounds() const override { return _bounds; }
+    [[nodiscard]] Rectangle bounds() const override {
+        return {.width = place().width, .height = place().height};
+    }
     [[nodiscard]] double navigationBarBottom() const override { return 0; }
     [[nodiscard]] double tabBarHeight() const override { return 0; }
     [[nodiscard]] double safeAreaBottom() const override { return 0; }
-    [[nodiscard]] Rectangle converted(const Rectangle& inWindow) const override { return inWindow; }
-    void setInsets(const Insets& /*insets*/, double /*duration*/) override {}
-
-  protected:
-    Rectangle _bounds{.width = 375, .height = 667};
+    [[nodiscard]] Rectangle converted(const Rectangle& inWindow) const override {
+        return {.x = inWindow.x - place().x,
+                .y = inWindow.y - place().y,
+                .width = inWindow.width,
+                .height = inWindow.height};
+    }
+    void setInsets(const Insets& insets, double /*duration*/) override { setBottomInset(insets.bottom); }
 };

@@ -8,6 +8,14 @@ QString ScreenAdapter::title() const {
     return QString::fromStdString(_screen.navigationItem().title);
 }
 
+void ScreenAdapter::notePlace(double x, double y, double width, double height) {
+    const Rectangle place{.x = x, .y = y, .width = width, .height = height};
+    if (place != _place) {
+        _place = place;
+        _screen.viewDidTransition();
+    }
+}
+
 QString ScreenAdapter::titleOf(const std::optional<BarButton>& button) {
     return button ? QString::fromStdString(button->title) : QString();
 }

@@ -13,6 +13,7 @@ class ScreenAdapter : public QObject {
     Q_PROPERTY(QString leftTitle READ leftTitle NOTIFY barUpdated)
     Q_PROPERTY(bool leftEnabled READ isLeftEnabled NOTIFY barUpdated)
     Q_PROPERTY(QString rightTitle READ rightTitle NOTIFY barUpdated)
+    Q_PROPERTY(double bottomInset READ bottomInset NOTIFY insetsUpdated)
     Q_PROPERTY(bool rightEnabled READ isRightEnabled NOTIFY barUpdated)
 
   public:
@@ -30,8 +31,22 @@ class ScreenAdapter : public QObject {
     Q_INVOKABLE void pressLeft() const { press(_screen.navigationItem().leftButton); }
     Q_INVOKABLE void pressRight() const { press(_screen.navigationItem().rightButton); }
 
+    /// Space below what scrolls, in points.
+    [[nodiscard]] double bottomInset() const { return _bottomInset; }
+
+    /// Where the page lies in the window, in points.
+    Q_INVOKABLE void notePlace(double x, double y, double width, double height);
+
   signals:
     void barUpdated();
+    void insetsUpdated();
+
+  protected:
+    [[nodiscard]] const Rectangle& place() const { return _place; }
+    void setBottomInset(double inset) {
+        _bottomInset = inset;
+        emit insetsUpdated();
+    }
 
   private:
     static QString titleOf(const std::optional<BarButton>& button);
@@ -40,4 +55,6 @@ class ScreenAdapter : public QObject {
 
     OZViewController& _screen;
     QString _kind;
+    double _bottomInset = 0;
+    Rectangle _place;
 };

@@ -32,6 +32,10 @@ ApplicationWindow {
             anchors.fill: undefined
             width: content.width
             height: content.height
+            onWidthChanged: notePlace()
+            onHeightChanged: notePlace()
+            Component.onCompleted: notePlace()
+            function notePlace() { screen.notePlace(content.x, content.y, width, height) }
         }
     }
 

@@ -10,6 +10,7 @@ ListView {
 
     model: screen.entries
     clip: true
+    bottomMargin: screen.bottomInset
     boundsBehavior: Flickable.StopAtBounds
     activeFocusOnTab: true
     keyNavigationEnabled: true

@@ -7,6 +7,7 @@ ScrollView {
     property var screen: parent.screen
     property var scheme: ApplicationWindow.window.scheme
     background: Rectangle { color: page.scheme.card }
+    bottomPadding: screen.bottomInset
     TextArea {
         text: page.screen.content
         readOnly: true

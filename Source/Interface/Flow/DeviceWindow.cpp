@@ -10,6 +10,7 @@
 DeviceWindow::DeviceWindow(std::unique_ptr<OpenDevice> device, Host& host, std::function<void()> close)
     : _device(std::move(device))
     , _imageCache(makeImageCache(_device->modelBuilder(), host.imageSource()))
+    , _keyboardListener(_device->modelBuilder().device().notificationCenter())
     , _navigator(host)
     , _context{.device = _device->modelBuilder().device(),
                .languages = _device->modelBuilder().localizationManager(),
@@ -28,7 +29,11 @@ DeviceWindow::DeviceWindow(std::unique_ptr<OpenDevice> device, Host& host, std::
                             }
                         }})
     , _delegate(_context, _application)
-    , _controllers(&_device->modelBuilder(), &_delegate, _context) {}
+    , _controllers(&_device->modelBuilder(), &_delegate, _context, *_imageCache, _keyboardListener) {}
+
+void DeviceWindow::warnOfMemory() {
+    _context.device.notificationCenter().post(OZImageCache::memoryWarningNotification);
+}
 
 void DeviceWindow::start() {
     _controllers.showRootViewController();

@@ -6,6 +6,7 @@
 #include "Interface/Flow/OZControllerBuilder.h"
 #include "Interface/Images/OZImageCache.h"
 #include "Interface/InterfaceContext.h"
+#include "Interface/OZKeyboardListener.h"
 
 #include <functional>
 #include <memory>
@@ -20,7 +21,10 @@ class DeviceWindow {
     [[nodiscard]] OZAppDelegate& delegate() { return _delegate; }
     [[nodiscard]] OZControllerBuilder& controllers() { return _controllers; }
     [[nodiscard]] OZImageCache& imageCache() { return *_imageCache; }
+    [[nodiscard]] OZKeyboardListener& keyboardListener() { return _keyboardListener; }
     [[nodiscard]] InterfaceContext& context() { return _context; }
+    /// The computer is short of memory: what can be made again goes.
+    void warnOfMemory();
     /// Shows the first screen, and why nothing may be changed, where that is so.
     void start();
 
@@ -29,6 +33,7 @@ class DeviceWindow {
 
     std::unique_ptr<OpenDevice> _device;
     std::unique_ptr<OZImageCache> _imageCache;
+    OZKeyboardListener _keyboardListener;
     Navigator _navigator;
     InterfaceContext _context;
     platform::Application _application;

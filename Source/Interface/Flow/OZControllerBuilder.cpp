@@ -55,12 +55,15 @@ class OZControllerBuilder::TextProvider : public OZTextViewControllerProvider {
 };
 
 OZControllerBuilder::OZControllerBuilder(OZModelBuilder* modelBuilder, OZAppDelegate* applicationDelegate,
-                                         InterfaceContext& context)
+                                         InterfaceContext& context, OZImageCache& imageCache,
+                                         OZKeyboardState& keyboardListener)
     : _modelBuilder((modelBuilder != nullptr && applicationDelegate != nullptr)
                         ? *modelBuilder
                         : throw platform::AssertionFailure("modelBuilder && applicationDelegate"))
     , _applicationDelegate(*applicationDelegate)
-    , _context(context) {}
+    , _context(context)
+    , _imageCache(imageCache)
+    , _keyboardListener(keyboardListener) {}
 
 OZControllerBuilder::~OZControllerBuilder() = default;
 
@@ -121,4 +124,6 @@ std::unique_ptr<OZTextViewController> OZControllerBuilder::buildPlaceholder(cons
 
 void OZControllerBuilder::configureOZViewController(OZViewController& screen) {
     screen.adBannerListener = &adController();
+    screen.keyboardListener = &_keyboardListener;
+    screen.imageCache = &_imageCache;
 }

@@ -18,7 +18,8 @@ class OZControllerBuilder {
     /// Throws AssertionFailure where the model or the delegate is missing. All that is given outlives the
     /// builder.
     OZControllerBuilder(OZModelBuilder* modelBuilder, OZAppDelegate* applicationDelegate,
-                        InterfaceContext& context);
+                        InterfaceContext& context, OZImageCache& imageCache,
+                        OZKeyboardState& keyboardListener);
     OZControllerBuilder(const OZControllerBuilder&) = delete;
     OZControllerBuilder& operator=(const OZControllerBuilder&) = delete;
     ~OZControllerBuilder();
@@ -45,6 +46,8 @@ class OZControllerBuilder {
     OZModelBuilder& _modelBuilder;
     OZAppDelegate& _applicationDelegate;
     InterfaceContext& _context;
+    OZImageCache& _imageCache;
+    OZKeyboardState& _keyboardListener;
     std::unique_ptr<OZAdController> _adController;
     std::unique_ptr<OZTextViewControllerProvider> _textViewControllerProvider;
     std::unique_ptr<OZCleanupViewController> _cleanupViewController;
