@@ -6,6 +6,7 @@ OZTextViewController::OZTextViewController(InterfaceContext& context, std::funct
 
 void OZTextViewController::setContent(std::string content) {
     _content = std::move(content);
+    ++_contentNumber;
     barChanged();
 }
 

@@ -14,6 +14,8 @@ class OZTextViewController : public OZViewController {
 
     [[nodiscard]] const std::string& content() const { return _content; }
     void setContent(std::string content);
+    /// Another number for each content.
+    [[nodiscard]] uint64_t contentNumber() const { return _contentNumber; }
     /// A literal, or, where it is one, a key of the language files.
     void setTitleKey(std::string key) { _titleKey = std::move(key); }
     using OZViewController::setTabTitleKey;
@@ -26,5 +28,6 @@ class OZTextViewController : public OZViewController {
   private:
     std::function<void()> _close;
     std::string _content;
+    uint64_t _contentNumber = 1;
     std::string _titleKey;
 };
