@@ -88,7 +88,12 @@ FocusScope {
                             verticalAlignment: Text.AlignVCenter
                         }
                         background: Item {
-                            Rectangle { width: parent.width; height: 1; color: dialog.scheme.line }
+                            Rectangle {
+                                visible: button.index > 0 || column.topPadding > 0
+                                width: parent.width
+                                height: 1
+                                color: dialog.scheme.line
+                            }
                             Rectangle {
                                 anchors { fill: parent; margins: 3 }
                                 radius: 10

@@ -68,7 +68,7 @@ Item {
         textFormat: Text.PlainText
         wrapMode: Text.WordWrap
         maximumLineCount: 2
-        elide: Text.ElideRight
+        clip: true
     }
     Loader {
         id: control
