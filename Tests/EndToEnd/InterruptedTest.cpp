@@ -6,7 +6,7 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Engine.h"
-#include "Tests/Support/Mounts.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <algorithm>
@@ -25,9 +25,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+using scenarios::effectsOn;
 using scenarios::World;
 using testing::IsEmpty;
-using tests::differences;
 using tests::Engine;
 using tests::TreeSnapshot;
 using tests::withoutBackupNames;
@@ -136,14 +136,14 @@ void takesNothingElseAndIsCompletedByTheNext(Aftermath& aftermath) {
 
 void losesNothingAndIsRestored(Aftermath& aftermath) {
     auto& [world, before, whole, work] = aftermath;
-    EXPECT_THAT(differences(before, withoutBackupNames(world.tree())), IsEmpty());
+    EXPECT_THAT(effectsOn(before, withoutBackupNames(world.tree())), IsEmpty());
     static bool repeats = false;
     repeats = !repeats;
     if (repeats) {
         runInProcess(world, work);
     }
     runInProcess(world, restoreAll);
-    EXPECT_THAT(differences(before, world.tree()), IsEmpty());
+    EXPECT_THAT(effectsOn(before, world.tree()), IsEmpty());
 }
 
 /// Those of the numbers that are saved, one in three places.

@@ -9,9 +9,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using scenarios::effectsOn;
 using testing::IsEmpty;
 using tests::Aftermath;
-using tests::differences;
 using tests::TreeSnapshot;
 using tests::withoutBackupNames;
 
@@ -27,11 +27,11 @@ std::vector<std::string> itemsNamed(const Aftermath& aftermath) {
 } // namespace
 
 void nothingChanges(const Aftermath& aftermath) {
-    EXPECT_THAT(differences(aftermath.before, aftermath.after), IsEmpty());
+    EXPECT_THAT(effectsOn(aftermath.before, aftermath.after), IsEmpty());
 }
 
 void onlyBackupNamesChange(const Aftermath& aftermath) {
-    EXPECT_THAT(differences(withoutBackupNames(aftermath.before), withoutBackupNames(aftermath.after)),
+    EXPECT_THAT(effectsOn(withoutBackupNames(aftermath.before), withoutBackupNames(aftermath.after)),
                 IsEmpty());
 }
 
@@ -41,8 +41,8 @@ void onlyWhatIsJunkGoes(const Aftermath& aftermath) {
         return std::ranges::any_of(
             junk, [&](const auto& top) { return path == top || scenarios::isBelow(path, top); });
     };
-    for (const auto& line : differences(aftermath.before, aftermath.after)) {
-        EXPECT_TRUE(line.starts_with("gone ") && isJunk(line.substr(5))) << line;
+    for (const auto& line : effectsOn(aftermath.before, aftermath.after)) {
+        EXPECT_TRUE(line.starts_with("- ") && isJunk(line.substr(3, line.find_last_not_of('/') - 2))) << line;
     }
     const bool claimsSuccess = aftermath.subject.done && aftermath.subject.done->has_value();
     for (const auto& [path, state] : aftermath.after) {

@@ -1,5 +1,6 @@
 #include "Tests/Faults/Trial.h"
 
+#include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <array>
@@ -82,7 +83,8 @@ void attempt(const Trial& trial, const Fault* fault, Whole& whole) {
         whole.tree = aftermath.after;
         whole.count = subject.count;
     } else if (aftermath.isUndisturbed) {
-        EXPECT_THAT(differences(withoutTimes(whole.tree), withoutTimes(aftermath.after)), testing::IsEmpty());
+        EXPECT_THAT(scenarios::effectsOn(withoutTimes(whole.tree), withoutTimes(aftermath.after)),
+                    testing::IsEmpty());
         EXPECT_EQ(subject.count, whole.count);
         EXPECT_TRUE(!subject.done || subject.done->has_value());
     }

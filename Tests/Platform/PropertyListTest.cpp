@@ -4,7 +4,7 @@
 #include "Platform/Formats/PropertyList.h"
 
 #include "Tests/Platform/PropertyListTexts.h"
-#include "Tests/Support/Sanitized.h"
+#include "Tests/Support/Host.h"
 
 #include <cmath>
 #include <fstream>

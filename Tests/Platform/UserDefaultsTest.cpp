@@ -4,6 +4,7 @@
 #include "Platform/Device/UserDefaults.h"
 
 #include "Tests/Support/TemporaryFolder.h"
+#include "Tests/Support/TreeSnapshot.h"
 
 #include <chrono>
 #include <csignal>
@@ -104,7 +105,7 @@ TEST_F(UserDefaultsTest, TwoProcessesThatSaveAtOnceLeaveOneWholeFile) {
         EXPECT_EQ(status, 0);
     }
     ASSERT_TRUE(isWhole());
-    EXPECT_EQ(root.listing().size(), 2) << "the folder and the file";
+    EXPECT_EQ(tests::snapshotOf(root.path()).size(), 2) << "the folder and the file";
 }
 
 } // namespace

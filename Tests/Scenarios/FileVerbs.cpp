@@ -1,13 +1,9 @@
 // What scenarios can do with items of the tree by way of the file manager.
 
 #include "Platform/Files/FileManager.h"
-#include "Tests/Scenarios/Answers.h"
-#include "Tests/Support/HostFile.h"
+#include "Tests/Scenarios/Verbs.h"
 
 #include <csignal>
-#include <fstream>
-#include <ranges>
-#include <set>
 
 #include <grp.h>
 #include <sys/resource.h>
@@ -36,7 +32,7 @@ std::string textOf(const FileAttributes& attributes) {
 
 std::string textOf(Words names) {
     std::ranges::sort(names);
-    return fmt::format("{}", fmt::join(names, " "));
+    return joined(names);
 }
 
 std::string textOf(const FileSystemAttributes& attributes) {
@@ -201,34 +197,31 @@ void onPaths(World& world, const Words& words, size_t handle, bool isOnItems) {
         return world.say("no root");
     }
     const auto answer = [&](const std::string& path, const std::string& wish) {
-        const size_t equals = std::min(wish.find('='), wish.size());
-        const std::string name = wish.substr(0, equals);
-        const std::string to = wish.substr(std::min(equals + 1, wish.size()));
+        const auto [name, to] = namedValue(wish);
         if (!isOnItems) {
             return act(handles.at(handle), name, path, to);
         }
         const auto item = itemNamed(handles.at(handle), path);
         return item ? act(*item, name, to) : answerOf(item);
     };
-    sayAnswers(world, {words.begin() + 1, words.end()}, [&](const std::string& path) {
+    sayAnswers(world, rest(words), [&](const std::string& path) {
         Words answers;
         for (const auto wish : std::views::split(words[0], ',')) {
             answers.push_back(answer(path, std::string(wish.begin(), wish.end())));
         }
         const bool agree = std::ranges::adjacent_find(answers, std::not_equal_to()) == answers.end();
-        return escaped(agree ? answers[0] : fmt::format("{}", fmt::join(answers, ", ")));
+        return escaped(agree ? answers[0] : joined(answers, "", ", "));
     });
 }
 
 /// Notes an extended attribute on items, by their paths in the tree, and says what is noted.
-void note(World& world, const Words& words) {
-    for (size_t at = 1; at < words.size(); ++at) {
-        ::setxattr(world.folder.hostPath(words[at]).c_str(), "user.note", words[0].data(), words[0].size(),
-                   0);
+VERB("note") {
+    for (const auto& path : rest(words)) {
+        ::setxattr(world.folder.hostPath(path).c_str(), "user.note", words[0].data(), words[0].size(), 0);
     }
 }
 
-void noted(World& world, const Words& words) {
+VERB("noted") {
     sayAnswers(world, words, [&](const std::string& path) {
         char text[16];
         const ssize_t size = ::getxattr(world.folder.hostPath(path).c_str(), "user.note", text, sizeof text);
@@ -236,16 +229,10 @@ void noted(World& world, const Words& words) {
     });
 }
 
-void socket(World& world, const Words& words) {
-    for (const auto& path : words) {
-        ::mknod(world.folder.hostPath(path).c_str(), S_IFSOCK | 0644, 0);
-    }
-}
-
 /// Does an action in a process of its own: "as user=501 …", "as umask=63 …", "as fsize=1000 …" (files get no
 /// larger).
-void as(World& world, const Words& words) {
-    const auto number = static_cast<uid_t>(std::stoul(words.at(0).substr(words[0].find('=') + 1)));
+VERB("as") {
+    const auto number = static_cast<uid_t>(std::stoul(namedValue(words.at(0)).second));
     const std::string said = world.folder.folder() / "said";
     std::ofstream file(said);
     const pid_t child = ::fork();
@@ -257,15 +244,13 @@ void as(World& world, const Words& words) {
                                       ::setresuid(number, number, number) == 0
                             : words[0].starts_with("umask") ? ::umask(number) != number
                                                             : ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
-        became ? Verbs::named(words.at(1))(world, {words.begin() + 2, words.end()})
-               : world.say("no such process");
-        file << fmt::format("{}", fmt::join(world.takeOutput(), "\n")) << std::flush;
+        file << joined(became ? saidBy(world, words.at(1), rest(words, 2)) : Words{"no such process"}, "",
+                       "\n")
+             << std::flush;
         ::_exit(0);
     }
     ::waitpid(child, nullptr, 0);
-    for (const auto& line : linesOf(tests::contentOf(said))) {
-        world.say(line.substr(2));
-    }
+    std::ranges::for_each(linesOf(tests::contentOf(said)), [&](const auto& line) { world.say(line); });
 }
 
 template <size_t handle, bool isOnItems>
@@ -273,8 +258,8 @@ void on(World& world, const Words& words) {
     onPaths(world, words, handle, isOnItems);
 }
 
-const Verbs verbs{{"as", as},       {"files", on<0, false>}, {"item", on<0, true>},       {"note", note},
-                  {"noted", noted}, {"other", on<1, false>}, {"other-item", on<1, true>}, {"socket", socket}};
+const Verbs verbs{
+    {"files", on<0, false>}, {"item", on<0, true>}, {"other", on<1, false>}, {"other-item", on<1, true>}};
 
 } // namespace
 

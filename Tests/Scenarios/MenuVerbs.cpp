@@ -1,11 +1,8 @@
 // What scenarios can do with the built program at a terminal, and with its switches.
 
 #include "Controller/CommandLine/OZCLIController.h"
-#include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/HostFile.h"
-#include "Tests/Support/StandardOutput.h"
+#include "Tests/Scenarios/Verbs.h"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <latch>
@@ -13,7 +10,6 @@
 #include <stdexcept>
 #include <thread>
 
-#include <fmt/ranges.h>
 #include <poll.h>
 #include <pty.h>
 #include <sys/wait.h>
@@ -186,31 +182,30 @@ void start(World& world, const std::string& command) {
 }
 
 /// "terminal command line": what it shows up to the first prompt. $PID is its process from then on.
-void openTerminal(World& world, const Words& words) {
+VERB("terminal") {
     start(world, fmt::to_string(fmt::join(words, " ")));
 }
 
 /// "enter line line…": the screen after each.
-void enter(World& world, const Words& words) {
+VERB("enter") {
     for (const auto& line : words) {
         show(world, terminalOf(world).screenAfter(line), line + "> ");
     }
 }
 
 /// "go line line…": the same without a word.
-void go(World& world, const Words& words) {
-    enter(world, words);
-    world.takeOutput();
+VERB("go") {
+    saidBy(world, "enter", words);
 }
 
 /// "menu line line…": the program's menu, on the screen that the lines lead to, without a word.
-void openMenu(World& world, const Words& words) {
+VERB("menu") {
     start(world, "exec ozvarine --device . -cli");
-    go(world, words);
+    saidBy(world, "enter", words);
 }
 
 /// "try line line…": what each leads to, by the first lines of the screens, and back by [Enter].
-void tryLines(World& world, const Words& words) {
+VERB("try") {
     std::map<std::string, Words> answers;
     for (const auto& line : words) {
         answers[headingOf(terminalOf(world).screenAfter(line))].push_back(line);
@@ -222,12 +217,12 @@ void tryLines(World& world, const Words& words) {
 }
 
 /// "work line message": the screen after a line, with a message that may be seen meanwhile.
-void work(World& world, const Words& words) {
+VERB("work") {
     show(world, terminalOf(world).screenAfter(words.at(0), words.at(1)), words[0] + "> ");
 }
 
 /// "press bytes": what is shown then, echo included.
-void press(World& world, const Words& words) {
+VERB("press") {
     terminalOf(world).type(words.at(0));
     const std::string picture = terminalOf(world).screen();
     const size_t echo = std::min(picture.find(clearing), picture.size());
@@ -236,7 +231,7 @@ void press(World& world, const Words& words) {
 }
 
 /// "end [bytes]": how the program ends by these, whatever it shows before that.
-void end(World& world, const Words& words) {
+VERB("end") {
     terminalOf(world).type(words.empty() ? "" : words[0]);
     std::string picture;
     while (!picture.contains("<end")) {
@@ -245,12 +240,12 @@ void end(World& world, const Words& words) {
     world.say(picture.substr(picture.find("<end")));
 }
 
-void hangUp(World& world, const Words& /*words*/) {
+VERB("hangup") {
     world.say(terminalOf(world).hangUp());
 }
 
 /// What the menu shows while something takes six ticks of the clock, and how long they are.
-void wait(World& world, const Words& words) {
+VERB("wait") {
     std::latch sleeps(6);
     std::set<double> seconds;
     world.device().setSleep([&](double length) {
@@ -266,7 +261,7 @@ void wait(World& world, const Words& words) {
 }
 
 /// "ozvarine arguments": its status and the lines that it prints; an error stands behind the line before it.
-void ozvarine(World& world, const Words& words) {
+VERB("ozvarine") {
     world.shell(fmt::format("ozvarine {}", fmt::join(words, " ")));
     Lines lines = world.takeOutput();
     const bool failed = !lines.empty() && lines.back().starts_with("= ");
@@ -279,10 +274,6 @@ void ozvarine(World& world, const Words& words) {
     }
     std::ranges::for_each(said, [&](const auto& line) { world.say(line); });
 }
-
-const Verbs verbs{{"terminal", openTerminal}, {"menu", openMenu}, {"enter", enter},      {"go", go},
-                  {"try", tryLines},          {"work", work},     {"press", press},      {"end", end},
-                  {"hangup", hangUp},         {"wait", wait},     {"ozvarine", ozvarine}};
 
 } // namespace
 

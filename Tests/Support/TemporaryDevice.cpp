@@ -1,6 +1,6 @@
 #include "Tests/Support/TemporaryDevice.h"
 
-#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Host.h"
 
 #include <fstream>
 #include <iterator>

@@ -128,22 +128,4 @@ std::string describe(const std::string& path, const ItemState& state) {
                        state.modified.tv_sec, state.modified.tv_nsec, state.content);
 }
 
-std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after) {
-    std::vector<std::string> lines;
-    for (const auto& [path, state] : before) {
-        const auto found = after.find(path);
-        if (found == after.end()) {
-            lines.push_back("gone " + path);
-        } else if (found->second != state) {
-            lines.push_back("changed " + describe(path, state) + " to " + describe(path, found->second));
-        }
-    }
-    for (const auto& [path, state] : after) {
-        if (!before.contains(path)) {
-            lines.push_back("new " + path);
-        }
-    }
-    return lines;
-}
-
 } // namespace tests

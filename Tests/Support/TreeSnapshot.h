@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <vector>
 
 #include <sys/stat.h>
 
@@ -38,7 +37,5 @@ TreeSnapshot snapshotOf(const std::string& hostFolder);
 TreeSnapshot withoutBackupNames(const TreeSnapshot& tree);
 /// One line: path, mode in octal, owner, size, time and content.
 std::string describe(const std::string& path, const ItemState& state);
-/// What became of a tree: lines that begin with "gone", "new" or "changed"; none for no change.
-std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after);
 
 } // namespace tests

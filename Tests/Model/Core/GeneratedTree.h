@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Device/DeviceFacts.h"
-#include "Tests/Support/Program.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 

@@ -1,9 +1,9 @@
 #include "Model/Core/OZCleanupLogger.h"
 #include "Tests/Model/Core/GeneratedTree.h"
+#include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/Engine.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/LogReader.h"
-#include "Tests/Support/Program.h"
-#include "Tests/Support/StandardOutput.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
@@ -21,8 +21,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+using scenarios::effectsOn;
 using testing::IsEmpty;
-using tests::differences;
 using tests::snapshotOf;
 using tests::TreeSnapshot;
 using namespace generated;
@@ -69,7 +69,7 @@ class Specimen {
             EXPECT_EQ(analyze(), named) << "an analysis after a restore";
         }
         cleanUp(named);
-        EXPECT_THAT(differences(_outsideBefore, snapshotOf(_outside.path())), IsEmpty()) << "outside";
+        EXPECT_THAT(effectsOn(_outsideBefore, snapshotOf(_outside.path())), IsEmpty()) << "outside";
         totals.items += before.size();
         totals.named += named.size();
     }
@@ -92,7 +92,7 @@ class Specimen {
     // Changes nothing, and names each item that it counts.
     std::set<std::string> analyze() {
         run(OZCoreMode::analyze);
-        EXPECT_THAT(differences(before, snapshot()), IsEmpty()) << "an analysis";
+        EXPECT_THAT(effectsOn(before, snapshot()), IsEmpty()) << "an analysis";
         auto tree = before;
         tree["private/var/mobile/Library/Ozvarine"] = {.mode = S_IFDIR};
         tree.merge(snapshotOf(_root));
@@ -106,7 +106,7 @@ class Specimen {
         EXPECT_EQ(filesOf(snapshot()), filesOf(before)) << "files after a test run";
         _core.backup(BackupAction::restore);
         totals.restored += _core.fileCount();
-        EXPECT_THAT(differences(before, snapshot()), IsEmpty()) << "a test run and its restore";
+        EXPECT_THAT(effectsOn(before, snapshot()), IsEmpty()) << "a test run and its restore";
         _core.backup(BackupAction::restore);
         EXPECT_EQ(_core.fileCount(), 0U) << "a second restore";
     }
@@ -132,8 +132,8 @@ class Specimen {
             EXPECT_TRUE(!isGone || named.contains(path) || goesUnnamed(path, state))
                 << "gone in the cleanup and not named by the analysis: " << path;
         }
-        for (const auto& line : differences(before, after)) {
-            EXPECT_TRUE(line.starts_with("gone ")) << line;
+        for (const auto& line : effectsOn(before, after)) {
+            EXPECT_TRUE(line.starts_with("- ")) << line;
         }
     }
 

@@ -2,7 +2,7 @@
 
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Host.h"
 
 #include <algorithm>
 #include <filesystem>

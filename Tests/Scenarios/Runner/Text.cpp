@@ -1,7 +1,7 @@
 #include "Tests/Scenarios/Runner/Text.h"
 
 #include "Platform/Formats/UTF8.h"
-#include "Tests/Support/HostFile.h"
+#include "Tests/Support/Host.h"
 
 #include <algorithm>
 #include <stdexcept>
