@@ -219,6 +219,8 @@ struct Trial {
     Work before;
     Work work;
     void (*expect)(Aftermath&);
+    /// How often it is killed where nobody wishes for more.
+    size_t kills = 7;
 
     friend void PrintTo(const Trial& trial, std::ostream* stream) { *stream << trial.name; }
 };
@@ -227,7 +229,7 @@ const Trial trials[] = {
     {"Cleanup", junk, nullptr, cleanUp<false>, takesNothingElseAndIsCompletedByTheNext},
     {"TestRun", junk, nullptr, cleanUp<true>, losesNothingAndIsRestored},
     {"Restore", junk, cleanUp<true>, restoreAll, losesNothingAndIsRestored},
-    {"SaveOfSettings", junk, nullptr, saveSettings, settingsAreOfOneState},
+    {"SaveOfSettings", junk, nullptr, saveSettings, settingsAreOfOneState, 200},
     {"Toggle", addon, nullptr, toggleAddon, addonIsOneFileInAWholeList},
     {"MoveOfFonts", fonts, nullptr, moveFonts, fontsAreWholeInOnePlace},
 };
@@ -236,7 +238,7 @@ class Interrupted : public testing::TestWithParam<Trial> {
   protected:
     /// Works on a new device and has the outcome judged.
     Ending attempt(std::optional<Clock::duration> killAfter) {
-        const auto& [name, device, before, work, expect] = GetParam();
+        const auto& [name, device, before, work, expect, kills] = GetParam();
         World world{{}};
         for (const auto& line : scenarios::linesOf(device)) {
             world.give(line);
@@ -266,7 +268,7 @@ TEST_P(Interrupted, WorkIsPutRightByTheNext) {
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
     const char* wanted = std::getenv("OZ_KILLS");
     const size_t kills =
-        (wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 7 * std::size(trials)) / std::size(trials);
+        wanted == nullptr ? GetParam().kills : std::strtoul(wanted, nullptr, 10) / std::size(trials);
     const auto time = attempt(std::nullopt).after;
     std::minstd_rand random{7};
     size_t cut = 0;

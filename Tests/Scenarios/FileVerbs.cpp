@@ -1,5 +1,6 @@
 // What scenarios can do with items of the tree by way of the file manager.
 
+#include "Categories/Files.h"
 #include "Platform/Files/FileManager.h"
 #include "Tests/Scenarios/Verbs.h"
 
@@ -101,9 +102,14 @@ using Acts = std::map<std::string, std::function<std::string()>>;
 std::string act(FileManager& files, const std::string& name, const std::string& path, const std::string& to) {
     const auto number = [&](int base) { return static_cast<uint32_t>(std::stoul(to, nullptr, base)); };
     const auto folder = [&](auto kind) { return answerOf(files.createDirectoryAtPath(path, kind)); };
+    const auto traverse = to == "target" ? TraverseLinks::yes : TraverseLinks::no;
+    const std::string owner = to.substr(0, to.find(':'));
+    const std::string group = to.substr(to.find(':') + 1);
+    const auto named = [](const auto& text) { return text.empty() ? std::nullopt : std::optional(text); };
     const Acts acts = {
         {"append", [&] { return writeTo(files.openForWriting(path), to); }},
         {"cd", [&] { return answerOf(files.changeCurrentDirectoryPath(path)); }},
+        {"clear", [&] { return answerOf(removeItemAtPath(files, path, traverse)); }},
         {"copy", [&] { return answerOf(files.copyItemAtPath(path, to)); }},
         {"create", [&] { return writeTo(files.createFileAtPath(path), to); }},
         {"cwd", [&] { return files.currentDirectoryPath(); }},
@@ -116,6 +122,7 @@ std::string act(FileManager& files, const std::string& name, const std::string& 
         {"exists", [&] { return existence(files, path); }},
         {"folder", [&] { return answerOf(files.folderAtPath(path)); }},
         {"forget", [&] { return files.forgetLastFolder(), "ok"; }},
+        {"give", [&] { return answerOf(setOwnerOfItemAtPath(files, path, named(owner), named(group))); }},
         {"item", [&] { return answerOf(files.itemAtPath(path)); }},
         {"link", [&] { return answerOf(files.createSymbolicLinkAtPath(path, to)); }},
         {"list", [&] { return answerOf(files.contentsOfDirectoryAtPath(path)); }},
@@ -136,7 +143,15 @@ std::string act(FileManager& files, const std::string& name, const std::string& 
         {"room", [&] { return answerOf(files.attributesOfFileSystemForPath(path)); }},
         {"stat", [&] { return answerOf(files.attributesOfItemAtPath(path)); }},
         {"target", [&] { return answerOf(files.attributesOfTargetAtPath(path)); }},
+        {"there",
+         [&] {
+             bool isFolder = false;
+             return !fileExistsAtPath(files, path, &isFolder, traverse) ? "nothing"
+                    : isFolder                                          ? "folder"
+                                                                        : "item";
+         }},
         {"tools", [&] { return files.pathForTools(path); }},
+        {"total", [&] { return std::to_string(sizeOfItemAtPath(files, path)); }},
         {"walk", [&] { return answerOf(files.enumeratorAtPath(path), to); }},
         {"writable", [&] { return files.isWritableFileAtPath(path) ? "yes" : "no"; }},
         {"write", [&] { return answerOf(files.writeContents(path, to)); }},
