@@ -6,11 +6,9 @@
 #include "Categories/Ranges.h"
 #include "Categories/URLQuery.h"
 #include "Platform/Files/Error.h"
+#include "Tests/Support/Usual.h"
 
-#include <cstdlib>
 #include <limits>
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -9,21 +9,7 @@
 #include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <algorithm>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <optional>
-#include <random>
-#include <ranges>
-
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 using scenarios::effectsOn;
 using scenarios::World;

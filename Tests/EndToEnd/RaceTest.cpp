@@ -5,24 +5,8 @@
 #include "Tests/Support/Engine.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <algorithm>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <set>
-
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
 #include <grp.h>
-#include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 

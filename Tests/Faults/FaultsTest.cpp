@@ -7,14 +7,7 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/LogReader.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <set>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 using namespace tests;
 using scenarios::effectsOn;

@@ -2,18 +2,10 @@
 // to its wrapper here. What the tests themselves do through the C++ library is not seen.
 #include "Tests/Faults/SystemCalls.h"
 
-#include <atomic>
-#include <cerrno>
-#include <cstdlib>
-#include <map>
 #include <mutex>
 #include <new>
-#include <set>
-#include <string_view>
 
 #include <execinfo.h>
-#include <fmt/format.h>
-#include <unistd.h>
 
 namespace tests {
 

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <cstddef>
-#include <functional>
-#include <string>
-#include <vector>
+#include "Tests/Support/Usual.h"
 
 namespace tests {
 

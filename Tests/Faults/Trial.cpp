@@ -4,18 +4,7 @@
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <map>
 #include <new>
-#include <set>
-
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
 
 namespace tests {
 

@@ -6,13 +6,6 @@
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Engine.h"
 
-#include <functional>
-#include <memory>
-#include <optional>
-#include <ostream>
-#include <string>
-#include <vector>
-
 namespace tests {
 
 /// What a trial works on: a device, and what its run needs and leaves.

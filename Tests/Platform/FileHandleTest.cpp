@@ -2,9 +2,6 @@
 
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-
 using namespace platform;
 
 namespace {

@@ -5,18 +5,10 @@
 #include "Tests/Platform/PropertyListTexts.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <chrono>
 #include <climits>
-#include <csignal>
-#include <filesystem>
-#include <set>
 
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 using namespace platform;
 using namespace std::chrono_literals;

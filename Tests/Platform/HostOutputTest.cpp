@@ -4,9 +4,6 @@
 
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-
 using namespace platform;
 
 TEST(HostOutput, PutsTextBeforeALine) {

@@ -8,13 +8,9 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 
-#include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 

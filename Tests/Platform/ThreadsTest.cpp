@@ -3,16 +3,10 @@
 #include "Platform/Threads/BackgroundWork.h"
 #include "Platform/Threads/NotificationCenter.h"
 #include "Platform/Threads/Queue.h"
+#include "Tests/Support/Usual.h"
 
-#include <algorithm>
-#include <atomic>
 #include <future>
 #include <latch>
-#include <optional>
-#include <stdexcept>
-#include <thread>
-
-#include <gtest/gtest.h>
 
 using namespace platform;
 using namespace std::chrono_literals;

@@ -4,13 +4,9 @@
 #include "Platform/Files/FileManager.h"
 #include "Tests/Scenarios/Verbs.h"
 
-#include <csignal>
-
 #include <grp.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 namespace scenarios {
 

@@ -4,16 +4,11 @@
 #include "Tests/Scenarios/Verbs.h"
 
 #include <array>
-#include <cstring>
 #include <latch>
 #include <regex>
-#include <stdexcept>
-#include <thread>
 
 #include <poll.h>
 #include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace scenarios {
 

@@ -8,8 +8,6 @@
 
 #include <array>
 
-#include <fcntl.h>
-
 namespace scenarios {
 
 namespace {

@@ -2,15 +2,6 @@
 
 #include "Tests/Scenarios/Runner/World.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <ranges>
-
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 /// Begins the body of a verb, which makes use of `world` and of the `words` behind its name.
 #define VERB(name) OZ_NUMBERED_VERB(name, __COUNTER__)
 #define OZ_NUMBERED_VERB(name, number) OZ_VERB(name, number)

@@ -1,11 +1,7 @@
 #include "Tests/Support/Host.h"
 
-#include <vector>
-
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
 
 namespace tests {
 

@@ -1,13 +1,8 @@
 #pragma once
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
+#include "Tests/Support/Usual.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <cstdio>
 
 /// What tests do with this machine itself, by its own calls and tools, so that these can judge ours.
 namespace tests {

@@ -2,10 +2,6 @@
 
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
 namespace tests {
 
 /// The items of a tree that a run's log names, by their path below the root without links on the way, in the

@@ -3,15 +3,7 @@
 #include "Tests/Support/Host.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <fstream>
-#include <sstream>
-#include <stdexcept>
-
-#include <fcntl.h>
-#include <fmt/format.h>
 #include <sys/statvfs.h>
-#include <unistd.h>
 
 namespace tests {
 

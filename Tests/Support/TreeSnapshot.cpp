@@ -1,17 +1,6 @@
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <functional>
-#include <memory>
-#include <stdexcept>
-#include <string_view>
-#include <system_error>
-
 #include <dirent.h>
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <unistd.h>
 
 namespace tests {
 

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <string>
-
-#include <sys/stat.h>
+#include "Tests/Support/Usual.h"
 
 namespace tests {
 

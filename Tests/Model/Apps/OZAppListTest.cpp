@@ -1,9 +1,7 @@
 #include "Model/Apps/OZAppList.h"
 
 #include "Tests/Support/TemporaryDevice.h"
-
-#include <fmt/format.h>
-#include <gtest/gtest.h>
+#include "Tests/Support/Usual.h"
 
 TEST(OZAppListTest, warmingIconsOutlivesTheList) {
     platform::Array apps;

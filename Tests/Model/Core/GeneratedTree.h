@@ -5,21 +5,8 @@
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <set>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include <fcntl.h>
-#include <fmt/format.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 /// Trees that no test thought of, each of which follows from a number.
 namespace generated {

@@ -8,18 +8,8 @@
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <regex>
-#include <set>
-#include <sstream>
-
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
 using scenarios::effectsOn;
 using testing::IsEmpty;

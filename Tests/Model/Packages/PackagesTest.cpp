@@ -5,16 +5,7 @@
 #include "Model/Packages/OZPackageList.h"
 #include "Model/Packages/OZPackageWorkspace.h"
 #include "Tests/Support/TemporaryDevice.h"
-
-#include <algorithm>
-#include <fstream>
-#include <map>
-#include <set>
-#include <sstream>
-#include <thread>
-
-#include <gmock/gmock.h>
-#include <unistd.h>
+#include "Tests/Support/Usual.h"
 
 namespace fs = std::filesystem;
 

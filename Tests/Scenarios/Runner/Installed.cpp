@@ -3,9 +3,6 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/World.h"
 
-#include <algorithm>
-#include <stdexcept>
-
 namespace scenarios {
 
 using platform::Dictionary;

@@ -4,10 +4,6 @@
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Host.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <stdexcept>
-
 #include <unicode/regex.h>
 
 namespace scenarios {

@@ -5,11 +5,6 @@
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/LogReader.h"
 
-#include <algorithm>
-#include <stdexcept>
-
-#include <fmt/format.h>
-
 namespace scenarios {
 
 namespace {

@@ -3,11 +3,6 @@
 #include "Platform/Formats/UTF8.h"
 #include "Tests/Support/Host.h"
 
-#include <algorithm>
-#include <stdexcept>
-
-#include <fmt/format.h>
-
 namespace scenarios {
 
 namespace {

@@ -1,10 +1,6 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/World.h"
 
-#include <stdexcept>
-
-#include <fmt/format.h>
-
 namespace scenarios {
 
 namespace {

@@ -6,15 +6,7 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/Host.h"
 
-#include <algorithm>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
-
-#include <fmt/format.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 namespace scenarios {
 

@@ -9,15 +9,7 @@
 #include "Tests/Support/TreeSnapshot.h"
 
 #include <any>
-#include <map>
-#include <memory>
-#include <set>
-#include <stdexcept>
-#include <string>
-#include <string_view>
 #include <typeindex>
-#include <utility>
-#include <vector>
 
 namespace scenarios {
 

@@ -3,11 +3,6 @@
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-
-#include <gtest/gtest.h>
 #include <sys/mount.h>
 
 namespace scenarios {
