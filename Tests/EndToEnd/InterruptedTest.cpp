@@ -252,9 +252,8 @@ TEST_P(Interrupted, WorkIsPutRightByTheNext) {
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-    const char* wanted = std::getenv("OZ_KILLS");
-    const size_t kills =
-        wanted == nullptr ? GetParam().kills : std::strtoul(wanted, nullptr, 10) / std::size(trials);
+    const size_t all = std::size(trials);
+    const size_t kills = tests::numberFrom("OZ_KILLS", all * GetParam().kills) / all;
     const auto time = attempt(std::nullopt).after;
     std::minstd_rand random{7};
     size_t cut = 0;

@@ -274,10 +274,9 @@ TEST(Race, NobodyLeadsARunToOtherPeoplesFiles) {
         GTEST_SKIP() << "needs root for an adversary of another user";
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
-    const char* wanted = std::getenv("OZ_RACE_RUNS");
     // At least so many runs and so long.
-    const size_t fewestRuns = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 1;
-    const std::chrono::seconds time(wanted != nullptr ? 60 : 8);
+    const size_t fewestRuns = tests::numberFrom("OZ_RACE_RUNS", 1);
+    const std::chrono::seconds time(fewestRuns > 1 ? 60 : 8);
     const auto end = std::chrono::steady_clock::now() + time;
 
     RaceGround ground;

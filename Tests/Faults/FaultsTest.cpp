@@ -5,7 +5,6 @@
 #include "Model/Core/OZAction.h"
 #include "Tests/Faults/Trial.h"
 #include "Tests/Scenarios/Runner/Effects.h"
-#include "Tests/Support/LogReader.h"
 
 #include <sys/xattr.h>
 

@@ -1,6 +1,6 @@
 // Stands between the libraries under test and the system: the linker gives each call listed in CMakeLists.txt
 // to its wrapper here. What the tests themselves do through the C++ library is not seen.
-#include "Tests/Faults/SystemCalls.h"
+#include "Tests/Faults/Trial.h"
 
 #include <mutex>
 #include <new>

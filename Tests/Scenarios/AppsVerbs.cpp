@@ -5,9 +5,7 @@
 #include "Model/Apps/OZFontsFolderMover.h"
 #include "Tests/Scenarios/Verbs.h"
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::apps {
 
 constexpr std::pair<std::string_view, unsigned> bits[] = {
     {"system", 1}, {"user", 2}, {"noapple", 1}, {"icon", 2}, {"cleanup", 1}, {"images", 2}, {"languages", 4}};
@@ -157,6 +155,4 @@ VERB("fonts") {
         mover.currentFolderPath().value_or("nowhere"), mover.folderSize(), mover.humanReadableFolderSize()));
 }
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::apps

@@ -10,13 +10,11 @@
 
 namespace scenarios {
 
-namespace {
-
-OZCore& coreOf(World& world) {
+static OZCore& coreOf(World& world) {
     return world.builder().core();
 }
 
-void sayList(World& world, const auto& list) {
+static void sayList(World& world, const auto& list) {
     world.say(escaped(joined(list, "nothing")));
 }
 
@@ -38,7 +36,7 @@ struct Filter {
     std::map<std::string_view, std::vector<std::string_view>> patterns;
 };
 
-platform::Dictionary stepsNamed(const Words& words) {
+static platform::Dictionary stepsNamed(const Words& words) {
     platform::Dictionary settings;
     for (const auto& word : words) {
         settings[word] = true;
@@ -46,13 +44,11 @@ platform::Dictionary stepsNamed(const Words& words) {
     return settings;
 }
 
-void sayState(World& world) {
+static void sayState(World& world) {
     const OZCore& core = coreOf(world);
     world.say(fmt::format("{} items, {}, {}", core.fileCount(), core.freedSpaceString().value_or("no size"),
                           core.isRunning() ? "running" : "idle"));
 }
-
-} // namespace
 
 /// "remove WHAT" is a removal; "in DIRECTORY PRIMITIVE…" nothing where there is no such directory. A
 /// primitive has its paths, or a folder and what stands in a Filter; "files" where folders stay.

@@ -8,9 +8,7 @@
 #include <sys/resource.h>
 #include <sys/xattr.h>
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::file {
 
 using namespace platform;
 
@@ -272,6 +270,4 @@ void on(World& world, const Words& words) {
 const Verbs verbs{
     {"files", on<0, false>}, {"item", on<0, true>}, {"other", on<1, false>}, {"other-item", on<1, true>}};
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::file

@@ -16,9 +16,7 @@
 #include "Model/Tasks/OZTask.h"
 #include "Tests/Scenarios/Verbs.h"
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::items {
 
 OZTogglableItemList& togglables(World& world, const std::string& name) {
     if (name == "daemons") {
@@ -198,6 +196,4 @@ VERB("reloads") {
     world.say(reloads.said + (list && list->prefDaemonReloadTask() ? "busy" : "idle"));
 }
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::items

@@ -10,9 +10,7 @@
 #include <poll.h>
 #include <pty.h>
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::menu {
 
 constexpr std::string_view clearing = "<clear>";
 
@@ -270,6 +268,4 @@ VERB("ozvarine") {
     std::ranges::for_each(said, [&](const auto& line) { world.say(line); });
 }
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::menu

@@ -6,9 +6,7 @@
 #include "Model/Packages/OZPackageWorkspace.h"
 #include "Tests/Scenarios/Verbs.h"
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::packages {
 
 std::string namesOf(const std::vector<OZPackage*>& packages) {
     std::multiset<std::string> names;
@@ -120,6 +118,4 @@ VERB("infos") {
     }
 }
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::packages

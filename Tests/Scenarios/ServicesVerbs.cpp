@@ -5,9 +5,7 @@
 #include "Platform/Device/Bundle.h"
 #include "Tests/Scenarios/Verbs.h"
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::services {
 
 namespace fs = std::filesystem;
 
@@ -130,6 +128,4 @@ VERB("libraries") {
     world.say(joined(names));
 }
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::services

@@ -8,9 +8,7 @@
 
 #include <regex>
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::tasks {
 
 /// "> tool [OUT ERR] PATH words": what a tool writes to the streams that are captured, and how it ends.
 VERB("tool") {
@@ -80,6 +78,4 @@ VERB("act") {
     actions.performAction(static_cast<OZDeviceAction>(std::stoi(words.at(0))));
 }
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::tasks

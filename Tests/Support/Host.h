@@ -22,6 +22,12 @@ inline std::string contentOf(const std::filesystem::path& hostPath) {
     return {std::istreambuf_iterator(file), {}};
 }
 
+/// What a variable of the environment wishes for.
+inline uint64_t numberFrom(const char* variable, uint64_t usual) {
+    const char* wanted = std::getenv(variable);
+    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : usual;
+}
+
 /// A file that stands in for standard output during its life.
 class StandardOutput {
   public:

@@ -1,4 +1,4 @@
-#include "Tests/Support/LogReader.h"
+#include "Tests/Support/TreeSnapshot.h"
 
 #include <deque>
 

@@ -3,7 +3,6 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/Engine.h"
 #include "Tests/Support/Host.h"
-#include "Tests/Support/LogReader.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
@@ -18,11 +17,6 @@ using tests::TreeSnapshot;
 using namespace generated;
 
 namespace {
-
-uint64_t numberFrom(const char* variable, uint64_t usual) {
-    const char* wanted = std::getenv(variable);
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : usual;
-}
 
 // What a run may write beside what its steps remove: its log, wherever a link takes it, and one preference
 // file that it edits.
@@ -156,8 +150,8 @@ TEST(GeneratedTrees, KeepTheEnginesPromises) {
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     Totals totals;
-    const uint64_t start = numberFrom("OZ_FIRST_SEED", 1);
-    const uint64_t count = numberFrom("OZ_SEEDS", 150);
+    const uint64_t start = tests::numberFrom("OZ_FIRST_SEED", 1);
+    const uint64_t count = tests::numberFrom("OZ_SEEDS", 150);
     for (uint64_t seed = start; seed < start + count && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Specimen specimen(seed);

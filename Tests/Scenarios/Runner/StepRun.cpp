@@ -3,7 +3,6 @@
 #include "Model/Core/OZCleanupLogger.h"
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/LogReader.h"
 
 namespace scenarios {
 

@@ -23,8 +23,6 @@ class World {
   public:
     /// What the loops of a scenario have come to, by the name of their variable.
     explicit World(Variables variables);
-    World(const World&) = delete;
-    World& operator=(const World&) = delete;
     ~World();
 
     /// Makes what a line gives; throws std::runtime_error for one that nobody understands.
