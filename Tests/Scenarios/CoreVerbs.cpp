@@ -94,6 +94,7 @@ VERB("shown") {
         const tests::StandardOutput output(file);
         coreOf(world).clean(&settings, Analyze::no);
     }
+    coreOf(world).setCommandLineOutputEnabled(false);
     auto lines = linesOf(tests::contentOf(file));
     std::erase_if(lines, [](const auto& line) { return line.empty() || line.contains("----"); });
     sayList(world, lines);

@@ -158,9 +158,6 @@ void World::give(std::string_view line) {
         for (const auto& text : spread(line)) {
             giveBundle(wordsOf(text), kind == "container");
         }
-    } else if (kind == "set") {
-        const std::string name = takeWord(line);
-        settings[name] = valueOf(rest());
     } else {
         throw std::runtime_error("unknown line: " + kind);
     }
