@@ -200,30 +200,13 @@ TEST(PropertyList, TakesAtMost64MebibytesForOneList) {
     }
 }
 
-TEST(PropertyList, SurvivesTruncationAndMutation) {
-    std::mt19937 random(20010101); // the same run every time
-    const auto below = [&](size_t limit) {
-        return std::uniform_int_distribution<size_t>(0, limit - 1)(random);
-    };
+TEST(PropertyList, IsNoneIfItIsCutOffAnywhere) {
     const std::string written = serializePropertyList(sample, PropertyListFormat::xml);
     for (const std::string& good : {written.substr(0, written.rfind('>') + 1),
                                     serializePropertyList(sample, PropertyListFormat::binary),
                                     R"({ a = (b, "c \" \344"); /* d */ e = { f = <0a>; }; })"s}) {
         for (size_t length = 0; length < good.size(); ++length) {
             EXPECT_FALSE(parsePropertyList(std::string_view(good).substr(0, length))) << length;
-        }
-        for (int round = 0; round < 20000; ++round) {
-            std::string bad = good;
-            for (size_t edits = 1 + below(4); edits > 0; --edits) {
-                bad[below(bad.size())] = static_cast<char>(below(256));
-            }
-            if (below(4) == 0) {
-                bad.erase(below(bad.size()), below(20));
-            }
-            const auto parsed = parsePropertyList(bad);
-            if (parsed) { // what was read can be written and read again
-                EXPECT_TRUE(reread(*parsed, PropertyListFormat::binary));
-            }
         }
     }
 }

@@ -105,10 +105,12 @@ VERB("toggler") {
     world.say(stateOf(workspace.CSAddonList(), toggler.autoManageDependencies() ? "auto" : "manual"));
 }
 
-/// "overridden LABEL LISTING": what the service manager's listing says.
+/// "overridden LABEL LISTING…": what the service manager's listings say.
 VERB("overridden") {
-    const auto overrides = OZOverrideDaemon::overridesInListing(words.at(1));
-    world.say(OZOverrideDaemon::isEnabledIn(overrides, words[0]) ? "on" : "off");
+    sayAnswers(world, rest(words), [&](const std::string& listing) {
+        const auto overrides = OZOverrideDaemon::overridesInListing(listing);
+        return OZOverrideDaemon::isEnabledIn(overrides, words[0]) ? "on" : "off";
+    });
 }
 
 VERB("restore") {

@@ -42,13 +42,13 @@ Value read(std::string_view& text) {
     }
     const std::string word(text.substr(0, text.find_first_of(",]} ")));
     text.remove_prefix(word.size());
-    return word.empty()                 ? throw std::runtime_error("no value")
-           : word == "true"             ? Value(true)
-           : word == "false"            ? Value(false)
-           : word.starts_with("data:")  ? Value(platform::Data{unescaped(word.substr(5))})
-           : word.starts_with("date:")  ? Value(platform::Date{std::stod(word.substr(5))})
-           : word.contains('.')         ? Value(std::stod(word))
-                                        : Value(int64_t{std::stoll(word)});
+    return word.empty()                ? throw std::runtime_error("no value")
+           : word == "true"            ? Value(true)
+           : word == "false"           ? Value(false)
+           : word.starts_with("data:") ? Value(platform::Data{unescaped(word.substr(5))})
+           : word.starts_with("date:") ? Value(platform::Date{std::stod(word.substr(5))})
+           : word.contains('.')        ? Value(std::stod(word))
+                                       : Value(int64_t{std::stoll(word)});
 }
 
 struct Writer {
