@@ -20,9 +20,7 @@ std::string withNamedEscapes(std::string text) {
         {"\033[0;33m", "<yellow>"}, {"\033[0;0m", "<reset>"}, {"\r\n", "\n"},
     };
     for (const auto& [bytes, name] : escapes) {
-        for (size_t at = 0; (at = text.find(bytes, at)) != std::string::npos; at += name.size()) {
-            text.replace(at, bytes.size(), name);
-        }
+        text = tests::replaced(text, bytes, name);
     }
     return text;
 }
@@ -176,7 +174,7 @@ void start(World& world, const std::string& command) {
 
 /// "terminal command line": what it shows up to the first prompt. $PID is its process from then on.
 VERB("terminal") {
-    start(world, fmt::to_string(fmt::join(words, " ")));
+    start(world, joined(words));
 }
 
 /// "enter line line…": the screen after each.
@@ -205,7 +203,7 @@ VERB("try") {
         terminalOf(world).screenAfter("");
     }
     for (const auto& [heading, lines] : answers) {
-        world.say(fmt::format("{} {}", heading, fmt::join(lines, " ")));
+        world.say(heading + " " + joined(lines));
     }
 }
 
@@ -250,12 +248,12 @@ VERB("wait") {
         const tests::StandardOutput output(file);
         OZCLIController(world.builder()).executeBlockInBackground([&] { sleeps.wait(); }, words.at(0));
     }
-    world.say(fmt::format("{} {}", fmt::join(seconds, " "), withNamedEscapes(tests::contentOf(file))));
+    world.say(joined(seconds) + " " + withNamedEscapes(tests::contentOf(file)));
 }
 
 /// "ozvarine arguments": its status and the lines that it prints; an error stands behind the line before it.
 VERB("ozvarine") {
-    world.shell(fmt::format("ozvarine {}", fmt::join(words, " ")));
+    world.shell("ozvarine " + joined(words));
     Lines lines = world.takeOutput();
     const bool failed = !lines.empty() && lines.back().starts_with("= ");
     const std::string status = failed ? lines.back().substr(2) : "0";

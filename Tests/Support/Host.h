@@ -16,6 +16,14 @@ inline constexpr bool sanitized = __has_feature(address_sanitizer) || __has_feat
 inline constexpr bool sanitized = false;
 #endif
 
+/// The text with one part of it replaced wherever it is.
+inline std::string replaced(std::string text, std::string_view part, std::string_view by) {
+    for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += by.size()) {
+        text.replace(at, part.size(), by);
+    }
+    return text;
+}
+
 /// A file's bytes; none where it cannot be read.
 inline std::string contentOf(const std::filesystem::path& hostPath) {
     std::ifstream file(hostPath, std::ios::binary);

@@ -1,5 +1,7 @@
 #include "Tests/Support/TreeSnapshot.h"
 
+#include "Tests/Support/Host.h"
+
 #include <dirent.h>
 
 namespace tests {
@@ -98,14 +100,9 @@ TreeSnapshot snapshotOf(const std::string& hostFolder) {
 }
 
 TreeSnapshot withoutBackupNames(const TreeSnapshot& tree) {
-    constexpr std::string_view extension = ".OzvarineBackup";
     TreeSnapshot result;
     for (const auto& [path, state] : tree) {
-        std::string name = path;
-        for (size_t at = 0; (at = name.find(extension)) != std::string::npos;) {
-            name.erase(at, extension.size());
-        }
-        if (!result.emplace(name, state).second) {
+        if (!result.emplace(replaced(path, ".OzvarineBackup", ""), state).second) {
             throw std::runtime_error("two items of one name: " + path);
         }
     }

@@ -110,12 +110,8 @@ void World::give(std::string_view line) {
         giveApp(wordsOf(rest()));
     } else if (kind == "takes") {
         const size_t end = std::min(line.find_first_of(" :"), line.size());
-        std::string patterns(line.substr(end));
-        std::ranges::replace(patterns, ':', ' ');
-        for (size_t at = 0; (at = patterns.find("\\n", at)) != std::string::npos;) {
-            patterns.replace(at, 2, " ");
-        }
-        _rules.emplace_back(line.substr(0, end), patterns);
+        const std::string patterns = tests::replaced(std::string(line.substr(end)), ":", " ");
+        _rules.emplace_back(line.substr(0, end), tests::replaced(patterns, "\\n", " "));
     } else if (kind == "gone" && line.starts_with("by ")) {
         giveGoneBy(wordsOf(rest()));
     } else if (kind == "gone" || kind == "kept" || kind == "file") {

@@ -33,14 +33,6 @@ bool isExpectation(std::string_view line) {
     return (!line.empty() && marks.contains(line[0])) || isExpectationOfRun(line);
 }
 
-/// What stands behind an arrow, parted by " | ".
-Lines partsOfArrow(std::string text) {
-    for (size_t at = 0; (at = text.find(" | ", at)) != std::string::npos;) {
-        text.replace(at, 3, "\n");
-    }
-    return linesOf(text + "\n");
-}
-
 /// The values that a scenario's loops ("for X in a b", and "run … in all modes") go through, each once.
 std::vector<Variables> passesOf(const Scenario& scenario) {
     std::vector<Variables> passes = {{}};
@@ -90,11 +82,8 @@ std::string act(World& world, const std::string& line, const Lines& expected) {
     }
     Lines actual = world.takeOutput();
     std::ranges::copy(world.takeEffects(), std::back_inserter(actual));
-    const std::string place = world.folder.folder().string();
     for (auto& said : actual) {
-        for (size_t at = 0; (at = said.find(place, at)) != std::string::npos;) {
-            said.replace(at, place.size(), "DEVICE");
-        }
+        said = tests::replaced(said, world.folder.folder().string(), "DEVICE");
     }
     return matches(expected, actual) ? "" : difference(expected, actual);
 }
@@ -163,7 +152,8 @@ class ScenarioTest : public testing::Test {
                 }
             };
             if (arrow < text.size()) {
-                for (auto& part : partsOfArrow(expanded(text.substr(arrow + 4), world.variables))) {
+                const std::string parts = expanded(text.substr(arrow + 4), world.variables) + "\n";
+                for (const auto& part : linesOf(tests::replaced(parts, " | ", "\n"))) {
                     const bool hasMark = part.size() > 1 && marks.contains(part[0]) && part[1] == ' ';
                     isRun ? expect(part)
                           : expected.push_back(part.empty() ? "|"
