@@ -6,13 +6,7 @@
 #include "Categories/Ranges.h"
 #include "Categories/URLQuery.h"
 #include "Platform/Files/Error.h"
-
-#include <cstdlib>
-#include <limits>
-
-#include <gtest/gtest.h>
-
-namespace {
+#include "Tests/Support/Usual.h"
 
 using Texts = std::map<std::string, std::string, std::less<>>;
 
@@ -20,42 +14,37 @@ constexpr uint64_t mebibyte = uint64_t{1} << 20;
 constexpr uint64_t tebibyte = uint64_t{1} << 40;
 constexpr uint64_t mostBytes = std::numeric_limits<uint64_t>::max();
 
-std::string readable(std::initializer_list<uint64_t> sizes, ByteFormat format = {}) {
-    std::string text;
-    format.locale = format.locale.value_or("en_US");
-    for (const uint64_t bytes : sizes) {
-        try {
-            text += humanReadableStringFromBytes(bytes, format) + "; ";
-        } catch (const platform::Exception& exception) {
-            text += exception.name() + "; ";
-        }
-    }
-    return text;
-}
-
-std::string paths(std::initializer_list<const char*> urls) {
-    std::string text;
-    for (const char* url : urls) {
-        text += pathOfURL(url).value_or("none") + " ";
-    }
-    return text;
-}
-
-} // namespace
-
 TEST(ByteFormatter, picksAUnitOrTakesTheGivenOne) {
-    EXPECT_EQ(readable({0, 1023, 1024, mebibyte - 1, mebibyte, tebibyte / 1024 * 1023}),
-              "0.00 B; 1,023.00 B; 1.00 KiB; 1,024.00 KiB; 1.00 MiB; 1,023.00 GiB; ");
-    EXPECT_EQ(readable({1536, 2560}, {0}), "2 KiB; 2 KiB; ") << "a half goes to the even neighbour";
-    EXPECT_EQ(readable({mebibyte}, {2, 1}), "1,048,576.00 B; ");
-    EXPECT_EQ(readable({mebibyte}, {0, 2}), "1,024 KiB; ");
-    EXPECT_EQ(readable({mebibyte}, {1, 3}), "1.0 MiB; ");
-    EXPECT_EQ(readable({mebibyte}, {4, 4}), "0.0010 GiB; ");
-    EXPECT_EQ(readable({tebibyte, mostBytes}, {0, 0, false}), "1; 16,777,216; ");
-    EXPECT_EQ(readable({tebibyte}) + readable({5}, {2, 5}) + readable({5}, {2, 99}),
-              "NSRangeException; NSRangeException; NSRangeException; ");
-    EXPECT_EQ(readable({1023}, {2, 0, true, "de_DE.UTF-8"}), "1.023,00 B; ");
-    EXPECT_EQ(readable({1023}, {2, 0, true, "no such locale"}), "1,023.00 B; ");
+    const struct {
+        std::initializer_list<uint64_t> sizes;
+        ByteFormat format;
+        const char* said;
+    } rows[] = {{{0, 1023, 1024, mebibyte - 1}, {}, "0.00 B; 1,023.00 B; 1.00 KiB; 1,024.00 KiB; "},
+                {{mebibyte, tebibyte / 1024 * 1023}, {}, "1.00 MiB; 1,023.00 GiB; "},
+                // A half goes to the even neighbour.
+                {{1536, 2560}, {0}, "2 KiB; 2 KiB; "},
+                {{mebibyte}, {2, 1}, "1,048,576.00 B; "},
+                {{mebibyte}, {0, 2}, "1,024 KiB; "},
+                {{mebibyte}, {1, 3}, "1.0 MiB; "},
+                {{mebibyte}, {4, 4}, "0.0010 GiB; "},
+                {{tebibyte, mostBytes}, {0, 0, false}, "1; 16,777,216; "},
+                {{tebibyte}, {}, "NSRangeException; "},
+                {{5}, {2, 5}, "NSRangeException; "},
+                {{5}, {2, 99}, "NSRangeException; "},
+                {{1023}, {2, 0, true, "de_DE.UTF-8"}, "1.023,00 B; "},
+                {{1023}, {2, 0, true, "no such locale"}, "1,023.00 B; "}};
+    for (auto [sizes, format, said] : rows) {
+        std::string text;
+        format.locale = format.locale.value_or("en_US");
+        for (const uint64_t bytes : sizes) {
+            try {
+                text += humanReadableStringFromBytes(bytes, format) + "; ";
+            } catch (const platform::Exception& exception) {
+                text += exception.name() + "; ";
+            }
+        }
+        EXPECT_EQ(text, said);
+    }
 }
 
 TEST(ByteFormatter, followsTheEnvironment) {
@@ -109,14 +98,11 @@ TEST(KeyValueText, keepsEntriesOfExactlyTwoParts) {
     EXPECT_EQ(dictionaryWithString("a:1;;b:2\n;;c", ":", ";;", quotes), (Texts{{"a", "1"}, {"b", "2"}}));
 }
 
-TEST(URLs, haveAQuery) {
+TEST(URLs, haveAQueryNameFilesAndAreReadBack) {
     EXPECT_EQ(queryArguments("app://host/path?a=1&b&c=&=d&e=f=g&a=%202#h?i=j"),
               (Texts{{"a", "%202"}, {"b", ""}, {"c", ""}, {"e", "f=g"}}));
     EXPECT_EQ(queryArguments("app:?="), (Texts{{"", ""}}));
     EXPECT_EQ(queryArguments("app://host/path#?a=1"), Texts{});
-}
-
-TEST(URLs, nameFilesAndAreReadBack) {
     EXPECT_EQ(fileURLWithPath("/a b/%#?ä.png"), "file:///a%20b/%25%23%3F%C3%A4.png");
     EXPECT_EQ(iconURLWithPath("/a/b@2x.png"), "OZIcon:///a/b@2x.png");
     EXPECT_EQ(iconURLWithPath("a.png"), std::nullopt);
@@ -124,11 +110,14 @@ TEST(URLs, nameFilesAndAreReadBack) {
         EXPECT_EQ(pathOfURL(fileURLWithPath(path)), path);
         EXPECT_EQ(pathOfURL(iconURLWithPath(path).value()), path);
     }
-    EXPECT_EQ(
-        paths({"file:///Library/Icon.png", "file://localhost/Icon.png", "http://example.org/a.png?size=2#top",
-               "http://example.org", "/Icon.png", "Icon.png", "/1:2/a.png", ":a", "file:///100%",
-               "file:///a%2", "file:///a%+1b", ""}),
-        "/Library/Icon.png /Icon.png /a.png none /Icon.png Icon.png /1:2/a.png :a /100% /a%2 /a%+1b none ");
+    std::string paths;
+    for (const char* url : {"file:///Library/Icon.png", "file://localhost/Icon.png", "http://example.org",
+                            "http://example.org/a.png?size=2#top", "/Icon.png", "Icon.png", "/1:2/a.png",
+                            ":a", "file:///100%", "file:///a%2", "file:///a%+1b", ""}) {
+        paths += pathOfURL(url).value_or("none") + " ";
+    }
+    EXPECT_EQ(paths, "/Library/Icon.png /Icon.png none /a.png /Icon.png Icon.png /1:2/a.png :a /100% /a%2"
+                     " /a%+1b none ");
 }
 
 TEST(Safety, subarrayStaysWithinTheArray) {

@@ -1,6 +1,6 @@
 // The real window on real device folders, used as a person uses it, without a display.
 #include "Interface/Screens/Chooser/MountedDevices.h"
-#include "Tests/Support/Program.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tools/screens/WindowDriver.h"
 

@@ -6,28 +6,14 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Scenarios/Runner/World.h"
 #include "Tests/Support/Engine.h"
-#include "Tests/Support/Mounts.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <algorithm>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <optional>
-#include <random>
-#include <ranges>
-
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+using scenarios::effectsOn;
 using scenarios::World;
 using testing::IsEmpty;
-using tests::differences;
 using tests::Engine;
 using tests::TreeSnapshot;
 using tests::withoutBackupNames;
@@ -136,14 +122,14 @@ void takesNothingElseAndIsCompletedByTheNext(Aftermath& aftermath) {
 
 void losesNothingAndIsRestored(Aftermath& aftermath) {
     auto& [world, before, whole, work] = aftermath;
-    EXPECT_THAT(differences(before, withoutBackupNames(world.tree())), IsEmpty());
+    EXPECT_THAT(effectsOn(before, withoutBackupNames(world.tree())), IsEmpty());
     static bool repeats = false;
     repeats = !repeats;
     if (repeats) {
         runInProcess(world, work);
     }
     runInProcess(world, restoreAll);
-    EXPECT_THAT(differences(before, world.tree()), IsEmpty());
+    EXPECT_THAT(effectsOn(before, world.tree()), IsEmpty());
 }
 
 /// Those of the numbers that are saved, one in three places.
@@ -219,6 +205,8 @@ struct Trial {
     Work before;
     Work work;
     void (*expect)(Aftermath&);
+    /// How often it is killed where nobody wishes for more.
+    size_t kills = 7;
 
     friend void PrintTo(const Trial& trial, std::ostream* stream) { *stream << trial.name; }
 };
@@ -227,7 +215,7 @@ const Trial trials[] = {
     {"Cleanup", junk, nullptr, cleanUp<false>, takesNothingElseAndIsCompletedByTheNext},
     {"TestRun", junk, nullptr, cleanUp<true>, losesNothingAndIsRestored},
     {"Restore", junk, cleanUp<true>, restoreAll, losesNothingAndIsRestored},
-    {"SaveOfSettings", junk, nullptr, saveSettings, settingsAreOfOneState},
+    {"SaveOfSettings", junk, nullptr, saveSettings, settingsAreOfOneState, 200},
     {"Toggle", addon, nullptr, toggleAddon, addonIsOneFileInAWholeList},
     {"MoveOfFonts", fonts, nullptr, moveFonts, fontsAreWholeInOnePlace},
 };
@@ -236,7 +224,7 @@ class Interrupted : public testing::TestWithParam<Trial> {
   protected:
     /// Works on a new device and has the outcome judged.
     Ending attempt(std::optional<Clock::duration> killAfter) {
-        const auto& [name, device, before, work, expect] = GetParam();
+        const auto& [name, device, before, work, expect, kills] = GetParam();
         World world{{}};
         for (const auto& line : scenarios::linesOf(device)) {
             world.give(line);
@@ -264,9 +252,8 @@ TEST_P(Interrupted, WorkIsPutRightByTheNext) {
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     ::prctl(PR_SET_CHILD_SUBREAPER, 1);
-    const char* wanted = std::getenv("OZ_KILLS");
-    const size_t kills =
-        (wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 7 * std::size(trials)) / std::size(trials);
+    const size_t all = std::size(trials);
+    const size_t kills = tests::numberFrom("OZ_KILLS", all * GetParam().kills) / all;
     const auto time = attempt(std::nullopt).after;
     std::minstd_rand random{7};
     size_t cut = 0;

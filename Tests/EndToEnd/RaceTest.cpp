@@ -5,24 +5,8 @@
 #include "Tests/Support/Engine.h"
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <algorithm>
-#include <chrono>
-#include <csignal>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <set>
-
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
 #include <grp.h>
-#include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -290,10 +274,9 @@ TEST(Race, NobodyLeadsARunToOtherPeoplesFiles) {
         GTEST_SKIP() << "needs root for an adversary of another user";
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
-    const char* wanted = std::getenv("OZ_RACE_RUNS");
     // At least so many runs and so long.
-    const size_t fewestRuns = wanted != nullptr ? std::strtoul(wanted, nullptr, 10) : 1;
-    const std::chrono::seconds time(wanted != nullptr ? 60 : 8);
+    const size_t fewestRuns = tests::numberFrom("OZ_RACE_RUNS", 1);
+    const std::chrono::seconds time(fewestRuns > 1 ? 60 : 8);
     const auto end = std::chrono::steady_clock::now() + time;
 
     RaceGround ground;

@@ -1,19 +1,11 @@
 // Stands between the libraries under test and the system: the linker gives each call listed in CMakeLists.txt
 // to its wrapper here. What the tests themselves do through the C++ library is not seen.
-#include "Tests/Faults/SystemCalls.h"
+#include "Tests/Faults/Trial.h"
 
-#include <atomic>
-#include <cerrno>
-#include <cstdlib>
-#include <map>
 #include <mutex>
 #include <new>
-#include <set>
-#include <string_view>
 
 #include <execinfo.h>
-#include <fmt/format.h>
-#include <unistd.h>
 
 namespace tests {
 

@@ -1,20 +1,10 @@
 #include "Tests/Faults/Trial.h"
 
+#include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/TemporaryFolder.h"
 
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <map>
 #include <new>
-#include <set>
-
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
 
 namespace tests {
 
@@ -82,7 +72,8 @@ void attempt(const Trial& trial, const Fault* fault, Whole& whole) {
         whole.tree = aftermath.after;
         whole.count = subject.count;
     } else if (aftermath.isUndisturbed) {
-        EXPECT_THAT(differences(withoutTimes(whole.tree), withoutTimes(aftermath.after)), testing::IsEmpty());
+        EXPECT_THAT(scenarios::effectsOn(withoutTimes(whole.tree), withoutTimes(aftermath.after)),
+                    testing::IsEmpty());
         EXPECT_EQ(subject.count, whole.count);
         EXPECT_TRUE(!subject.done || subject.done->has_value());
     }

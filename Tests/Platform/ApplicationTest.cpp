@@ -1,6 +1,6 @@
 #include "Platform/Device/Application.h"
 
-#include <gtest/gtest.h>
+#include "Tests/Support/Usual.h"
 
 using platform::Application;
 

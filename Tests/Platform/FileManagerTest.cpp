@@ -1,15 +1,19 @@
-// What takes deep, wide or changing trees. Tests/Scenarios/Platform tells the rest.
+// What takes deep, wide or changing trees, and time. Tests/Scenarios/Platform tells the rest.
 
-#include "Tests/Platform/FileManagerFixture.h"
+#include "Platform/Files/FileManager.h"
+
+#include "Tests/Platform/PropertyListTexts.h"
+#include "Tests/Support/TemporaryFolder.h"
 
 #include <climits>
-#include <filesystem>
-#include <set>
 
-#include <fmt/format.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 
 using namespace platform;
+using namespace std::chrono_literals;
 using testing::ElementsAre;
+using Clock = std::chrono::steady_clock;
 
 namespace tests {
 
@@ -23,23 +27,56 @@ std::vector<std::string> rest(DirectoryEnumerator& walk) {
     return paths;
 }
 
-std::string repeated(std::string_view part, size_t times) {
-    std::string text;
-    for (; times > 0; --times) {
-        text += part;
+/// Exchanges two entries as fast as it can until the end of its life, in a process of its own.
+class Swapper {
+  public:
+    Swapper(const std::string& first, const std::string& second)
+        : _child(::fork()) {
+        if (_child != 0) {
+            return;
+        }
+        for (::prctl(PR_SET_PDEATHSIG, SIGKILL);;) {
+            ::renameat2(AT_FDCWD, first.c_str(), AT_FDCWD, second.c_str(), RENAME_EXCHANGE);
+        }
     }
-    return text;
-}
+    Swapper(const Swapper&) = delete;
+    Swapper& operator=(const Swapper&) = delete;
+    ~Swapper() {
+        ::kill(_child, SIGKILL);
+        ::waitpid(_child, nullptr, 0);
+    }
+
+  private:
+    pid_t _child;
+};
 
 } // namespace
 
-class FileManagerTest : public FileManagerFixture {};
-OZ_BOTH_RESOLUTIONS(FileManagerTest);
+/// A device root in a folder of the host, beside it "outside", which nothing may ever change. Every test runs
+/// with both ways of finding paths.
+class FileManagerTest : public testing::TestWithParam<PathResolution> {
+  protected:
+    FileManagerTest() { host.make("outside/canary: alive\noutside/folder/canary: alive\n"); }
+    void TearDown() override {
+        EXPECT_EQ(host.content("outside/canary") + host.content("outside/folder/canary"), "alivealive");
+    }
+    /// A folder "d" in each of so many folders.
+    void makeDeep(const char* path, size_t depth) {
+        makeDeepFolders((*files->folderAtPath(path))->descriptor(), depth);
+    }
+
+    TemporaryFolder host{memoryFolder()};
+    TemporaryFolder root{host.path()};
+    Result<FileManager> files = FileManager::atRoot(root.path(), GetParam());
+};
+
+const auto bothWays = testing::Values(PathResolution::kernel, PathResolution::componentWise);
+INSTANTIATE_TEST_SUITE_P(, FileManagerTest, bothWays);
 
 TEST_P(FileManagerTest, PathsMayBeLongerThanTheSystemTakes) {
     const std::string path = repeated("/d", 3000);
     ASSERT_GT(path.size(), size_t{PATH_MAX});
-    makeDeepFolders(files->rootDescriptor(), 3000);
+    makeDeep("/", 3000);
     ASSERT_TRUE(files->writeContents(path + "/file", "deep"));
     EXPECT_EQ(*files->contentsAtPath(path + "/file"), "deep");
     EXPECT_EQ(files->stringByResolvingSymlinksInPath(path), path);
@@ -54,10 +91,13 @@ TEST_P(FileManagerTest, PathsMayBeLongerThanTheSystemTakes) {
 
 TEST_P(FileManagerTest, DeepTreesNeedFewDescriptors) {
     root.make("less/");
-    makeDeepFolders((*files->folderAtPath("/less"))->descriptor(), 3000);
-    makeDeepFolders(files->rootDescriptor(), 20000);
-    const LoweredLimit fewDescriptors(RLIMIT_NOFILE, 128);
-    ASSERT_TRUE(files->copyItemAtPath("/less", "/copy"));
+    makeDeep("/less", 3000);
+    makeDeep("/", 20000);
+    rlimit usual{};
+    ::getrlimit(RLIMIT_NOFILE, &usual);
+    const rlimit fewDescriptors{.rlim_cur = 128, .rlim_max = usual.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &fewDescriptors);
+    EXPECT_TRUE(files->copyItemAtPath("/less", "/copy"));
     for (const auto& [top, depth] : {std::pair("/d", 19999), std::pair("/copy", 3000)}) {
         int count = 0;
         const auto walk = files->enumeratorAtPath(top);
@@ -68,6 +108,7 @@ TEST_P(FileManagerTest, DeepTreesNeedFewDescriptors) {
         EXPECT_TRUE(files->removeItemAtPath(top));
         EXPECT_FALSE(root.exists(top));
     }
+    ::setrlimit(RLIMIT_NOFILE, &usual);
 }
 
 TEST_P(FileManagerTest, WideFolder) {
@@ -123,7 +164,7 @@ TEST_P(FileManagerTest, WalkGivesWhatIsLeftOfOuterLevelsOnTheWayBack) {
 }
 
 TEST_P(FileManagerTest, FolderMovedAwayLeadsNoWalkToItsNewNeighbours) {
-    makeDeepFolders(files->rootDescriptor(), 150);
+    makeDeep("/", 150);
     std::string half = "/" + repeated("d/", 74);
     for (const char* name : {"a", "b", "c"}) {
         root.make(half + name + "/");
@@ -140,6 +181,103 @@ TEST_P(FileManagerTest, FolderMovedAwayLeadsNoWalkToItsNewNeighbours) {
     }
     std::filesystem::rename(root.path(half + first), host.path("outside/folder/d"));
     EXPECT_THAT(rest(*walk), testing::IsEmpty());
+}
+
+/// Removals of trees that somebody changes meanwhile.
+class TreeRemovalTest : public FileManagerTest {
+  protected:
+    TreeRemovalTest() {
+        root.make("keep/canary: alive\nkeep/deep/canary: alive\nkeep/foreign: x\nbusy/target/canary: x");
+        root.make("busy/decoy -> /keep\nbusy/out -> " + host.path("outside"));
+        target = Descriptor(::open(root.path("busy/target").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    }
+
+    /// Runs `act` for a while; after each time the canaries must be whole.
+    template <class Act>
+    void repeatedly(Act act) {
+        for (const auto end = Clock::now() + 450ms; Clock::now() < end;) {
+            const Descriptor again(::openat(target.get(), "canary", O_WRONLY | O_CREAT | O_CLOEXEC, 0644));
+            act();
+            ASSERT_EQ(host.content("outside/canary"), "alive");
+            ASSERT_EQ(root.content("keep/canary") + root.content("keep/deep/canary"), "alivealive");
+        }
+    }
+    /// What a swap kept alive goes the next time. Time, not a number of attempts: a quick adversary may keep
+    /// a folder alive for many of them.
+    void removeForGood(const char* from) {
+        ASSERT_TRUE(files->moveItemAtPath(from, "/target"));
+        for (const auto end = Clock::now() + 10s; root.exists("target") && Clock::now() < end;) {
+            std::ignore = files->removeItemAtPath("/target");
+        }
+        ASSERT_FALSE(root.exists("target"));
+    }
+
+    Descriptor target;
+    size_t removed = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(, TreeRemovalTest, bothWays);
+
+TEST_P(TreeRemovalTest, FoundPathsSurviveFoldersSwappedForLinks) {
+    const Swapper swapper(root.path("busy/target"), root.path("busy/decoy"));
+    repeatedly([&] {
+        const auto folder = *files->folderAtPath("/busy");
+        auto found = rest(*files->enumeratorAtPath("/busy"));
+        EXPECT_THAT(found, testing::Each(testing::Not(testing::EndsWith("/foreign"))));
+        std::erase_if(found, [](const auto& path) { return !path.ends_with("/canary"); });
+        found.insert(found.end(), {"target/deep/canary", "target/canary", "decoy/canary"});
+        for (const auto& name : found) {
+            const auto item = files->itemBelow(folder, name);
+            removed += item && item->remove() ? 1 : 0;
+            files->forgetLastFolder();
+        }
+    });
+    EXPECT_GT(removed, 0);
+}
+
+TEST_P(TreeRemovalTest, PlainPathsSurviveFoldersSwappedForLinksOfUsers) {
+    for (const char* name : {"busy/decoy", "busy/target"}) {
+        if (::lchown(root.path(name).c_str(), 501, 501) != 0) {
+            GTEST_SKIP() << "needs the right to give links away";
+        }
+    }
+    const Swapper swapper(root.path("busy/target"), root.path("busy/decoy"));
+    const Swapper outside(root.path("busy/target"), root.path("busy/out"));
+    repeatedly([&] {
+        for (const char* path : {"/busy/target/canary", "/busy/decoy/canary", "/busy/target/../target/canary",
+                                 "/busy/target/deep/canary", "/busy/out/canary"}) {
+            removed += files->removeItemAtPath(path) ? 1 : 0;
+        }
+    });
+    EXPECT_GT(removed, 0);
+}
+
+TEST_P(TreeRemovalTest, RemovalSurvivesInnerFoldersSwappedForLinks) {
+    const Swapper swapper(root.path("target/in"), root.path("target/decoy"));
+    repeatedly([&] {
+        root.make("staging/in/deep/canary: x\nstaging/in/canary: x\nstaging/decoy -> /keep");
+        removeForGood("/staging");
+    });
+}
+
+TEST_P(TreeRemovalTest, FolderMovedAwayLeadsNoRemovalToItsNewNeighbours) {
+    host.make("outside/hole/d/");
+    // Many, since some of them have to be left for the time after "d".
+    const std::string siblings = "abcefghijklmnopqrstuvwxyz";
+    for (const char name : siblings) {
+        host.make(std::string("outside/hole/") + name + "/canary: alive");
+    }
+    const Swapper swapper(root.path("target/d"), host.path("outside/hole/d"));
+    repeatedly([&] {
+        for (const char name : siblings) {
+            root.make(std::string("staging/") + name + "/canary: x");
+        }
+        makeDeep("/staging", 60);
+        removeForGood("/staging");
+        for (const char name : siblings) {
+            ASSERT_EQ(host.content(std::string("outside/hole/") + name + "/canary"), "alive");
+        }
+    });
 }
 
 } // namespace tests

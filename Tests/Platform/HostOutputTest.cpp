@@ -4,28 +4,12 @@
 
 #include "Tests/Support/TemporaryFolder.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 using namespace platform;
 
-namespace {
-
-class HostOutputTest : public testing::Test {
-  protected:
-    HostOutputTest() { folder.make("tree/\nold: content that goes"); }
-    [[nodiscard]] auto open(const std::string& path) const {
-        const Descriptor tree(::open(folder.path("tree").c_str(), O_PATH | O_CLOEXEC));
-        return HostOutput::open(path, tree.get());
-    }
-
-    tests::TemporaryFolder folder;
-};
-
-} // namespace
-
-TEST_F(HostOutputTest, PutsTextBeforeALine) {
+TEST(HostOutput, PutsTextBeforeALine) {
+    const tests::TemporaryFolder folder;
+    folder.make("tree/\nold: content that goes");
+    const Descriptor tree(::open(folder.path("tree").c_str(), O_PATH | O_CLOEXEC));
     std::string many = "1\n2\n3\n";
     while (many.size() < 200'000) {
         many += std::to_string(many.size()) + "\n";
@@ -43,7 +27,7 @@ TEST_F(HostOutputTest, PutsTextBeforeALine) {
                 {many, 4, "1\n2\n3\n(\n)\n" + many.substr(6)}};
     for (const auto& [text, line, result] : rows) {
         for (const auto writing : {FileWriting::direct, FileWriting::gathered}) {
-            const auto output = open(folder.path("old")).value();
+            const auto output = HostOutput::open(folder.path("old"), tree.get()).value();
             output->start(writing);
             output->write(text.substr(0, 2), text.size() > 2 ? text.substr(2) : "");
             output->insertAtLine("(\n)", line);
@@ -53,27 +37,4 @@ TEST_F(HostOutputTest, PutsTextBeforeALine) {
             EXPECT_FALSE(output->error());
         }
     }
-}
-
-TEST_F(HostOutputTest, AStreamGetsAllOfItAtTheEnd) {
-    int ends[2];
-    ASSERT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
-    const Descriptor reading(ends[0]);
-    const auto output = open("/dev/fd/" + std::to_string(ends[1])).value();
-    ::close(ends[1]);
-    output->start(FileWriting::direct);
-    output->write("1\n", "3\n");
-    char bytes[64] = {};
-    EXPECT_EQ(::read(reading.get(), bytes, sizeof bytes), -1);
-    output->insertAtLine("2", 2);
-    output->finish();
-    EXPECT_EQ(::read(reading.get(), bytes, sizeof bytes), 6);
-    EXPECT_STREQ(bytes, "1\n2\n3\n");
-
-    const auto full = open("/dev/full").value();
-    full->start(FileWriting::direct);
-    full->write("text");
-    EXPECT_FALSE(full->error());
-    full->finish();
-    EXPECT_EQ(full->error(), std::errc::no_space_on_device);
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <string>
-#include <string_view>
+#include "Tests/Support/Usual.h"
 
 #include <unicode/unistr.h>
 

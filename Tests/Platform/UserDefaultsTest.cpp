@@ -1,18 +1,10 @@
-// Stored choices that several processes save, or that one is killed over.
-// Tests/Scenarios/Platform/UserDefaults.txt tells the rest.
+// Stored choices that several processes save. Tests/Scenarios/Platform/UserDefaults.txt tells the rest, and
+// Tests/EndToEnd/InterruptedTest.cpp kills those who save.
 
 #include "Platform/Device/UserDefaults.h"
 
 #include "Tests/Support/TemporaryFolder.h"
-
-#include <chrono>
-#include <csignal>
-#include <random>
-#include <thread>
-
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "Tests/Support/TreeSnapshot.h"
 
 namespace {
 
@@ -50,37 +42,6 @@ TEST_F(UserDefaultsTest, ASaveIsAnnouncedAndWritesWhatObserversStore) {
     EXPECT_EQ(stored(), Value(Dictionary{{"state", 2}}));
 }
 
-TEST_F(UserDefaultsTest, AProcessKilledWhileItSavesLeavesAWholeFile) {
-    std::mt19937 random(std::random_device{}());
-    auto first = defaults();
-    const auto begun = std::chrono::steady_clock::now();
-    ASSERT_TRUE(save(first, -1));
-    // A few saves long, however fast the disk is.
-    const std::chrono::duration<double> once = std::chrono::steady_clock::now() - begun;
-    std::uniform_real_distribution<> seconds(0, 3 * once.count());
-    for (int kill = 0; kill < 200; ++kill) {
-        int saving[2];
-        ASSERT_EQ(pipe(saving), 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            auto values = defaults();
-            for (int number = 0; save(values, number) && write(saving[1], "", 1) == 1; ++number) {
-            }
-            _exit(1);
-        }
-        close(saving[1]);
-        char byte = 0;
-        EXPECT_EQ(read(saving[0], &byte, 1), 1); // it saves from here on
-        std::this_thread::sleep_for(std::chrono::duration<double>(seconds(random)));
-        ::kill(child, SIGKILL);
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        EXPECT_TRUE(WIFSIGNALED(status));
-        close(saving[0]);
-        ASSERT_TRUE(isWhole()) << kill;
-    }
-}
-
 TEST_F(UserDefaultsTest, TwoProcessesThatSaveAtOnceLeaveOneWholeFile) {
     auto first = defaults();
     ASSERT_TRUE(save(first, -1));
@@ -104,7 +65,7 @@ TEST_F(UserDefaultsTest, TwoProcessesThatSaveAtOnceLeaveOneWholeFile) {
         EXPECT_EQ(status, 0);
     }
     ASSERT_TRUE(isWhole());
-    EXPECT_EQ(root.listing().size(), 2) << "the folder and the file";
+    EXPECT_EQ(tests::snapshotOf(root.path()).size(), 2) << "the folder and the file";
 }
 
 } // namespace

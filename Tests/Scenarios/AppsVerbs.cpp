@@ -3,14 +3,9 @@
 #include "Model/Apps/OZAppList.h"
 #include "Model/Apps/OZDeviceInformation.h"
 #include "Model/Apps/OZFontsFolderMover.h"
-#include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Scenarios/Verbs.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-namespace scenarios {
-
-namespace {
+namespace scenarios::apps {
 
 constexpr std::pair<std::string_view, unsigned> bits[] = {
     {"system", 1}, {"user", 2}, {"noapple", 1}, {"icon", 2}, {"cleanup", 1}, {"images", 2}, {"languages", 4}};
@@ -23,10 +18,6 @@ Mask maskOf(std::string_view text) {
         mask |= text.contains(name) ? bit : 0;
     }
     return static_cast<Mask>(mask);
-}
-
-void sayAll(World& world, const Words& texts, const char* separator = " ") {
-    world.say(texts.empty() ? "none" : fmt::format("{}", fmt::join(texts, separator)));
 }
 
 std::string described(const OZApp* app) {
@@ -46,7 +37,7 @@ std::string described(const OZApp* app) {
 }
 
 /// What is installed, in full.
-void installed(World& world, const Words& /*words*/) {
+VERB("installed") {
     const OZAppList& list = world.builder().appList();
     for (const auto type : {OZAppTypeMask::user, OZAppTypeMask::system}) {
         for (const auto& app : list.appList({.typeMask = type})) {
@@ -56,34 +47,34 @@ void installed(World& world, const Words& /*words*/) {
 }
 
 /// The names of a query: "> apps type=user+system filter=icon+noapple with=ID without=ID but=cleanup".
-void apps(World& world, const Words& words) {
+VERB("apps") {
     OZAppQuery query;
     for (const auto& word : words) {
-        const std::string value = word.substr(word.find('=') + 1);
-        word.starts_with("type")     ? void(query.typeMask = maskOf<OZAppTypeMask>(value))
-        : word.starts_with("filter") ? void(query.filterMask = maskOf<OZAppFilterMask>(value))
-        : word.starts_with("but")    ? void(query.exclusionMask = maskOf<OZExclusionMask>(value))
-        : word.starts_with("with=")  ? query.includingIdentifiers.push_back(value)
-                                     : query.excludingIdentifiers.push_back(value);
+        const auto [kind, value] = namedValue(word);
+        kind == "type"     ? void(query.typeMask = maskOf<OZAppTypeMask>(value))
+        : kind == "filter" ? void(query.filterMask = maskOf<OZAppFilterMask>(value))
+        : kind == "but"    ? void(query.exclusionMask = maskOf<OZExclusionMask>(value))
+        : kind == "with"   ? query.includingIdentifiers.push_back(value)
+                           : query.excludingIdentifiers.push_back(value);
     }
     Words names;
     for (const auto& app : world.builder().appList().appList(query)) {
         names.push_back(app->displayName());
     }
-    sayAll(world, names, ", ");
+    world.say(joined(names, "none", ", "));
 }
 
 /// The applications that info dictionaries make.
-void record(World& world, const Words& words) {
+VERB("record") {
     const auto type = words.at(0) == "user" ? OZAppType::user : OZAppType::system;
-    for (size_t place = 1; place < words.size(); ++place) {
-        world.print(described(OZApp::make(type, *valueOf(words[place]).as<platform::Dictionary>()).get()));
+    for (const auto& info : rest(words)) {
+        world.print(described(OZApp::make(type, *valueOf(info).as<platform::Dictionary>()).get()));
     }
 }
 
 /// "> exclude set|toggle MASK ID", "> exclude nobody"; then, as without words, who is excluded, in two ways,
 /// and what is stored of that.
-void exclude(World& world, const Words& words) {
+VERB("exclude") {
     OZAppList& list = world.builder().appList();
     if (words.size() == 3) {
         const auto mask = maskOf<OZExclusionMask>(words[1]);
@@ -99,17 +90,18 @@ void exclude(World& world, const Words& words) {
     list.writeDefaults();
     const auto stored = world.device().standardUserDefaults().objectForKey("excludedApps");
     texts.push_back(stored ? textOf(*stored) : "nothing");
-    sayAll(world, texts);
+    world.say(joined(texts, "none"));
 }
 
-void excludedPaths(World& world, const Words& words) {
+VERB("excluded-paths") {
     const auto& list = world.builder().appList();
-    sayAll(world, list.pathsForExcludedApps(maskOf<OZExclusionMask>(words.at(0)),
-                                            maskOf<OZAppTypeMask>(words.at(1))));
+    world.say(joined(
+        list.pathsForExcludedApps(maskOf<OZExclusionMask>(words.at(0)), maskOf<OZAppTypeMask>(words.at(1))),
+        "none"));
 }
 
 /// The directories of user, system, groups, system groups and plug-ins: bundles before data.
-void appFolders(World& world, const Words& /*words*/) {
+VERB("app-folders") {
     const OZAppList& list = world.builder().appList();
     Words folders;
     for (const auto& folder : {list.userAppBundleContainerDir(), list.userAppDataContainerDir(),
@@ -118,17 +110,18 @@ void appFolders(World& world, const Words& /*words*/) {
                                list.pluginDataContainerDir()}) {
         folders.push_back(folder.value_or("none"));
     }
-    sayAll(world, folders);
+    world.say(joined(folders));
 }
 
 /// How many of the models tell what; without words, of all conceivable ones.
-void models(World& world, Words words) {
+VERB("models") {
+    Words models = words;
     for (int place = words.empty() ? 0 : 1200; place < 1200; ++place) {
         constexpr const char* families[] = {"iPad", "iPhone", "iPod"};
-        words.push_back(fmt::format("{}{},{}", families[place / 400], place / 20 % 20, place % 20));
+        models.push_back(fmt::format("{}{},{}", families[place / 400], place / 20 % 20, place % 20));
     }
     std::map<std::string, int> counts;
-    for (const auto& word : words) {
+    for (const auto& word : models) {
         const OZDeviceInformation device(word);
         std::string text = device.isKnownDevice() ? "known" : "unknown";
         const std::pair<const char*, OZTriState> answers[] = {{"iPad", device.isiPad()},
@@ -149,7 +142,7 @@ void models(World& world, Words words) {
 }
 
 /// Where the fonts are, and how large; with a word, after a move.
-void fonts(World& world, const Words& words) {
+VERB("fonts") {
     OZFontsFolderMover mover(world.device());
     std::optional<OZFontsFolderError> error;
     const bool moved = !words.empty() && mover.moveFolder(&error);
@@ -162,15 +155,4 @@ void fonts(World& world, const Words& words) {
         mover.currentFolderPath().value_or("nowhere"), mover.folderSize(), mover.humanReadableFolderSize()));
 }
 
-const Verbs verbs{{"apps", apps},
-                  {"installed", installed},
-                  {"record", record},
-                  {"exclude", exclude},
-                  {"excluded-paths", excludedPaths},
-                  {"app-folders", appFolders},
-                  {"models", [](World& world, const Words& words) { models(world, words); }},
-                  {"fonts", fonts}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::apps

@@ -1,23 +1,14 @@
 // What scenarios can do with items of the tree by way of the file manager.
 
+#include "Categories/Files.h"
 #include "Platform/Files/FileManager.h"
-#include "Tests/Scenarios/Answers.h"
-#include "Tests/Support/HostFile.h"
-
-#include <csignal>
-#include <fstream>
-#include <ranges>
-#include <set>
+#include "Tests/Scenarios/Verbs.h"
 
 #include <grp.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::file {
 
 using namespace platform;
 
@@ -36,7 +27,7 @@ std::string textOf(const FileAttributes& attributes) {
 
 std::string textOf(Words names) {
     std::ranges::sort(names);
-    return fmt::format("{}", fmt::join(names, " "));
+    return joined(names);
 }
 
 std::string textOf(const FileSystemAttributes& attributes) {
@@ -105,9 +96,14 @@ using Acts = std::map<std::string, std::function<std::string()>>;
 std::string act(FileManager& files, const std::string& name, const std::string& path, const std::string& to) {
     const auto number = [&](int base) { return static_cast<uint32_t>(std::stoul(to, nullptr, base)); };
     const auto folder = [&](auto kind) { return answerOf(files.createDirectoryAtPath(path, kind)); };
+    const auto traverse = to == "target" ? TraverseLinks::yes : TraverseLinks::no;
+    const std::string owner = to.substr(0, to.find(':'));
+    const std::string group = to.substr(to.find(':') + 1);
+    const auto named = [](const auto& text) { return text.empty() ? std::nullopt : std::optional(text); };
     const Acts acts = {
         {"append", [&] { return writeTo(files.openForWriting(path), to); }},
         {"cd", [&] { return answerOf(files.changeCurrentDirectoryPath(path)); }},
+        {"clear", [&] { return answerOf(removeItemAtPath(files, path, traverse)); }},
         {"copy", [&] { return answerOf(files.copyItemAtPath(path, to)); }},
         {"create", [&] { return writeTo(files.createFileAtPath(path), to); }},
         {"cwd", [&] { return files.currentDirectoryPath(); }},
@@ -120,6 +116,7 @@ std::string act(FileManager& files, const std::string& name, const std::string& 
         {"exists", [&] { return existence(files, path); }},
         {"folder", [&] { return answerOf(files.folderAtPath(path)); }},
         {"forget", [&] { return files.forgetLastFolder(), "ok"; }},
+        {"give", [&] { return answerOf(setOwnerOfItemAtPath(files, path, named(owner), named(group))); }},
         {"item", [&] { return answerOf(files.itemAtPath(path)); }},
         {"link", [&] { return answerOf(files.createSymbolicLinkAtPath(path, to)); }},
         {"list", [&] { return answerOf(files.contentsOfDirectoryAtPath(path)); }},
@@ -140,7 +137,15 @@ std::string act(FileManager& files, const std::string& name, const std::string& 
         {"room", [&] { return answerOf(files.attributesOfFileSystemForPath(path)); }},
         {"stat", [&] { return answerOf(files.attributesOfItemAtPath(path)); }},
         {"target", [&] { return answerOf(files.attributesOfTargetAtPath(path)); }},
+        {"there",
+         [&] {
+             bool isFolder = false;
+             return !fileExistsAtPath(files, path, &isFolder, traverse) ? "nothing"
+                    : isFolder                                          ? "folder"
+                                                                        : "item";
+         }},
         {"tools", [&] { return files.pathForTools(path); }},
+        {"total", [&] { return std::to_string(sizeOfItemAtPath(files, path)); }},
         {"walk", [&] { return answerOf(files.enumeratorAtPath(path), to); }},
         {"writable", [&] { return files.isWritableFileAtPath(path) ? "yes" : "no"; }},
         {"write", [&] { return answerOf(files.writeContents(path, to)); }},
@@ -201,34 +206,31 @@ void onPaths(World& world, const Words& words, size_t handle, bool isOnItems) {
         return world.say("no root");
     }
     const auto answer = [&](const std::string& path, const std::string& wish) {
-        const size_t equals = std::min(wish.find('='), wish.size());
-        const std::string name = wish.substr(0, equals);
-        const std::string to = wish.substr(std::min(equals + 1, wish.size()));
+        const auto [name, to] = namedValue(wish);
         if (!isOnItems) {
             return act(handles.at(handle), name, path, to);
         }
         const auto item = itemNamed(handles.at(handle), path);
         return item ? act(*item, name, to) : answerOf(item);
     };
-    sayAnswers(world, {words.begin() + 1, words.end()}, [&](const std::string& path) {
+    sayAnswers(world, rest(words), [&](const std::string& path) {
         Words answers;
         for (const auto wish : std::views::split(words[0], ',')) {
             answers.push_back(answer(path, std::string(wish.begin(), wish.end())));
         }
         const bool agree = std::ranges::adjacent_find(answers, std::not_equal_to()) == answers.end();
-        return escaped(agree ? answers[0] : fmt::format("{}", fmt::join(answers, ", ")));
+        return escaped(agree ? answers[0] : joined(answers, "", ", "));
     });
 }
 
 /// Notes an extended attribute on items, by their paths in the tree, and says what is noted.
-void note(World& world, const Words& words) {
-    for (size_t at = 1; at < words.size(); ++at) {
-        ::setxattr(world.folder.hostPath(words[at]).c_str(), "user.note", words[0].data(), words[0].size(),
-                   0);
+VERB("note") {
+    for (const auto& path : rest(words)) {
+        ::setxattr(world.folder.hostPath(path).c_str(), "user.note", words[0].data(), words[0].size(), 0);
     }
 }
 
-void noted(World& world, const Words& words) {
+VERB("noted") {
     sayAnswers(world, words, [&](const std::string& path) {
         char text[16];
         const ssize_t size = ::getxattr(world.folder.hostPath(path).c_str(), "user.note", text, sizeof text);
@@ -236,16 +238,10 @@ void noted(World& world, const Words& words) {
     });
 }
 
-void socket(World& world, const Words& words) {
-    for (const auto& path : words) {
-        ::mknod(world.folder.hostPath(path).c_str(), S_IFSOCK | 0644, 0);
-    }
-}
-
 /// Does an action in a process of its own: "as user=501 …", "as umask=63 …", "as fsize=1000 …" (files get no
 /// larger).
-void as(World& world, const Words& words) {
-    const auto number = static_cast<uid_t>(std::stoul(words.at(0).substr(words[0].find('=') + 1)));
+VERB("as") {
+    const auto number = static_cast<uid_t>(std::stoul(namedValue(words.at(0)).second));
     const std::string said = world.folder.folder() / "said";
     std::ofstream file(said);
     const pid_t child = ::fork();
@@ -257,15 +253,13 @@ void as(World& world, const Words& words) {
                                       ::setresuid(number, number, number) == 0
                             : words[0].starts_with("umask") ? ::umask(number) != number
                                                             : ::setrlimit(RLIMIT_FSIZE, &limit) == 0;
-        became ? Verbs::named(words.at(1))(world, {words.begin() + 2, words.end()})
-               : world.say("no such process");
-        file << fmt::format("{}", fmt::join(world.takeOutput(), "\n")) << std::flush;
+        file << joined(became ? saidBy(world, words.at(1), rest(words, 2)) : Words{"no such process"}, "",
+                       "\n")
+             << std::flush;
         ::_exit(0);
     }
     ::waitpid(child, nullptr, 0);
-    for (const auto& line : linesOf(tests::contentOf(said))) {
-        world.say(line.substr(2));
-    }
+    std::ranges::for_each(linesOf(tests::contentOf(said)), [&](const auto& line) { world.say(line); });
 }
 
 template <size_t handle, bool isOnItems>
@@ -273,9 +267,7 @@ void on(World& world, const Words& words) {
     onPaths(world, words, handle, isOnItems);
 }
 
-const Verbs verbs{{"as", as},       {"files", on<0, false>}, {"item", on<0, true>},       {"note", note},
-                  {"noted", noted}, {"other", on<1, false>}, {"other-item", on<1, true>}, {"socket", socket}};
+const Verbs verbs{
+    {"files", on<0, false>}, {"item", on<0, true>}, {"other", on<1, false>}, {"other-item", on<1, true>}};
 
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::file

@@ -3,12 +3,10 @@
 #include "Categories/Images.h"
 #include "Interface/Images/OZImageCache.h"
 #include "Platform/Formats/PNGImage.h"
-#include "Tests/Scenarios/Answers.h"
+#include "Tests/Scenarios/Verbs.h"
 #include "Tests/Scenarios/Window/Pictures.h"
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::images {
 
 using platform::Color;
 using platform::Image;
@@ -51,13 +49,13 @@ std::string textOf(const std::optional<Image>& image) {
 }
 
 /// "png PATH WIDTHxHEIGHT RRGGBBAA [KIND…]": a picture of one colour. Nobody is told of the new file.
-void png(World& world, const Words& words) {
+VERB("png") {
     world.folder.addFile(words.at(0), pngFile(words.at(1), words.at(2), {words.begin() + 3, words.end()}));
     std::ignore = world.takeEffects();
 }
 
 /// What files say of their size, and what they hold.
-void picture(World& world, const Words& words) {
+VERB("picture") {
     sayAnswers(world, words, [&](const std::string& path) {
         const auto bytes = world.folder.contents(path);
         const auto size = platform::sizeOfPNG(std::string_view(bytes).substr(0, platform::pngHeaderBytes));
@@ -70,7 +68,7 @@ void picture(World& world, const Words& words) {
 }
 
 /// In how many ways a file can be cut off, or a byte of it be another one, and still be read.
-void damage(World& world, const Words& words) {
+VERB("damage") {
     sayAnswers(world, words, [&](const std::string& path) {
         std::string bytes = world.folder.contents(path);
         size_t cut = 0;
@@ -89,13 +87,13 @@ void damage(World& world, const Words& words) {
 }
 
 /// Images of URLs, loaded at once.
-void image(World& world, const Words& words) {
+VERB("image") {
     sayAnswers(world, words,
                [&](const std::string& url) { return textOf(imagesOf(world).cache->imageWithURL(url)); });
 }
 
 /// "later URL…": what is there at once, and what comes behind it.
-void later(World& world, const Words& words) {
+VERB("later") {
     auto& cache = *imagesOf(world).cache;
     size_t waiting = 0;
     for (const auto& url : words) {
@@ -110,7 +108,7 @@ void later(World& world, const Words& words) {
 }
 
 /// "icon ID…": icons that are not kept, now and by way of a completion.
-void icon(World& world, const Words& words) {
+VERB("icon") {
     auto& cache = *imagesOf(world).cache;
     sayAnswers(world, words, [&](const std::string& identifier) {
         std::string now = textOf(cache.iconForAppWithIdentifier(identifier));
@@ -124,7 +122,7 @@ void icon(World& world, const Words& words) {
 }
 
 /// Whether images of URLs are kept, and how to make them.
-void kept(World& world, const Words& words) {
+VERB("kept") {
     const auto& cache = *imagesOf(world).cache;
     sayAnswers(world, words, [&](const std::string& url) {
         return fmt::format("{}{}", cache.hasCachedImageWithURL(url) ? "image" : "no image",
@@ -132,12 +130,12 @@ void kept(World& world, const Words& words) {
     });
 }
 
-void warn(World& world, const Words& /*words*/) {
+VERB("warn") {
     world.device().notificationCenter().post(OZImageCache::memoryWarningNotification);
 }
 
 /// "draw PATH OPERATION NUMBER…" with a file's image, its scale taken for 1.
-void draw(World& world, const Words& words) {
+VERB("draw") {
     const auto source = platform::imageFromPNG(world.folder.contents(words.at(0)), greatestImageSide).value();
     const auto number = [&](size_t index) { return std::stod(words.at(index)); };
     const auto& operation = words.at(1);
@@ -156,10 +154,4 @@ void draw(World& world, const Words& words) {
     }
 }
 
-const Verbs verbs{{"png", png},     {"picture", picture}, {"damage", damage},
-                  {"image", image}, {"later", later},     {"icon", icon},
-                  {"kept", kept},   {"warn", warn},       {"draw", draw}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::images

@@ -14,17 +14,9 @@
 #include "Model/Packages/OZPackage.h"
 #include "Model/Packages/OZPackageWorkspace.h"
 #include "Model/Tasks/OZTask.h"
-#include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Scenarios/Verbs.h"
 
-#include <algorithm>
-#include <filesystem>
-
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-namespace scenarios {
-
-namespace {
+namespace scenarios::items {
 
 OZTogglableItemList& togglables(World& world, const std::string& name) {
     if (name == "daemons") {
@@ -50,16 +42,16 @@ std::string stateOf(OZTogglableItem& item, const std::string& name) {
     for (const auto& [key, member] : list == nullptr ? OZTogglableItemMap() : list->items()) {
         members.push_back(stateOf(*member, key));
     }
-    return list == nullptr ? text : fmt::format("{}({})", text, fmt::join(members, " "));
+    return list == nullptr ? text : text + "(" + joined(members) + ")";
 }
 
 /// "items LIST": "addons", "pages" or "daemons".
-void items(World& world, const Words& words) {
+VERB("items") {
     world.say(stateOf(togglables(world, words.at(0)), ""));
 }
 
 /// "titles LIST": a line for each item, in the order of titles, with its package, icon and description.
-void titles(World& world, const Words& words) {
+VERB("titles") {
     for (const auto& item : togglables(world, words.at(0)).itemsSortedByTitle()) {
         auto* group = dynamic_cast<OZPreferenceBundleGroup*>(item.get());
         const auto* file = dynamic_cast<OZTogglablePkgFile*>(item.get());
@@ -75,7 +67,7 @@ void titles(World& world, const Words& words) {
 
 /// "switch LIST ITEM ACTION…" lets one item, or "all", be "on" or "off", and be told to "apply" or "discard"
 /// that. Says what the last two did, and the state then.
-void change(World& world, const Words& words) {
+VERB("switch") {
     auto& list = togglables(world, words.at(0));
     const auto found = list.itemWithIdentifier(words.at(1));
     if (!found && words[1] != "all") {
@@ -83,12 +75,12 @@ void change(World& world, const Words& words) {
     }
     OZTogglableItem& item = found ? *found : list;
     std::string said;
-    for (auto word = words.begin() + 2; word != words.end(); ++word) {
-        if (*word == "on" || *word == "off") {
-            item.setEnabledState(*word == "on");
+    for (const auto& word : rest(words, 2)) {
+        if (word == "on" || word == "off") {
+            item.setEnabledState(word == "on");
         } else {
-            said += (*word == "apply" ? item.applyChanges() : item.discardChanges()) ? "" : "no ";
-            said += *word + ", ";
+            said += (word == "apply" ? item.applyChanges() : item.discardChanges()) ? "" : "no ";
+            said += word + ", ";
         }
     }
     world.say(said + stateOf(item, item.identifier()));
@@ -96,30 +88,32 @@ void change(World& world, const Words& words) {
 
 /// "toggler WORD…": "ADDON=on" and "ADDON=off" move an add-on's switch, "all" toggles all of them, "auto=on"
 /// and "auto=off" are the user's choice about dependencies.
-void toggler(World& world, const Words& words) {
+VERB("toggler") {
     auto& workspace = world.builder().packageWorkspace();
     OZCSAddonToggler toggler(workspace, world.device().standardUserDefaults());
     for (const auto& word : words) {
-        const bool isOn = word.ends_with("=on");
-        if (word == "all") {
+        const auto [name, state] = namedValue(word);
+        if (name == "all") {
             toggler.toggleAll();
-        } else if (word.starts_with("auto=")) {
-            toggler.setAutoManageDependencies(isOn);
+        } else if (name == "auto") {
+            toggler.setAutoManageDependencies(state == "on");
         } else {
-            const auto addon = workspace.CSAddonList().itemWithIdentifier(word.substr(0, word.find('=')));
-            toggler.setEnabledStateOfAddon(static_cast<OZCSAddon&>(*addon), isOn);
+            const auto addon = workspace.CSAddonList().itemWithIdentifier(name);
+            toggler.setEnabledStateOfAddon(static_cast<OZCSAddon&>(*addon), state == "on");
         }
     }
     world.say(stateOf(workspace.CSAddonList(), toggler.autoManageDependencies() ? "auto" : "manual"));
 }
 
-/// "overridden LABEL LISTING": what the service manager's listing says.
-void overridden(World& world, const Words& words) {
-    const auto overrides = OZOverrideDaemon::overridesInListing(words.at(1));
-    world.say(OZOverrideDaemon::isEnabledIn(overrides, words[0]) ? "on" : "off");
+/// "overridden LABEL LISTING…": what the service manager's listings say.
+VERB("overridden") {
+    sayAnswers(world, rest(words), [&](const std::string& listing) {
+        const auto overrides = OZOverrideDaemon::overridesInListing(listing);
+        return OZOverrideDaemon::isEnabledIn(overrides, words[0]) ? "on" : "off";
+    });
 }
 
-void restore(World& world, const Words& /*words*/) {
+VERB("restore") {
     world.builder().systemRestore()->restore();
 }
 
@@ -130,7 +124,7 @@ OZDeletableItemList& deletables(World& world, const std::string& name) {
 
 /// "rows LIST": the titles of "dictionaries" or "preferences"; with "paths", "icons" or "sizes" behind it a
 /// line for each.
-void rows(World& world, const Words& words) {
+VERB("rows") {
     Words titles;
     for (const auto& item : deletables(world, words.at(0)).allItems()) {
         titles.push_back(item->title());
@@ -142,7 +136,7 @@ void rows(World& world, const Words& words) {
         }
     }
     if (words.size() == 1) {
-        world.say(titles.empty() ? "nothing" : fmt::format("{}", fmt::join(titles, ", ")));
+        world.say(joined(titles, "nothing", ", "));
     }
 }
 
@@ -154,9 +148,9 @@ void deleteRow(OZDeletableItemList& list, const std::string& title) {
 }
 
 /// "delete LIST TITLE…".
-void deleteRows(World& world, const Words& words) {
+VERB("delete") {
     auto& list = deletables(world, words.at(0));
-    std::for_each(words.begin() + 1, words.end(), [&](const auto& title) { deleteRow(list, title); });
+    std::ranges::for_each(rest(words), [&](const auto& title) { deleteRow(list, title); });
 }
 
 /// Says when the preference daemon's restart starts and ends, by the seconds that the main queue was told of.
@@ -170,7 +164,7 @@ struct Reloads : OZPrefDaemonReloadDelegate {
 
 /// "reloads WORD…": "-TITLE" deletes a preference file, a number lets so many seconds pass, "now" asks for a
 /// restart, "end" lets the tool see the file "stop" and waits for its end, "close" lets go of the list.
-void reloads(World& world, const Words& words) {
+VERB("reloads") {
     auto& device = world.device();
     auto& queue = device.mainQueue();
     queue.setManualClock(true);
@@ -204,10 +198,4 @@ void reloads(World& world, const Words& words) {
     world.say(reloads.said + (list && list->prefDaemonReloadTask() ? "busy" : "idle"));
 }
 
-const Verbs verbs{{"items", items},     {"titles", titles},         {"switch", change},
-                  {"toggler", toggler}, {"overridden", overridden}, {"restore", restore},
-                  {"rows", rows},       {"delete", deleteRows},     {"reloads", reloads}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::items

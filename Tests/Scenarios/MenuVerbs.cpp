@@ -1,27 +1,16 @@
 // What scenarios can do with the built program at a terminal, and with its switches.
 
 #include "Controller/CommandLine/OZCLIController.h"
-#include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/HostFile.h"
-#include "Tests/Support/StandardOutput.h"
+#include "Tests/Scenarios/Verbs.h"
 
-#include <algorithm>
 #include <array>
-#include <cstring>
 #include <latch>
 #include <regex>
-#include <stdexcept>
-#include <thread>
 
-#include <fmt/ranges.h>
 #include <poll.h>
 #include <pty.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::menu {
 
 constexpr std::string_view clearing = "<clear>";
 
@@ -31,9 +20,7 @@ std::string withNamedEscapes(std::string text) {
         {"\033[0;33m", "<yellow>"}, {"\033[0;0m", "<reset>"}, {"\r\n", "\n"},
     };
     for (const auto& [bytes, name] : escapes) {
-        for (size_t at = 0; (at = text.find(bytes, at)) != std::string::npos; at += name.size()) {
-            text.replace(at, bytes.size(), name);
-        }
+        text = tests::replaced(text, bytes, name);
     }
     return text;
 }
@@ -186,48 +173,47 @@ void start(World& world, const std::string& command) {
 }
 
 /// "terminal command line": what it shows up to the first prompt. $PID is its process from then on.
-void openTerminal(World& world, const Words& words) {
-    start(world, fmt::to_string(fmt::join(words, " ")));
+VERB("terminal") {
+    start(world, joined(words));
 }
 
 /// "enter line line…": the screen after each.
-void enter(World& world, const Words& words) {
+VERB("enter") {
     for (const auto& line : words) {
         show(world, terminalOf(world).screenAfter(line), line + "> ");
     }
 }
 
 /// "go line line…": the same without a word.
-void go(World& world, const Words& words) {
-    enter(world, words);
-    world.takeOutput();
+VERB("go") {
+    saidBy(world, "enter", words);
 }
 
 /// "menu line line…": the program's menu, on the screen that the lines lead to, without a word.
-void openMenu(World& world, const Words& words) {
+VERB("menu") {
     start(world, "exec ozvarine --device . -cli");
-    go(world, words);
+    saidBy(world, "enter", words);
 }
 
 /// "try line line…": what each leads to, by the first lines of the screens, and back by [Enter].
-void tryLines(World& world, const Words& words) {
+VERB("try") {
     std::map<std::string, Words> answers;
     for (const auto& line : words) {
         answers[headingOf(terminalOf(world).screenAfter(line))].push_back(line);
         terminalOf(world).screenAfter("");
     }
     for (const auto& [heading, lines] : answers) {
-        world.say(fmt::format("{} {}", heading, fmt::join(lines, " ")));
+        world.say(heading + " " + joined(lines));
     }
 }
 
 /// "work line message": the screen after a line, with a message that may be seen meanwhile.
-void work(World& world, const Words& words) {
+VERB("work") {
     show(world, terminalOf(world).screenAfter(words.at(0), words.at(1)), words[0] + "> ");
 }
 
 /// "press bytes": what is shown then, echo included.
-void press(World& world, const Words& words) {
+VERB("press") {
     terminalOf(world).type(words.at(0));
     const std::string picture = terminalOf(world).screen();
     const size_t echo = std::min(picture.find(clearing), picture.size());
@@ -236,7 +222,7 @@ void press(World& world, const Words& words) {
 }
 
 /// "end [bytes]": how the program ends by these, whatever it shows before that.
-void end(World& world, const Words& words) {
+VERB("end") {
     terminalOf(world).type(words.empty() ? "" : words[0]);
     std::string picture;
     while (!picture.contains("<end")) {
@@ -245,12 +231,12 @@ void end(World& world, const Words& words) {
     world.say(picture.substr(picture.find("<end")));
 }
 
-void hangUp(World& world, const Words& /*words*/) {
+VERB("hangup") {
     world.say(terminalOf(world).hangUp());
 }
 
 /// What the menu shows while something takes six ticks of the clock, and how long they are.
-void wait(World& world, const Words& words) {
+VERB("wait") {
     std::latch sleeps(6);
     std::set<double> seconds;
     world.device().setSleep([&](double length) {
@@ -262,12 +248,12 @@ void wait(World& world, const Words& words) {
         const tests::StandardOutput output(file);
         OZCLIController(world.builder()).executeBlockInBackground([&] { sleeps.wait(); }, words.at(0));
     }
-    world.say(fmt::format("{} {}", fmt::join(seconds, " "), withNamedEscapes(tests::contentOf(file))));
+    world.say(joined(seconds) + " " + withNamedEscapes(tests::contentOf(file)));
 }
 
 /// "ozvarine arguments": its status and the lines that it prints; an error stands behind the line before it.
-void ozvarine(World& world, const Words& words) {
-    world.shell(fmt::format("ozvarine {}", fmt::join(words, " ")));
+VERB("ozvarine") {
+    world.shell("ozvarine " + joined(words));
     Lines lines = world.takeOutput();
     const bool failed = !lines.empty() && lines.back().starts_with("= ");
     const std::string status = failed ? lines.back().substr(2) : "0";
@@ -280,10 +266,4 @@ void ozvarine(World& world, const Words& words) {
     std::ranges::for_each(said, [&](const auto& line) { world.say(line); });
 }
 
-const Verbs verbs{{"terminal", openTerminal}, {"menu", openMenu}, {"enter", enter},      {"go", go},
-                  {"try", tryLines},          {"work", work},     {"press", press},      {"end", end},
-                  {"hangup", hangUp},         {"wait", wait},     {"ozvarine", ozvarine}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::menu

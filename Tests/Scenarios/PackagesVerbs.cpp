@@ -4,28 +4,16 @@
 #include "Model/Items/Togglable/OZPreferenceBundle.h"
 #include "Model/Packages/OZPackageList.h"
 #include "Model/Packages/OZPackageWorkspace.h"
-#include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Scenarios/Verbs.h"
 
-#include <algorithm>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <set>
-
-#include <fmt/ranges.h>
-
-namespace scenarios {
-
-namespace {
-
-namespace fs = std::filesystem;
+namespace scenarios::packages {
 
 std::string namesOf(const std::vector<OZPackage*>& packages) {
     std::multiset<std::string> names;
     for (const OZPackage* package : packages) {
         names.insert(package->identifier());
     }
-    return names.empty() ? "none" : fmt::format("{}", fmt::join(names, " "));
+    return joined(names, "none");
 }
 
 template <class Items>
@@ -39,24 +27,23 @@ std::string identifiersOf(const Items& items) {
 
 /// "graph [ANSWER]": all packages, as the device's tool tells them or as this answer of it does; each as
 /// "package[name](icon)>dependency>dependency".
-void graph(World& world, const Words& words) {
+VERB("graph") {
     if (!words.empty()) {
         std::ofstream(world.folder.folder() / "answer") << words[0];
         world.folder.addTool("/usr/bin/dpkg-query", "cat \"$OZVARINE_DEVICE/answer\"");
     }
-    std::string text;
+    Words texts;
     for (const auto& [identifier, package] : OZPackageList(world.device()).allPackages()) {
         const std::string dependencies = namesOf(package->directDependencies());
-        text += (text.empty() ? "" : "; ") + identifier +
-                (package->name() ? "[" + *package->name() + "]" : "") +
-                (package->iconURL() ? "(" + *package->iconURL() + ")" : "") +
-                (dependencies == "none" ? "" : " > " + dependencies);
+        texts.push_back(identifier + (package->name() ? "[" + *package->name() + "]" : "") +
+                        (package->iconURL() ? "(" + *package->iconURL() + ")" : "") +
+                        (dependencies == "none" ? "" : " > " + dependencies));
     }
-    world.print(text.empty() ? "nothing" : text);
+    world.print(joined(texts, "nothing", "; "));
 }
 
 /// "package NAME": what is told of it, and all that are linked to it.
-void package(World& world, const Words& words) {
+VERB("package") {
     const auto package = OZPackageList(world.device()).packageWithIdentifier(words.at(0));
     if (!package) {
         return world.say("none");
@@ -69,7 +56,7 @@ void package(World& world, const Words& words) {
 }
 
 /// "owners PATH…": whose these files are.
-void owners(World& world, const Words& words) {
+VERB("owners") {
     OZPackageList list(world.device());
     if (words.size() == 1) {
         const auto packages = list.packagesForFileAtPath(words[0]);
@@ -83,39 +70,39 @@ void owners(World& world, const Words& words) {
 
 /// "edit BYTES PATH…": whether a package's list of files with these bytes changes when paths are added
 /// ("+/path") and removed ("-/path"), and the bytes whenever it does. Its date and mode have to stay.
-void edit(World& world, const Words& words) {
+VERB("edit") {
     const std::string path = "/var/lib/dpkg/info/edited.list";
     world.folder.addFile(path, words.at(0));
-    const fs::path file = world.folder.hostPath(path);
-    const auto date = fs::file_time_type::clock::now() - std::chrono::hours(5000);
-    fs::last_write_time(file, date);
-    fs::permissions(file, fs::perms(0640));
+    const auto file = world.folder.hostPath(path);
+    const auto date = std::filesystem::file_time_type::clock::now() - std::chrono::hours(5000);
+    std::filesystem::last_write_time(file, date);
+    std::filesystem::permissions(file, std::filesystem::perms(0640));
     OZPackage package(world.device(), "edited");
     Words said;
-    for (auto word = words.begin() + 1; word != words.end(); ++word) {
+    for (const auto& word : rest(words)) {
         const std::string before = world.folder.contents(path);
-        const std::string changed = word->substr(1);
         const bool isDone =
-            (*word)[0] == '+' ? package.addFilePath(changed) : package.removeFilePath(changed);
+            word[0] == '+' ? package.addFilePath(word.substr(1)) : package.removeFilePath(word.substr(1));
         const std::string bytes = world.folder.contents(path);
         said.push_back((isDone ? "yes" : "no") + (bytes == before ? "" : " " + escaped(bytes)));
     }
-    if (fs::last_write_time(file) != date || fs::status(file).permissions() != fs::perms(0640)) {
+    if (std::filesystem::last_write_time(file) != date ||
+        std::filesystem::status(file).permissions() != std::filesystem::perms(0640)) {
         said.emplace_back("another date or mode");
     }
-    world.say(fmt::format("{}", fmt::join(said, " ")));
+    world.say(joined(said));
     world.takeEffects();
 }
 
 /// "listed PACKAGE": the paths of its list of files.
-void listed(World& world, const Words& words) {
+VERB("listed") {
     const auto paths = OZPackage(world.device(), words.at(0)).pathsOfInstalledFiles();
     world.say(paths ? fmt::format("{}", *paths) : "none");
 }
 
 /// All packages with what they bring along that can be switched, and the add-ons that they need and that need
 /// them.
-void infos(World& world, const Words& /*words*/) {
+VERB("infos") {
     auto& workspace = world.builder().packageWorkspace();
     for (const auto& [identifier, info] : workspace.packageInfoByPkgId()) {
         auto needed = workspace.CSAddonDependenciesForPkgId(identifier);
@@ -131,9 +118,4 @@ void infos(World& world, const Words& /*words*/) {
     }
 }
 
-const Verbs verbs{{"graph", graph}, {"package", package}, {"owners", owners},
-                  {"edit", edit},   {"listed", listed},   {"infos", infos}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::packages

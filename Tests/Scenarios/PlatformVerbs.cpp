@@ -4,13 +4,9 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Platform/Formats/StringsFile.h"
 #include "Tests/Platform/PropertyListTexts.h"
-#include "Tests/Scenarios/Answers.h"
+#include "Tests/Scenarios/Verbs.h"
 
 #include <array>
-#include <filesystem>
-#include <ranges>
-
-#include <fcntl.h>
 
 namespace scenarios {
 
@@ -20,18 +16,18 @@ using namespace platform;
 namespace fs = std::filesystem;
 
 /// A file's content as it stands, a property list's as one value.
-void show(World& world, const Words& words) {
+VERB("show") {
     const std::string content = world.folder.contents(words.at(0));
     const auto list = parsePropertyList(content);
     list ? world.say(textOf(list.value())) : world.print(content);
 }
 
-void reopen(World& world, const Words& /*words*/) {
+VERB("reopen") {
     world.reopen();
 }
 
 /// What comes of opening files of the host, in the device folder, for output.
-void output(World& world, const Words& words) {
+VERB("output") {
     const Descriptor tree(::open((world.folder.folder() / "Root").c_str(), O_PATH | O_CLOEXEC));
     for (const auto& word : words) {
         const auto opened = HostOutput::open(world.folder.folder() / word, tree.get());
@@ -40,7 +36,7 @@ void output(World& world, const Words& words) {
 }
 
 /// What stands behind paths of tools: a program of the host, or none.
-void tools(World& world, const Words& words) {
+VERB("tools") {
     const auto& folder = world.folder.folder();
     const ToolTable table(folder / "Tools", folder, folder / "Root");
     sayAnswers(world, words, [&](const std::string& path) {
@@ -52,13 +48,13 @@ void tools(World& world, const Words& words) {
 }
 
 /// What is known of the device where a person gives "model=iPhone9,3" or "version=9.3.5".
-void facts(World& world, const Words& words) {
+VERB("facts") {
     world.reopen();
     world.device();
     GivenFacts given;
     for (const auto& word : words) {
-        (word.starts_with("model=") ? given.hardwareModel : given.systemVersion) =
-            word.substr(word.find('=') + 1);
+        const auto [kind, value] = namedValue(word);
+        (kind == "model" ? given.hardwareModel : given.systemVersion) = value;
     }
     const auto device = Device::open(world.folder.folder(), given).value();
     const DeviceFacts& facts = device->facts();
@@ -71,7 +67,7 @@ void facts(World& world, const Words& words) {
 }
 
 /// The Foundation versions of product versions.
-void generations(World& world, const Words& words) {
+VERB("generations") {
     sayAnswers(world, words, [&](const std::string& version) {
         const auto found = systemVersionForProductVersion(version);
         return found ? fmt::format("{}", found->foundationVersion) : "none";
@@ -88,7 +84,7 @@ std::string choiceAt(const UserDefaults& values, const std::string& key) {
 
 /// The stored choices of a process: "defaults one set {…}", "… remove a", "… get a b", "… true a b" (which of
 /// them are), "… save".
-void defaults(World& world, const Words& words) {
+VERB("defaults") {
     world.device();
     using Processes = std::map<std::string, std::shared_ptr<Device>>;
     auto& device = world.kept<Processes>([] { return Processes(); })[words.at(0)];
@@ -97,12 +93,12 @@ void defaults(World& world, const Words& words) {
         device->warnings().setReceiver([&world](const auto& line) { world.sayWarning(line); });
     }
     UserDefaults& values = device->standardUserDefaults();
-    const Words keys(words.begin() + 2, words.end());
+    const Words keys = rest(words, 2);
     if (words.at(1) == "get") {
         sayAnswers(world, keys, [&](const auto& key) { return choiceAt(values, key); });
     } else if (words[1] == "true") {
         const auto isTrue = [&](const auto& key) { return values.boolForKey(key); };
-        world.say(fmt::format("{}", fmt::join(keys | std::views::filter(isTrue), " ")));
+        world.say(joined(keys | std::views::filter(isTrue)));
     } else if (words[1] == "save") {
         sayAnswers(world, {""}, [&](const auto&) {
             const auto saved = values.synchronize();
@@ -141,17 +137,17 @@ std::string parsed(const std::string& bytes) {
 }
 
 /// The values of property lists.
-void parse(World& world, const Words& words) {
+VERB("parse") {
     sayAnswers(world, words, [&](const auto& word) { return parsed(textNamed(world, word)); });
 }
 
 /// The same, with the XML around them.
-void xml(World& world, const Words& words) {
+VERB("xml") {
     sayAnswers(world, words, [&](const auto& word) { return parsed(tests::xml(textNamed(world, word))); });
 }
 
 /// The pairs of ".strings" files, or the lines that are wrong.
-void strings(World& world, const Words& words) {
+VERB("strings") {
     sayAnswers(world, words, [&](const auto& word) -> std::string {
         const auto table = parseStringsFile(textNamed(world, word));
         if (!table) {
@@ -166,14 +162,14 @@ void strings(World& world, const Words& words) {
 }
 
 /// What a verb says of a text, once where it is the same in all encodings.
-void encoded(World& world, const Words& words) {
+VERB("encoded") {
     const std::string text = textNamed(world, words.at(1));
     std::map<Lines, Words> encodingsBySaid;
     for (const char* encoding : {"UTF-8", "UTF-16LE", "UTF-16BE", "UTF-32LE", "UTF-32BE"}) {
         for (const char* mark : {"\uFEFF", ""}) {
             if (mark[0] != '\0' || !std::string_view(encoding).starts_with("UTF-32")) {
-                Verbs::named(words[0])(world, {tests::encoded(mark + text, encoding)});
-                encodingsBySaid[world.takeOutput()].emplace_back(encoding);
+                const Words bytes = {tests::encoded(mark + text, encoding)};
+                encodingsBySaid[saidBy(world, words[0], bytes)].emplace_back(encoding);
             }
         }
     }
@@ -181,16 +177,9 @@ void encoded(World& world, const Words& words) {
         if (encodingsBySaid.size() > 1) {
             world.say(fmt::format("{}:", fmt::join(encodings, ", ")));
         }
-        for (const auto& line : said) {
-            world.say(line.substr(2));
-        }
+        std::ranges::for_each(said, [&](const auto& line) { world.say(line); });
     }
 }
-
-const Verbs verbs{
-    {"defaults", defaults}, {"encoded", encoded}, {"facts", facts},   {"generations", generations},
-    {"output", output},     {"parse", parse},     {"reopen", reopen}, {"show", show},
-    {"strings", strings},   {"tools", tools},     {"xml", xml}};
 
 } // namespace
 

@@ -3,32 +3,24 @@
 #include "Model/Plugins/OZPluginLoader.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Device/Bundle.h"
-#include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Scenarios/Verbs.h"
 
-#include <algorithm>
-#include <filesystem>
-
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-namespace scenarios {
-
-namespace {
+namespace scenarios::services {
 
 namespace fs = std::filesystem;
 
 /// "stored KEY": the choice that is in force, saved or not.
-void stored(World& world, const Words& words) {
+VERB("stored") {
     const auto value = world.device().standardUserDefaults().objectForKey(words.at(0));
     world.say(value ? textOf(*value) : "none");
 }
 
 /// "store KEY VALUE", as an object beside those that are asked does.
-void store(World& world, const Words& words) {
+VERB("store") {
     world.device().standardUserDefaults().setObject(words.at(0), valueOf(words.at(1)));
 }
 
-void synchronize(World& world, const Words& /*words*/) {
+VERB("synchronize") {
     std::ignore = world.device().standardUserDefaults().synchronize();
 }
 
@@ -45,7 +37,7 @@ struct Languages {
 
 /// "speaks LANGUAGE/LOCALE…": the languages that the program picks on devices with these preferences, "-" for
 /// none, and their names in themselves.
-void speaks(World& world, const Words& words) {
+VERB("speaks") {
     Words said;
     for (const auto& word : words) {
         platform::Dictionary preferences;
@@ -66,11 +58,11 @@ void speaks(World& world, const Words& words) {
         said.push_back((isEarly ? "early " : "") + language + " " +
                        languages.manager.localizedLanguageWithName(language).value_or("nameless"));
     }
-    world.say(fmt::format("{}", fmt::join(said, ", ")));
+    world.say(joined(said, "", ", "));
 }
 
 /// What the device's preferences tell, and the languages that there are.
-void system(World& world, const Words& /*words*/) {
+VERB("system") {
     const Languages languages(world);
     world.say(fmt::format("{} {}{} of {}", languages.manager.systemLanguage(),
                           languages.manager.systemLocale(),
@@ -79,18 +71,19 @@ void system(World& world, const Words& /*words*/) {
 }
 
 /// "texts LANGUAGE KEY…".
-void texts(World& world, const Words& words) {
+VERB("texts") {
     Languages languages(world);
     languages.manager.setUserLanguage(words.at(0));
     Words texts;
-    std::transform(words.begin() + 1, words.end(), std::back_inserter(texts),
-                   [&](const auto& key) { return languages.manager.localizedStringForKey(key); });
-    world.say(fmt::format("{}", fmt::join(texts, ", ")));
+    for (const auto& key : rest(words)) {
+        texts.push_back(languages.manager.localizedStringForKey(key));
+    }
+    world.say(joined(texts, "", ", "));
 }
 
 /// "languages CHOICE…": chooses each language, "-" for none and "reset" for the device's, and says what it
 /// came to and how often that was announced. The program keeps the last one.
-void languages(World& world, const Words& words) {
+VERB("languages") {
     auto& manager = world.builder().localizationManager();
     size_t announced = 0;
     const platform::Observation observation(world.device().notificationCenter(), OZLocalizationNotification,
@@ -106,7 +99,7 @@ void languages(World& world, const Words& words) {
 }
 
 /// "plugins [ID on|off|TITLE]": a line for each plug-in, once one of them has been switched or renamed.
-void plugins(World& world, const Words& words) {
+VERB("plugins") {
     auto& loader = world.builder().pluginLoader();
     const std::string prefix = "com.ozdev90.ozvarine.";
     if (!words.empty()) {
@@ -126,19 +119,13 @@ void plugins(World& world, const Words& words) {
 }
 
 /// The libraries that are asked for where only those that are there, and not "broken", can be loaded.
-void libraries(World& world, const Words& /*words*/) {
+VERB("libraries") {
     Words names = {"asked for"};
     world.builder().pluginLoader().loadThirdPartyDylibs([&](std::string_view path) {
         names.push_back(fs::path(path).stem());
         return fs::exists(world.folder.hostPath(path)) && world.folder.contents(path) != "broken";
     });
-    world.say(fmt::format("{}", fmt::join(names, " ")));
+    world.say(joined(names));
 }
 
-const Verbs verbs{{"stored", stored},       {"store", store},     {"synchronize", synchronize},
-                  {"speaks", speaks},       {"system", system},   {"texts", texts},
-                  {"languages", languages}, {"plugins", plugins}, {"libraries", libraries}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::services

@@ -8,7 +8,7 @@
 #include "Model/Core/OZCore.h"
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Device/Bundle.h"
-#include "Tests/Scenarios/Runner/World.h"
+#include "Tests/Scenarios/Verbs.h"
 #include "Tests/Scenarios/Window/TextHost.h"
 
 #include <chrono>
@@ -17,9 +17,7 @@
 
 #include <fmt/format.h>
 
-namespace scenarios {
-
-namespace {
+namespace scenarios::window {
 
 /// The window's first screen with what stands behind it, as a start assembles it.
 class Window : private OZAdController, private OZTextViewControllerProvider {
@@ -101,7 +99,7 @@ std::string textOf(const std::optional<BarButton>& button) {
 }
 
 /// The screen on top: its bar, and the rows of its sections.
-void screen(World& world, const Words& /*words*/) {
+VERB("screen") {
     auto& table = tableOf(world);
     const auto& bar = table.navigationItem();
     world.say(bar.title + textOf(bar.leftButton) + textOf(bar.rightButton));
@@ -134,7 +132,7 @@ void settle(Window& window) {
 }
 
 /// A button of the dialog on top, else of the bar, else a row.
-void press(World& world, const Words& words) {
+VERB("press") {
     auto& window = windowOf(world);
     if (!window.host.alerts.empty()) {
         if (!window.host.alerts.back()->press(words.at(0))) {
@@ -155,17 +153,17 @@ void press(World& world, const Words& words) {
 }
 
 /// "turn ROW VALUE": a control of a row, with the number of its new state.
-void turn(World& world, const Words& words) {
+VERB("turn") {
     auto& table = tableOf(world);
     table.controlChanged(rowCalled(table, words.at(0)), std::stoull(words.at(1)));
 }
 
-void type(World& world, const Words& words) {
+VERB("type") {
     windowOf(world).host.alerts.back()->text = words.at(0);
 }
 
 /// "wait SECONDS [TIMES]" of the interface's clock.
-void wait(World& world, const Words& words) {
+VERB("wait") {
     auto& queue = windowOf(world).context.device.mainQueue();
     for (size_t times = words.size() > 1 ? std::stoull(words[1]) : 1; times > 0; --times) {
         queue.advance(std::stod(words.at(0)));
@@ -173,52 +171,45 @@ void wait(World& world, const Words& words) {
     }
 }
 
-void speak(World& world, const Words& words) {
+VERB("speak") {
     windowOf(world).context.languages.setUserLanguage(words.at(0));
 }
 
 /// Sets "exitOnComplete".
-void exitOnComplete(World& world, const Words& /*words*/) {
+VERB("exits") {
     windowOf(world).cleanup.setExitOnComplete(true);
 }
 
 /// "action NUMBER [analyze]", as the screens of tools start it.
-void action(World& world, const Words& words) {
+VERB("action") {
     auto& window = windowOf(world);
     window.cleanup.startAction(static_cast<OZAction>(std::stoul(words.at(0))), words.size() > 1);
     settle(window);
 }
 
 /// Somebody closes the window.
-void close(World& world, const Words& /*words*/) {
+VERB("close") {
     world.say(windowOf(world).delegate.windowShouldClose() ? "closes" : "stays");
 }
 
 /// "leave" or "return": the program goes out of sight, and comes back.
-void leave(World& world, const Words& /*words*/) {
+VERB("leave") {
     windowOf(world).delegate.applicationDidEnterBackground();
 }
 
-void comeBack(World& world, const Words& /*words*/) {
+VERB("return") {
     windowOf(world).delegate.applicationWillEnterForeground();
 }
 
 /// A line for the user from somewhere in the engine, such as items that stayed.
-void warn(World& world, const Words& words) {
+VERB("tell") {
     auto& device = windowOf(world).context.device;
     device.warnings().tell(words.at(0));
     device.mainQueue().runPending();
 }
 
-void lookOnly(World& world, const Words& words) {
+VERB("look-only") {
     windowOf(world).context.lookOnlyReason = words.at(0);
 }
 
-const Verbs verbs{{"screen", screen},     {"press", press}, {"turn", turn},       {"type", type},
-                  {"wait", wait},         {"speak", speak}, {"action", action},   {"exits", exitOnComplete},
-                  {"close", close},       {"leave", leave}, {"return", comeBack}, {"warn", warn},
-                  {"look-only", lookOnly}};
-
-} // namespace
-
-} // namespace scenarios
+} // namespace scenarios::window

@@ -5,10 +5,7 @@
 #include "Model/Services/OZLocalizationManager.h"
 #include "Platform/Device/Bundle.h"
 #include "Platform/Device/Device.h"
-
-#include <memory>
-#include <string_view>
-#include <vector>
+#include "Tests/Support/Usual.h"
 
 namespace tests {
 

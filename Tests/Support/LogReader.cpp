@@ -1,11 +1,6 @@
-#include "Tests/Support/LogReader.h"
+#include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
 #include <deque>
-#include <optional>
-
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace tests {
 

@@ -1,7 +1,5 @@
 #include "Tests/Support/TemporaryDevice.h"
 
-#include "Tests/Support/HostFile.h"
-
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -76,7 +74,8 @@ std::vector<std::string> TemporaryDevice::journal() const {
 }
 
 std::string TemporaryDevice::contents(std::string_view devicePath) const {
-    return tests::contentOf(hostPath(devicePath));
+    std::ifstream file(hostPath(devicePath), std::ios::binary);
+    return {std::istreambuf_iterator(file), {}};
 }
 
 platform::Device& TemporaryDevice::device() {

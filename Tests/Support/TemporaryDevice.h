@@ -12,8 +12,6 @@
 class TemporaryDevice {
   public:
     explicit TemporaryDevice(platform::DeviceFacts facts = {});
-    TemporaryDevice(const TemporaryDevice&) = delete;
-    TemporaryDevice& operator=(const TemporaryDevice&) = delete;
     ~TemporaryDevice();
 
     [[nodiscard]] const std::filesystem::path& folder() const { return _folder; }

@@ -1,33 +1,13 @@
 #include "Tests/Support/TemporaryFolder.h"
 
-#include "Tests/Support/HostFile.h"
-#include "Tests/Support/Program.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
-#include <tuple>
-
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <unistd.h>
 
 namespace tests {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-std::string_view trimmed(std::string_view text) {
-    const size_t start = std::min(text.find_first_not_of(' '), text.size());
-    return text.substr(start, text.find_last_not_of(' ') + 1 - start);
-}
-
-} // namespace
 
 TemporaryFolder::TemporaryFolder(const std::string& below)
     : _path(below + "/ozvarine-test.XXXXXX") {
@@ -39,56 +19,28 @@ TemporaryFolder::~TemporaryFolder() {
     std::ignore = shell(fmt::format("test $(id -u) = 0 || chmod -R u+rwX '{0}'; rm -rf '{0}'", _path));
 }
 
-void TemporaryFolder::make(std::string_view lines) const {
-    while (!lines.empty()) {
-        const size_t end = std::min(lines.find('\n'), lines.size());
-        if (const auto line = trimmed(lines.substr(0, end)); !line.empty()) {
-            makeOne(line);
-        }
-        lines.remove_prefix(std::min(end + 1, lines.size()));
-    }
-}
-
-void TemporaryFolder::makeOne(std::string_view line) const {
-    const auto split = [&](std::string_view mark, size_t at) {
-        const fs::path item = path(line.substr(0, at));
+void TemporaryFolder::make(const std::string& lines) const {
+    std::istringstream stream(lines);
+    for (std::string line; std::getline(stream >> std::ws, line);) {
+        const size_t mark = std::min({line.find(" -> "), line.find(": "), line.size()});
+        const fs::path item = path(line.substr(0, mark));
         fs::create_directories(item.parent_path());
-        return std::pair(item, std::string(line.substr(at + mark.size())));
-    };
-    if (const size_t arrow = line.find(" -> "); arrow != std::string_view::npos) {
-        const auto [item, target] = split(" -> ", arrow);
-        require(::symlink(target.c_str(), item.c_str()) == 0, item);
-    } else if (const size_t colon = line.find(": "); colon != std::string_view::npos) {
-        const auto [item, text] = split(": ", colon);
-        std::ofstream(item, std::ios::binary) << text;
-    } else if (line.ends_with(" |")) {
-        const auto [item, rest] = split(" |", line.size() - 2);
-        require(::mkfifo(item.c_str(), 0644) == 0, item);
-    } else if (line.ends_with('/')) {
-        fs::create_directories(path(line));
-    } else {
-        throw std::invalid_argument("unclear line: " + std::string(line));
+        if (line[mark] == ':') {
+            std::ofstream(item, std::ios::binary) << line.substr(mark + 2);
+        } else if (line[mark] == ' ') {
+            fs::create_symlink(line.substr(mark + 4), item);
+        } else if (!line.ends_with('/')) {
+            throw std::invalid_argument("unclear line: " + line);
+        }
     }
 }
 
 bool TemporaryFolder::exists(std::string_view relative) const {
-    struct stat status = {};
-    return ::lstat(path(relative).c_str(), &status) == 0;
+    return fs::symlink_status(path(relative)).type() != fs::file_type::not_found;
 }
 
 std::string TemporaryFolder::content(std::string_view relative) const {
     return contentOf(path(relative));
-}
-
-std::vector<std::string> TemporaryFolder::listing() const {
-    std::vector<std::string> lines;
-    for (const auto& [path, state] : snapshotOf(_path)) {
-        const auto size = state.isFile() ? fmt::format("{} ", state.size) : "";
-        lines.push_back(fmt::format("{} {:o} {}:{} {}{}", path, state.mode, state.owner, state.group, size,
-                                    state.content));
-    }
-    std::ranges::sort(lines);
-    return lines;
 }
 
 std::string memoryFolder(uint64_t bytes) {

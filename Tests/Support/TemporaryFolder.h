@@ -1,9 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <vector>
+#include "Tests/Support/Usual.h"
 
 namespace tests {
 
@@ -22,17 +19,12 @@ class TemporaryFolder {
     }
 
     /// Makes one item a line, with the folders on the way: "a/folder/", "a/file: content", "a/link ->
-    /// target", "a/pipe |". Space around a line does not count.
-    void make(std::string_view lines) const;
+    /// target". Space before a line does not count.
+    void make(const std::string& lines) const;
     [[nodiscard]] bool exists(std::string_view relative) const;
     [[nodiscard]] std::string content(std::string_view relative) const;
-    /// All below the folder, sorted, one text each: path, type and mode in octal, owner, size, and a file's
-    /// content hash or a link's target.
-    [[nodiscard]] std::vector<std::string> listing() const;
 
   private:
-    void makeOne(std::string_view line) const;
-
     std::string _path;
 };
 

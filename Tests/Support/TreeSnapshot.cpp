@@ -1,17 +1,8 @@
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <functional>
-#include <memory>
-#include <stdexcept>
-#include <string_view>
-#include <system_error>
+#include "Tests/Support/Host.h"
 
 #include <dirent.h>
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <unistd.h>
 
 namespace tests {
 
@@ -109,14 +100,9 @@ TreeSnapshot snapshotOf(const std::string& hostFolder) {
 }
 
 TreeSnapshot withoutBackupNames(const TreeSnapshot& tree) {
-    constexpr std::string_view extension = ".OzvarineBackup";
     TreeSnapshot result;
     for (const auto& [path, state] : tree) {
-        std::string name = path;
-        for (size_t at = 0; (at = name.find(extension)) != std::string::npos;) {
-            name.erase(at, extension.size());
-        }
-        if (!result.emplace(name, state).second) {
+        if (!result.emplace(replaced(path, ".OzvarineBackup", ""), state).second) {
             throw std::runtime_error("two items of one name: " + path);
         }
     }
@@ -126,24 +112,6 @@ TreeSnapshot withoutBackupNames(const TreeSnapshot& tree) {
 std::string describe(const std::string& path, const ItemState& state) {
     return fmt::format("{} {:o} {}:{} {} {}.{:09} {}", path, state.mode, state.owner, state.group, state.size,
                        state.modified.tv_sec, state.modified.tv_nsec, state.content);
-}
-
-std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after) {
-    std::vector<std::string> lines;
-    for (const auto& [path, state] : before) {
-        const auto found = after.find(path);
-        if (found == after.end()) {
-            lines.push_back("gone " + path);
-        } else if (found->second != state) {
-            lines.push_back("changed " + describe(path, state) + " to " + describe(path, found->second));
-        }
-    }
-    for (const auto& [path, state] : after) {
-        if (!before.contains(path)) {
-            lines.push_back("new " + path);
-        }
-    }
-    return lines;
 }
 
 } // namespace tests

@@ -1,11 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <string>
-#include <vector>
-
-#include <sys/stat.h>
+#include "Tests/Support/Usual.h"
 
 namespace tests {
 
@@ -38,7 +33,9 @@ TreeSnapshot snapshotOf(const std::string& hostFolder);
 TreeSnapshot withoutBackupNames(const TreeSnapshot& tree);
 /// One line: path, mode in octal, owner, size, time and content.
 std::string describe(const std::string& path, const ItemState& state);
-/// What became of a tree: lines that begin with "gone", "new" or "changed"; none for no change.
-std::vector<std::string> differences(const TreeSnapshot& before, const TreeSnapshot& after);
+
+/// The items of a tree that a run's log names, by their path below the root without links on the way, in the
+/// log's order. What is no item of the tree, such as a heading, is passed over.
+std::vector<std::string> itemsNamedByLog(std::string_view log, const TreeSnapshot& tree);
 
 } // namespace tests

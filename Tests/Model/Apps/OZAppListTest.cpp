@@ -1,34 +1,17 @@
 #include "Model/Apps/OZAppList.h"
 
-#include "Tests/Support/TemporaryDevice.h"
-
-#include <fmt/format.h>
-#include <gtest/gtest.h>
+#include "Tests/Scenarios/Runner/World.h"
 
 TEST(OZAppListTest, warmingIconsOutlivesTheList) {
-    platform::Array apps;
-    TemporaryDevice files;
+    scenarios::World world{{}};
     for (int index = 0; index < 200; ++index) {
-        const std::string bundle = fmt::format("/apps/system{}.app", index);
-        files.addFile(bundle + "/Main");
-        files.addFile(bundle + "/icon.png");
-        files.addFile(bundle + "/Info.plist",
-                      "<plist><dict><key>CFBundleIconFile</key><string>icon</string></dict></plist>");
-        apps.push_back(platform::Dictionary{{"ApplicationType", "System"},
-                                            {"Path", bundle},
-                                            {"CFBundleExecutable", "Main"},
-                                            {"CFBundleIdentifier", fmt::format("system{}", index)}});
+        world.give(fmt::format("app system system{} Main", index));
     }
-    platform::DeviceFacts facts;
-    facts.applications = apps;
-    auto device =
-        std::make_unique<platform::Device>(platform::FileManager::atRoot(files.hostPath("/")).value(), facts,
-                                           platform::ToolTable({}, files.folder(), files.folder()));
-    auto list = std::make_unique<OZAppList>(*device);
+    auto list = std::make_unique<OZAppList>(world.device());
     const auto last = list->appWithIdentifier("system199");
     list->checkSystemAppIconValidityInBackground();
     list.reset();
-    auto fileManager = device->fileManager();
+    auto fileManager = world.device().fileManager();
     EXPECT_TRUE(last->hasValidIcon(fileManager));
-    device.reset();
+    world.reopen();
 }

@@ -1,25 +1,12 @@
 #pragma once
 
 #include "Platform/Device/DeviceFacts.h"
-#include "Tests/Support/Program.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <set>
-#include <sstream>
-#include <string>
-#include <vector>
-
-#include <fcntl.h>
-#include <fmt/format.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 /// Trees that no test thought of, each of which follows from a number.
 namespace generated {

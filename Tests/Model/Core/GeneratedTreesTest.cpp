@@ -1,38 +1,22 @@
 #include "Model/Core/OZCleanupLogger.h"
 #include "Tests/Model/Core/GeneratedTree.h"
+#include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Support/Engine.h"
-#include "Tests/Support/LogReader.h"
-#include "Tests/Support/Program.h"
-#include "Tests/Support/StandardOutput.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TemporaryFolder.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <regex>
-#include <set>
-#include <sstream>
 
-#include <fcntl.h>
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
+using scenarios::effectsOn;
 using testing::IsEmpty;
-using tests::differences;
 using tests::snapshotOf;
 using tests::TreeSnapshot;
 using namespace generated;
 
 namespace {
-
-uint64_t numberFrom(const char* variable, uint64_t usual) {
-    const char* wanted = std::getenv(variable);
-    return wanted != nullptr ? std::strtoull(wanted, nullptr, 10) : usual;
-}
 
 // What a run may write beside what its steps remove: its log, wherever a link takes it, and one preference
 // file that it edits.
@@ -69,7 +53,7 @@ class Specimen {
             EXPECT_EQ(analyze(), named) << "an analysis after a restore";
         }
         cleanUp(named);
-        EXPECT_THAT(differences(_outsideBefore, snapshotOf(_outside.path())), IsEmpty()) << "outside";
+        EXPECT_THAT(effectsOn(_outsideBefore, snapshotOf(_outside.path())), IsEmpty()) << "outside";
         totals.items += before.size();
         totals.named += named.size();
     }
@@ -92,7 +76,7 @@ class Specimen {
     // Changes nothing, and names each item that it counts.
     std::set<std::string> analyze() {
         run(OZCoreMode::analyze);
-        EXPECT_THAT(differences(before, snapshot()), IsEmpty()) << "an analysis";
+        EXPECT_THAT(effectsOn(before, snapshot()), IsEmpty()) << "an analysis";
         auto tree = before;
         tree["private/var/mobile/Library/Ozvarine"] = {.mode = S_IFDIR};
         tree.merge(snapshotOf(_root));
@@ -106,7 +90,7 @@ class Specimen {
         EXPECT_EQ(filesOf(snapshot()), filesOf(before)) << "files after a test run";
         _core.backup(BackupAction::restore);
         totals.restored += _core.fileCount();
-        EXPECT_THAT(differences(before, snapshot()), IsEmpty()) << "a test run and its restore";
+        EXPECT_THAT(effectsOn(before, snapshot()), IsEmpty()) << "a test run and its restore";
         _core.backup(BackupAction::restore);
         EXPECT_EQ(_core.fileCount(), 0U) << "a second restore";
     }
@@ -132,8 +116,8 @@ class Specimen {
             EXPECT_TRUE(!isGone || named.contains(path) || goesUnnamed(path, state))
                 << "gone in the cleanup and not named by the analysis: " << path;
         }
-        for (const auto& line : differences(before, after)) {
-            EXPECT_TRUE(line.starts_with("gone ")) << line;
+        for (const auto& line : effectsOn(before, after)) {
+            EXPECT_TRUE(line.starts_with("- ")) << line;
         }
     }
 
@@ -166,8 +150,8 @@ TEST(GeneratedTrees, KeepTheEnginesPromises) {
     }
     ::setenv("TMPDIR", tests::memoryFolder().c_str(), 1);
     Totals totals;
-    const uint64_t start = numberFrom("OZ_FIRST_SEED", 1);
-    const uint64_t count = numberFrom("OZ_SEEDS", 150);
+    const uint64_t start = tests::numberFrom("OZ_FIRST_SEED", 1);
+    const uint64_t count = tests::numberFrom("OZ_SEEDS", 150);
     for (uint64_t seed = start; seed < start + count && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Specimen specimen(seed);

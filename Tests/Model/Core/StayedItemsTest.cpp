@@ -1,7 +1,6 @@
 #include "Model/Core/StayedItems.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "Tests/Support/Usual.h"
 
 TEST(StayedItems, AreListedOnceAndWithinBounds) {
     const std::string heading = "\nItems that stayed\n#################\n\n";

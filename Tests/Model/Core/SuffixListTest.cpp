@@ -1,9 +1,6 @@
 #include "Model/Core/SuffixList.h"
 
-#include <algorithm>
-#include <random>
-
-#include <gtest/gtest.h>
+#include "Tests/Support/Usual.h"
 
 namespace {
 

@@ -11,10 +11,7 @@
 #include "Model/Items/Togglable/OZTogglableFile.h"
 #include "Model/Plugins/OZPlugin.h"
 #include "Tests/Support/TemporaryDevice.h"
-
-#include <set>
-
-#include <gtest/gtest.h>
+#include "Tests/Support/Usual.h"
 
 namespace {
 

@@ -4,17 +4,8 @@
 #include "Model/Items/Togglable/OZPreferenceBundleList.h"
 #include "Model/Packages/OZPackageList.h"
 #include "Model/Packages/OZPackageWorkspace.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryDevice.h"
-
-#include <algorithm>
-#include <fstream>
-#include <map>
-#include <set>
-#include <sstream>
-#include <thread>
-
-#include <gmock/gmock.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -105,29 +96,25 @@ TEST(Package, ChainsAndCirclesOfAnyLengthAreWalkedOnce) {
     EXPECT_THROW(OZPackage(device.device(), ""), platform::AssertionFailure);
 }
 
-/// What the installed packages of a status file need, by an own reading of it.
-std::map<std::string, Names> readStatusFile(const fs::path& path) {
+/// What the installed packages of the host need, by an own reading of its status file: a line for each, with
+/// the names that its dependencies hold.
+constexpr const char* needsOfHost = R"(awk -v RS= -F'\n' '{
+    split("", field)
+    for (i = 1; i <= NF; i++) if (match($i, /^[A-Za-z-]+: /)) field[substr($i, 1, RLENGTH)] = substr($i, RLENGTH + 1)
+    if (field["Status: "] !~ / installed$/) next
+    printf "%s", field["Package: "]
+    count = split(field["Pre-Depends: "] "," field["Depends: "], parts, /[,|]/)
+    for (i = 1; i <= count; i++) { sub(/^ +/, "", parts[i]); sub(/[ :(].*/, "", parts[i]); printf " %s", parts[i] }
+    print ""
+}' /var/lib/dpkg/status)";
+
+std::map<std::string, Names> readNeedsOfHost() {
     std::map<std::string, Names> packages;
-    std::map<std::string, std::string> fields;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        if (const size_t colon = line.find(": "); !line.empty()) {
-            if (line[0] != ' ' && colon != std::string::npos) {
-                fields[line.substr(0, colon)] = line.substr(colon + 2);
-            }
-            continue;
-        }
-        if (fields["Status"].ends_with(" installed")) {
-            std::string list = fields["Pre-Depends"] + "," + fields["Depends"];
-            std::ranges::replace(list, '|', ',');
-            std::istringstream parts(list);
-            for (std::string part; std::getline(parts, part, ',');) {
-                std::string name;
-                std::istringstream(part) >> name;
-                packages[fields["Package"]].insert(name.substr(0, name.find(':')));
-            }
-        }
-        fields.clear();
+    std::istringstream lines(tests::shell(needsOfHost).output);
+    for (std::string line, name; std::getline(lines, line);) {
+        std::istringstream words(line);
+        words >> name;
+        packages[name] = {std::istream_iterator<std::string>(words), {}};
     }
     for (auto& [name, needs] : packages) {
         std::erase_if(needs, [&](const auto& need) { return !packages.contains(need); });
@@ -155,7 +142,7 @@ TEST(PackageList, AgreesWithTheStatusFileOfARealSystem) {
         }
     }
     EXPECT_THAT(needs, testing::Not(IsEmpty()));
-    EXPECT_EQ(needs, readStatusFile(status));
+    EXPECT_EQ(needs, readNeedsOfHost());
     std::erase_if(needs, [](const auto& package) { return package.second.empty(); });
     EXPECT_EQ(isNeededBy, needs);
 }

@@ -1,9 +1,8 @@
 #include "Platform/Device/Bundle.h"
 #include "Platform/Device/DeviceNames.h"
+#include "Tests/Support/Usual.h"
 
 #include <regex>
-
-#include <gmock/gmock.h>
 
 namespace {
 

@@ -4,16 +4,7 @@
 #include "Model/Tasks/SeparatedPieces.h"
 #include "Platform/Files/Error.h"
 #include "Tests/Support/TemporaryDevice.h"
-
-#include <chrono>
-#include <csignal>
-#include <fstream>
-#include <thread>
-
-#include <fmt/format.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include "Tests/Support/Usual.h"
 
 namespace {
 

@@ -1,10 +1,5 @@
 #include "Tests/Scenarios/Runner/Effects.h"
 
-#include <algorithm>
-#include <iterator>
-
-#include <fmt/format.h>
-
 namespace scenarios {
 
 using tests::ItemState;

@@ -3,8 +3,6 @@
 #include "Tests/Scenarios/Runner/Text.h"
 #include "Tests/Support/TreeSnapshot.h"
 
-#include <string_view>
-
 namespace scenarios {
 
 /// Whether a path lies below a folder, at any depth.

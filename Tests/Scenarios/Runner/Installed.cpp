@@ -3,25 +3,10 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/World.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
-
 namespace scenarios {
-
-namespace fs = std::filesystem;
 
 using platform::Dictionary;
 using platform::Value;
-
-namespace {
-
-void writeHost(const fs::path& path, std::string_view content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
-
-} // namespace
 
 void World::giveApp(const Words& words) {
     const std::string& identifier = words.at(1);
@@ -84,23 +69,17 @@ void World::givePackage(std::string_view rest) {
         (part.starts_with('/') ? files : fields) += part + "\n";
         rest.remove_prefix(std::min(end + 2, rest.size()));
     }
-    const fs::path package = folder.folder() / "package";
-    fs::remove_all(package);
-    fs::create_directories(package / "DEBIAN");
-    for (const char* place : {"info", "updates"}) {
-        fs::create_directories(folder.hostPath("/var/lib/dpkg") / place);
-    }
-    for (const char* place : {"status", "available"}) {
-        std::ofstream(folder.hostPath("/var/lib/dpkg") / place, std::ios::app);
-    }
-    fs::create_directories(folder.hostPath("/var/log"));
-    writeHost(package / "DEBIAN/control",
-              "Package: " + name + "\nVersion: 1.0\nArchitecture: iphoneos-arm\nMaintainer: a <a@b>\n" +
-                  "Description: test\n" + fields);
+    give(
+        "host mkdir -p Root/var; cd Root/var && mkdir -p log lib/dpkg/info lib/dpkg/updates && cd lib/dpkg &&"
+        " touch status available");
+    // Put together beside the device.
+    const std::string package = "/../package";
+    folder.addFile(package + "/DEBIAN/control",
+                   "Package: " + name + "\nVersion: 1.0\nArchitecture: iphoneos-arm\nMaintainer: a <a@b>\n" +
+                       "Description: test\n" + fields);
     for (const auto& line : linesOf(files)) {
         for (const auto& file : wordsOf(line)) {
-            fs::create_directories((package / file.substr(1)).parent_path());
-            writeHost(package / file.substr(1), file);
+            folder.addFile(package + file, file);
         }
     }
     give("host dpkg-deb --root-owner-group -b package package.deb && dpkg --root=Root --force-architecture"

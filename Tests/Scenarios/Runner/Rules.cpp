@@ -2,11 +2,7 @@
 
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/HostFile.h"
-
-#include <algorithm>
-#include <filesystem>
-#include <stdexcept>
+#include "Tests/Support/Host.h"
 
 #include <unicode/regex.h>
 

@@ -1,17 +1,8 @@
 // A run of cleanup steps, of which its scenario says beforehand what goes.
 
 #include "Model/Core/OZCleanupLogger.h"
-#include "Model/Core/OZCore.h"
 #include "Tests/Scenarios/Runner/Effects.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/LogReader.h"
-#include "Tests/Support/StandardOutput.h"
-
-#include <algorithm>
-#include <filesystem>
-#include <stdexcept>
-
-#include <fmt/format.h>
 
 namespace scenarios {
 
@@ -19,32 +10,22 @@ namespace {
 
 using tests::TreeSnapshot;
 
-enum class Mode { analysis, test, clean };
-
-Mode modeOf(const std::string& word) {
-    for (const auto& [name, mode] :
-         {std::pair("analysis", Mode::analysis), {"test", Mode::test}, {"clean", Mode::clean}}) {
-        if (word == name) {
-            return mode;
-        }
-    }
-    throw std::runtime_error("no mode: " + word);
+/// The path that is said to go and takes this one along; empty where none does.
+std::string topOf(const std::set<std::string>& gone, const std::string& path) {
+    const auto isIn = [&](const auto& item) { return path == item || isBelow(path, item); };
+    const auto top = std::ranges::find_if(gone, isIn);
+    return top == gone.end() ? "" : *top;
 }
 
-/// Where a path is in a tree whose items went, or got their backup names.
-bool isGone(const std::set<std::string>& gone, const std::string& path) {
-    return std::ranges::any_of(gone, [&](const auto& top) { return path == top || isBelow(path, top); });
-}
-
-TreeSnapshot treeAfter(Mode mode, const TreeSnapshot& before, const std::set<std::string>& gone) {
+TreeSnapshot treeAfter(const std::string& mode, const TreeSnapshot& before,
+                       const std::set<std::string>& gone) {
     TreeSnapshot after;
     for (const auto& [path, state] : before) {
-        const auto top =
-            std::ranges::find_if(gone, [&](const auto& item) { return path == item || isBelow(path, item); });
-        if (mode == Mode::analysis || top == gone.end()) {
+        const auto top = topOf(gone, path);
+        if (mode == "analysis" || top.empty()) {
             after[path] = state;
-        } else if (mode == Mode::test) {
-            after[*top + ".OzvarineBackup" + path.substr(top->size())] = state;
+        } else if (mode == "test") {
+            after[top + ".OzvarineBackup" + path.substr(top.size())] = state;
         }
     }
     return after;
@@ -59,70 +40,67 @@ std::string bodyOf(const std::string& log) {
 /// Whether the texts stand in the log one behind the other.
 bool isInOrder(const std::string& log, const Words& texts) {
     size_t at = 0;
-    for (const auto& text : texts) {
+    return std::ranges::all_of(texts, [&](const auto& text) {
         at = log.find(text, at);
-        if (at == std::string::npos) {
-            return false;
-        }
-        at += text.size();
-    }
-    return true;
+        at += at == std::string::npos ? 0 : text.size();
+        return at != std::string::npos;
+    });
 }
 
-/// What a run left behind.
+/// What a run left behind, and what lines of the scenario say of it.
 struct Outcome {
+    World& world;
+    const Lines& expected;
     TreeSnapshot before;
     std::string log;
-    Lines effects;
-    Lines asked;
     uint64_t files = 0;
     uint64_t freed = 0;
+
+    [[nodiscard]] bool says(std::string_view word) const {
+        return std::ranges::any_of(expected, [&](const auto& line) { return line.starts_with(word); });
+    }
 };
 
 /// The log names what goes, and the record counts what the log names, unless a line says something else.
-std::string wrongRecord(const Outcome& outcome, Mode mode, World& world, const Lines& expected) {
-    const auto says = [&](std::string_view word) {
-        return std::ranges::any_of(expected, [&](const auto& line) { return line.starts_with(word); });
-    };
-    std::string wrong;
+std::string wrongRecord(const Outcome& outcome, bool isTest) {
     auto named = tests::itemsNamedByLog(outcome.log, outcome.before);
-    if (!says("count ") && !says("named …") && named.size() != outcome.files) {
-        wrong += fmt::format("the log names {} items, {} are counted\n", named.size(), outcome.files);
+    if (!outcome.says("count ") && !outcome.says("named …") && named.size() != outcome.files) {
+        return fmt::format("the log names {} items, {} are counted\n", named.size(), outcome.files);
     }
-    if (mode != Mode::test && !says("named ")) {
-        // What could not go is listed below the log.
-        const std::string end =
-            outcome.log.substr(std::min(outcome.log.find("\nItems that stayed\n"), outcome.log.size()));
-        std::erase_if(named, [&](const auto& path) { return end.contains(": /" + path + "\n"); });
-        std::ranges::sort(named);
-        named.erase(std::ranges::unique(named).begin(), named.end());
-        Lines wanted;
-        for (const auto& [path, state] : outcome.before) {
-            const auto& gone = world.gone();
-            if ((says("whole") ? gone.contains(path) : isGone(gone, path)) &&
-                !world.unnamed().contains(path)) {
-                wanted.push_back(path);
-            }
+    if (isTest || outcome.says("named ")) {
+        return "";
+    }
+    // What could not go is listed below the log.
+    const size_t end = std::min(outcome.log.find("\nItems that stayed\n"), outcome.log.size());
+    std::erase_if(named, [&](const auto& path) {
+        return outcome.log.find(": /" + path + "\n", end) != std::string::npos;
+    });
+    const std::set<std::string> unique(named.begin(), named.end());
+    const auto& gone = outcome.world.gone();
+    std::set<std::string> wanted;
+    for (const auto& [path, state] : outcome.before) {
+        if ((outcome.says("whole") ? gone.contains(path) : !topOf(gone, path).empty()) &&
+            !outcome.world.unnamed().contains(path)) {
+            wanted.insert(path);
         }
-        wrong += wanted == named ? "" : "named by the log:\n" + difference(wanted, named);
     }
-    return wrong;
+    return wanted == unique ? ""
+                            : "named by the log:\n" +
+                                  difference({wanted.begin(), wanted.end()}, {unique.begin(), unique.end()});
 }
 
 std::string wrongLine(const Outcome& outcome, std::string_view line) {
     const std::string whole(line);
     const std::string kind = takeWord(line);
-    const auto number = [&] { return std::stoull(std::string(line)); };
     const std::string body = bodyOf(outcome.log);
-    const bool holds =
-        kind == "count"   ? number() == outcome.files
-        : kind == "freed" ? number() == outcome.freed
-        : kind == "log"   ? isInOrder(body, wordsOf(line))
-        : kind == "whole" ? true
-        : kind == "nolog" ? !body.contains(wordsOf(line).at(0))
-        : kind == "named"
-            ? line == "…" || wordsOf(line) == tests::itemsNamedByLog(outcome.log, outcome.before)
-            : throw std::runtime_error("unknown: " + whole);
+    const Words words = wordsOf(line);
+    const bool holds = kind == "count"   ? std::stoull(words.at(0)) == outcome.files
+                       : kind == "freed" ? std::stoull(words.at(0)) == outcome.freed
+                       : kind == "log"   ? isInOrder(body, words)
+                       : kind == "nolog" ? !body.contains(words.at(0))
+                       : kind == "named"
+                           ? line == "…" || words == tests::itemsNamedByLog(outcome.log, outcome.before)
+                           : kind == "whole";
     return holds ? ""
                  : fmt::format("not so: {} ({} files, {} bytes, log:\n{})\n", whole, outcome.files,
                                outcome.freed, body);
@@ -131,20 +109,22 @@ std::string wrongLine(const Outcome& outcome, std::string_view line) {
 } // namespace
 
 bool isExpectationOfRun(std::string_view line) {
-    const std::string kind = takeWord(line);
-    return kind == "count" || kind == "freed" || kind == "log" || kind == "nolog" || kind == "named" ||
-           kind == "whole";
+    const std::set<std::string> kinds = {"count", "freed", "log", "nolog", "named", "whole"};
+    return kinds.contains(takeWord(line));
 }
 
-std::string runSteps(World& world, std::string_view words, const Lines& expected) {
-    Words steps = wordsOf(words);
-    const Action action = Actions::named(steps.at(0));
-    Mode mode = Mode::clean;
-    if (steps.size() > 2 && *(steps.end() - 2) == "in") {
-        mode = modeOf(steps.back());
-        steps.resize(steps.size() - 2);
+std::string runSteps(World& world, std::string_view line, const Lines& expected) {
+    Words words = wordsOf(line.substr(4));
+    std::string mode = "clean";
+    if (words.size() > 2 && (words.end()[-2] == "in" || words.back() == "modes")) {
+        mode = words.back() == "modes" ? world.variables["mode"] : words.back();
+        words.resize(words.size() - (words.back() == "modes" ? 3 : 2));
     }
-    for (const auto& step : action == nullptr ? steps : Words{}) {
+    if (mode != "clean" && mode != "test" && mode != "analysis") {
+        throw std::runtime_error("no mode: " + mode);
+    }
+    const bool isOfSteps = std::isupper(words.at(0)[0]) != 0;
+    for (const auto& step : isOfSteps ? words : Words{}) {
         const size_t equals = std::min(step.find('='), step.size());
         world.settings[step.substr(0, equals)] =
             uint64_t{equals < step.size() ? std::stoull(step.substr(equals + 1)) : 1};
@@ -154,52 +134,42 @@ std::string runSteps(World& world, std::string_view words, const Lines& expected
     std::filesystem::create_directories(world.folder.hostPath("/var/mobile/Library"), error);
     OZCore& core = world.builder().core();
     world.takeEffects();
-    Outcome outcome{.before = world.lastTree()};
+    Outcome outcome{.world = world, .expected = expected, .before = world.lastTree()};
     {
         const tests::StandardOutput nowhere("/dev/null");
-        core.choices().setTestMode(mode == Mode::test);
-        const auto analyze = mode == Mode::analysis ? Analyze::yes : Analyze::no;
+        const auto analyze = mode == "analysis" ? Analyze::yes : Analyze::no;
+        core.choices().setTestMode(mode == "test");
         core.clean(&world.settings, analyze);
-        if (action != nullptr) {
+        if (!isOfSteps) {
             core.cleanupLogger()->deleteLogFile();
-            action(world, steps, analyze);
+            perform(world, words, analyze);
         }
     }
     outcome.log = world.folder.contents(OZCleanupLogger::logFilePath);
-    outcome.asked = world.takeJournal();
     outcome.files = core.fileCount();
     outcome.freed = core.freedSpace();
 
     // Lines with marks tell where a run does something else than taking what is said to go.
-    TreeSnapshot wanted = treeAfter(mode, outcome.before, world.gone());
+    const TreeSnapshot wanted = treeAfter(mode, outcome.before, world.gone());
     Lines effects = world.takeOutput();
-    world.takeEffects();
+    const Lines all = world.takeEffects();
     std::ranges::copy(effectsOn(wanted, world.lastTree()), std::back_inserter(effects));
-    for (const auto& line : outcome.asked) {
-        effects.push_back("! " + line);
-    }
+    std::ranges::copy_if(all, std::back_inserter(effects), [](const auto& it) { return it[0] == '!'; });
     Lines marked;
-    std::string wrong;
-    for (const auto& line : expected) {
-        if (line.starts_with('|')) {
-            continue;
-        }
-        isExpectationOfRun(line) ? void(wrong += wrongLine(outcome, line)) : marked.push_back(line);
-    }
-    if (!matches(marked, effects)) {
-        wrong += "beside what goes:\n" + difference(marked, effects);
-    }
-    wrong += wrongRecord(outcome, mode, world, expected);
-    Lines body;
-    for (const auto& line : linesOf(bodyOf(outcome.log))) {
-        body.push_back(line.empty() ? "|" : "| " + escaped(line));
-    }
     Lines wantedBody;
-    std::ranges::copy_if(expected, std::back_inserter(wantedBody),
-                         [](const auto& line) { return line.starts_with('|'); });
-    if (!wantedBody.empty() && !matches(wantedBody, body)) {
-        wrong += "the log:\n" + difference(wantedBody, body);
+    std::string wrong;
+    for (const auto& wish : expected) {
+        isExpectationOfRun(wish) ? void(wrong += wrongLine(outcome, wish))
+                                 : (wish.starts_with('|') ? wantedBody : marked).push_back(wish);
     }
+    wrong += matches(marked, effects) ? "" : "beside what goes:\n" + difference(marked, effects);
+    wrong += wrongRecord(outcome, mode == "test");
+    Lines body;
+    for (const auto& text : linesOf(bodyOf(outcome.log))) {
+        body.push_back(text.empty() ? "|" : "| " + escaped(text));
+    }
+    wrong +=
+        wantedBody.empty() || matches(wantedBody, body) ? "" : "the log:\n" + difference(wantedBody, body);
     world.gone().clear();
     world.settings.clear();
     return wrong;

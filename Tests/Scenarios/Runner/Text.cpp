@@ -1,12 +1,7 @@
 #include "Tests/Scenarios/Runner/Text.h"
 
 #include "Platform/Formats/UTF8.h"
-#include "Tests/Support/HostFile.h"
-
-#include <algorithm>
-#include <stdexcept>
-
-#include <fmt/format.h>
+#include "Tests/Support/Host.h"
 
 namespace scenarios {
 

@@ -1,10 +1,6 @@
 #pragma once
 
-#include <functional>
-#include <map>
-#include <string>
-#include <string_view>
-#include <vector>
+#include "Tests/Support/Usual.h"
 
 namespace scenarios {
 

@@ -1,10 +1,6 @@
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/World.h"
 
-#include <stdexcept>
-
-#include <fmt/format.h>
-
 namespace scenarios {
 
 namespace {
@@ -13,83 +9,47 @@ using platform::Array;
 using platform::Dictionary;
 using platform::Value;
 
-/// Reads one value off the text.
-class Reader {
-  public:
-    explicit Reader(std::string_view text)
-        : _text(text) {}
+/// Takes a mark off the text if it is the next one.
+bool take(std::string_view& text, char mark) {
+    text.remove_prefix(std::min(text.find_first_not_of(" ,"), text.size()));
+    const bool isNext = text.starts_with(mark);
+    text.remove_prefix(isNext ? 1 : 0);
+    return isNext;
+}
 
-    Value value() {
-        skipBlanks();
-        if (take('{')) {
-            Dictionary dictionary;
-            while (!isAtEndOf('}')) {
-                std::string key = quoted();
-                require(':');
-                dictionary[key] = value();
+/// Takes one value off the text.
+Value read(std::string_view& text) {
+    if (take(text, '{')) {
+        Dictionary dictionary;
+        while (!take(text, '}')) {
+            const std::string key = takeWord(text);
+            if (!take(text, ':')) {
+                throw std::runtime_error("no value of " + key);
             }
-            return dictionary;
+            dictionary[key] = read(text);
         }
-        if (take('[')) {
-            Array array;
-            while (!isAtEndOf(']')) {
-                array.push_back(value());
-            }
-            return array;
-        }
-        if (_text.starts_with('"')) {
-            return quoted();
-        }
-        const std::string word(_text.substr(0, std::min(_text.find_first_of(",]} "), _text.size())));
-        _text.remove_prefix(word.size());
-        return ofWord(word);
+        return dictionary;
     }
-
-  private:
-    static Value ofWord(const std::string& word) {
-        if (word == "true" || word == "false") {
-            return word == "true";
+    if (take(text, '[')) {
+        Array array;
+        while (!take(text, ']')) {
+            array.push_back(read(text));
         }
-        if (word.starts_with("data:")) {
-            return platform::Data{unescaped(word.substr(5))};
-        }
-        if (word.starts_with("date:")) {
-            return platform::Date{std::stod(word.substr(5))};
-        }
-        return word.contains('.') ? Value(std::stod(word)) : Value(int64_t{std::stoll(word)});
+        return array;
     }
-
-    void skipBlanks() { _text.remove_prefix(std::min(_text.find_first_not_of(" ,"), _text.size())); }
-    bool take(char mark) {
-        skipBlanks();
-        const bool isThere = _text.starts_with(mark);
-        _text.remove_prefix(isThere ? 1 : 0);
-        return isThere;
+    if (text.starts_with('"')) {
+        return takeWord(text);
     }
-    void require(char mark) {
-        if (!take(mark)) {
-            throw std::runtime_error(fmt::format("no {} before {}", mark, _text));
-        }
-    }
-    bool isAtEndOf(char mark) {
-        if (_text.empty()) {
-            throw std::runtime_error(fmt::format("no {} at the end", mark));
-        }
-        return take(mark);
-    }
-    std::string quoted() {
-        require('"');
-        size_t end = 0;
-        while (end < _text.size() && _text[end] != '"') {
-            end += _text[end] == '\\' ? 2 : 1;
-        }
-        const std::string text = unescaped(_text.substr(0, end));
-        _text.remove_prefix(std::min(end + 1, _text.size()));
-        return text;
-    }
-
-    std::string_view _text;
-};
+    const std::string word(text.substr(0, text.find_first_of(",]} ")));
+    text.remove_prefix(word.size());
+    return word.empty()                ? throw std::runtime_error("no value")
+           : word == "true"            ? Value(true)
+           : word == "false"           ? Value(false)
+           : word.starts_with("data:") ? Value(platform::Data{unescaped(word.substr(5))})
+           : word.starts_with("date:") ? Value(platform::Date{std::stod(word.substr(5))})
+           : word.contains('.')        ? Value(std::stod(word))
+                                       : Value(int64_t{std::stoll(word)});
+}
 
 struct Writer {
     std::string operator()(bool value) const { return value ? "true" : "false"; }
@@ -125,7 +85,7 @@ std::string textOf(const Value& value) {
 }
 
 Value valueOf(std::string_view text) {
-    return Reader(text).value();
+    return read(text);
 }
 
 } // namespace scenarios

@@ -4,19 +4,9 @@
 #include "Platform/Device/DeviceFacts.h"
 #include "Platform/Formats/PropertyList.h"
 #include "Tests/Scenarios/Runner/Effects.h"
-#include "Tests/Support/DemoDevice.h"
-#include "Tests/Support/HostFile.h"
-#include "Tests/Support/Mounts.h"
+#include "Tests/Support/Host.h"
 
-#include <algorithm>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <stdexcept>
-
-#include <fmt/format.h>
 #include <sqlite3.h>
-#include <unistd.h>
 
 namespace scenarios {
 
@@ -30,10 +20,6 @@ using tests::TreeSnapshot;
 
 constexpr std::string_view logFolder = "var/mobile/Library/Ozvarine";
 constexpr const char* usualContent = "12345";
-
-void writeHost(const fs::path& path, std::string_view content) {
-    std::ofstream(path, std::ios::binary) << content;
-}
 
 } // namespace
 
@@ -49,14 +35,9 @@ World::~World() {
     tests::unmountAll();
 }
 
-double World::foundationVersion() const {
-    return platform::valueAt<double>(_facts, "FoundationVersion") == nullptr
-               ? 0
-               : *platform::valueAt<double>(_facts, "FoundationVersion");
-}
-
 bool World::takeConditions(std::string_view& line) const {
     bool holds = true;
+    const double* version = platform::valueAt<double>(_facts, "FoundationVersion");
     while (line.starts_with('[')) {
         const size_t end = line.find(']');
         Words words = wordsOf(expanded(line.substr(1, end - 1), variables));
@@ -68,7 +49,7 @@ bool World::takeConditions(std::string_view& line) const {
             const auto named = platform::systemVersionForProductVersion(words[1]);
             const double bound =
                 named && std::stod(words[1]) < 100 ? named->foundationVersion : std::stod(words[1]);
-            isMet = (foundationVersion() >= bound) == (words[0] == "from");
+            isMet = ((version == nullptr ? 0 : *version) >= bound) == (words[0] == "from");
         } else {
             isMet = std::ranges::any_of(variables, [&](const auto& loop) {
                 return std::ranges::find(words, loop.second) != words.end();
@@ -124,21 +105,13 @@ void World::give(std::string_view line) {
     } else if (kind == "no") {
         _facts.erase(rest());
     } else if (kind == "demo") {
-        fs::remove_all(folder.folder() / "Tools");
-        tests::copyDemoDevice(folder.folder(), rest().empty() ? "11.1.2" : rest());
-        _facts = *platform::parsePropertyList(tests::contentOf(folder.folder() / "Device.plist"))
-                      .value()
-                      .as<Dictionary>();
+        giveDemo(rest().empty() ? "11.1.2" : rest());
     } else if (kind == "app") {
         giveApp(wordsOf(rest()));
     } else if (kind == "takes") {
         const size_t end = std::min(line.find_first_of(" :"), line.size());
-        std::string patterns(line.substr(end));
-        std::ranges::replace(patterns, ':', ' ');
-        for (size_t at = 0; (at = patterns.find("\\n", at)) != std::string::npos;) {
-            patterns.replace(at, 2, " ");
-        }
-        _rules.emplace_back(line.substr(0, end), patterns);
+        const std::string patterns = tests::replaced(std::string(line.substr(end)), ":", " ");
+        _rules.emplace_back(line.substr(0, end), tests::replaced(patterns, "\\n", " "));
     } else if (kind == "gone" && line.starts_with("by ")) {
         giveGoneBy(wordsOf(rest()));
     } else if (kind == "gone" || kind == "kept" || kind == "file") {
@@ -167,6 +140,9 @@ void World::give(std::string_view line) {
             throw std::runtime_error(outcome.output);
         }
     } else if (kind == "readonly" || kind == "memory") {
+        if (!tests::hasOwnMounts()) {
+            throw Skipped("needs mounts of its own");
+        }
         const fs::path place = folder.hostPath(expanded(takeWord(line), variables));
         fs::create_directories(place);
         kind == "memory" ? tests::mountMemory(place, std::stoull(rest())) : tests::makeReadOnly(place);
@@ -178,9 +154,6 @@ void World::give(std::string_view line) {
         for (const auto& text : spread(line)) {
             giveBundle(wordsOf(text), kind == "container");
         }
-    } else if (kind == "set") {
-        const std::string name = takeWord(line);
-        settings[name] = valueOf(rest());
     } else {
         throw std::runtime_error("unknown line: " + kind);
     }
@@ -204,27 +177,22 @@ void World::giveItems(std::string_view rest, bool isGone) {
         // "~9" at the end: so many days old.
         Words words = wordsOf(rest);
         const bool isAged = words.back().starts_with('~');
-        const auto age =
-            std::chrono::minutes(isAged ? std::lround(std::stod(words.back().substr(1)) * 1440) : 0);
+        const auto age = std::chrono::days(isAged ? std::stoi(words.back().substr(1)) : 0);
+        const auto date = fs::file_time_type::clock::now() - age;
         words.resize(words.size() - (isAged ? 1 : 0));
         for (const auto& word : words) {
             for (const auto& path : spread(word)) {
-                if (path.ends_with("/*")) {
-                    markContent(path.substr(0, path.size() - 2));
+                if (!path.ends_with("/*")) {
+                    giveItem(path, usualContent, isGone);
+                    isAged ? fs::last_write_time(folder.hostPath(path), date) : void();
                     continue;
                 }
-                giveItem(path, usualContent, isGone);
-                if (isAged) {
-                    fs::last_write_time(folder.hostPath(path), fs::file_time_type::clock::now() - age);
+                const std::string around = path.substr(1, path.size() - 2);
+                for (const auto& entry : fs::directory_iterator(folder.hostPath("/" + around))) {
+                    _gone.insert(around + entry.path().filename().string());
                 }
             }
         }
-    }
-}
-
-void World::markContent(const std::string& folderPath) {
-    for (const auto& entry : fs::directory_iterator(folder.hostPath(folderPath))) {
-        _gone.insert(folderPath.substr(1) + "/" + entry.path().filename().string());
     }
 }
 
@@ -232,21 +200,34 @@ void World::giveItem(const std::string& path, std::string_view content, bool isG
     if (!path.starts_with('/')) {
         throw std::runtime_error("no path: " + path);
     }
-    const fs::path host = folder.hostPath(path);
-    const bool isFolder = path.ends_with('/');
-    fs::create_directories(host.parent_path());
-    if (!isFolder) {
-        writeHost(host, content);
-    }
+    path.ends_with('/') ? void(fs::create_directories(folder.hostPath(path))) : folder.addFile(path, content);
     if (isGone) {
-        _gone.insert(path.substr(1, path.size() - (isFolder ? 2 : 1)));
+        _gone.insert(path.substr(1, path.find_last_not_of('/')));
     }
+}
+
+// Its dates count back from the day it is made on. Making one takes long, so it is made once a day and build.
+void World::giveDemo(const std::string& version) {
+    give("host version=" + version +
+         R"demo(; bin=$(dirname "$(command -v ozdevice)"); all=$bin/../demo; rm -r Tools
+made="$all/$version $(stat -c %Y "$bin/ozdevice") $(date +%F)"
+if [ ! -d "$made" ]; then
+    mkdir -p "$all" && rm -rf "$all/$version "*
+    new=$(mktemp -d) && ozdevice create "$new/d" --ios $version --files 100 && cp -a "$new/d" "$all/$$" || exit
+    # Another process may have been quicker.
+    mv -T "$all/$$" "$made" || rm -r "$all/$$"
+    rm -r "$new"
+fi
+cp -a "$made/." .)demo");
+    _facts = *platform::parsePropertyList(tests::contentOf(folder.folder() / "Device.plist"))
+                  .value()
+                  .as<Dictionary>();
 }
 
 platform::Device& World::device() {
     if (!_device) {
-        writeHost(folder.folder() / "Device.plist",
-                  platform::serializePropertyList(_facts, platform::PropertyListFormat::binary));
+        std::ofstream(folder.folder() / "Device.plist")
+            << platform::serializePropertyList(_facts, platform::PropertyListFormat::binary);
         auto opened = platform::Device::open(folder.folder());
         if (!opened) {
             throw std::runtime_error(opened.error());
@@ -300,20 +281,13 @@ TreeSnapshot World::tree() const {
     return tree;
 }
 
-Lines World::takeJournal() {
-    const Lines journal = folder.journal();
-    Lines fresh(journal.begin() + static_cast<std::ptrdiff_t>(std::min(_journalLines, journal.size())),
-                journal.end());
-    _journalLines = journal.size();
-    return fresh;
-}
-
 Lines World::takeEffects() {
     const TreeSnapshot now = tree();
     Lines effects = effectsOn(_before, now);
     _before = now;
-    for (const auto& line : takeJournal()) {
-        effects.push_back("! " + line);
+    const Lines journal = folder.journal();
+    for (_journalLines = std::min(_journalLines, journal.size()); _journalLines < journal.size();) {
+        effects.push_back("! " + journal[_journalLines++]);
     }
     return effects;
 }

@@ -4,20 +4,12 @@
 #include "Model/Core/OZCore.h"
 #include "Platform/Device/Device.h"
 #include "Tests/Scenarios/Runner/Text.h"
-#include "Tests/Support/Program.h"
+#include "Tests/Support/Host.h"
 #include "Tests/Support/TemporaryDevice.h"
 #include "Tests/Support/TreeSnapshot.h"
 
 #include <any>
-#include <map>
-#include <memory>
-#include <set>
-#include <stdexcept>
-#include <string>
-#include <string_view>
 #include <typeindex>
-#include <utility>
-#include <vector>
 
 namespace scenarios {
 
@@ -31,8 +23,6 @@ class World {
   public:
     /// What the loops of a scenario have come to, by the name of their variable.
     explicit World(Variables variables);
-    World(const World&) = delete;
-    World& operator=(const World&) = delete;
     ~World();
 
     /// Makes what a line gives; throws std::runtime_error for one that nobody understands.
@@ -60,8 +50,6 @@ class World {
     [[nodiscard]] tests::TreeSnapshot tree() const;
     /// The tree as the last call of `takeEffects` has found it.
     [[nodiscard]] const tests::TreeSnapshot& lastTree() const { return _before; }
-    /// The command lines since the last call.
-    Lines takeJournal();
     /// Device paths that a run is expected to take with all below them; each starts without a "/", as in a
     /// snapshot.
     std::set<std::string>& gone() { return _gone; }
@@ -89,8 +77,7 @@ class World {
   private:
     void giveItems(std::string_view rest, bool isGone);
     void giveItem(const std::string& path, std::string_view content, bool isGone);
-    /// Takes all that is in a folder by now for gone.
-    void markContent(const std::string& folderPath);
+    void giveDemo(const std::string& version);
     void giveApp(const Words& words);
     void giveGoneBy(const Words& steps);
     void giveBundle(const Words& words, bool isContainer);
@@ -99,7 +86,6 @@ class World {
     [[nodiscard]] tests::Outcome host(const std::string& command) const;
     /// The paths of a word, one for each value of the loops over paths that it names.
     [[nodiscard]] Words spread(std::string_view word) const;
-    [[nodiscard]] double foundationVersion() const;
 
     platform::Dictionary _facts;
     std::vector<std::pair<std::string, Words>> _each;
@@ -132,19 +118,12 @@ class Verbs {
     static Verb named(std::string_view name);
 };
 
-/// A run of the engine that is no cleanup, with counters and a log that begin anew. The words after "run" are
-/// its own, its name the first of them.
-using Action = void (*)(World& world, const Words& words, Analyze analyze);
-class Actions {
-  public:
-    Actions(std::initializer_list<std::pair<const char*, Action>> actions);
-    /// Null for a name that nobody knows.
-    static Action named(std::string_view name);
-};
+/// A run of the engine that is no cleanup, with counters and a log that begin anew, by the words after "run".
+void perform(World& world, const Words& words, Analyze analyze);
 
 /// The run of cleanup steps that "run STEP…" asks for, with what its lines expect of it. Gives what is wrong,
 /// empty for nothing.
-std::string runSteps(World& world, std::string_view words, const Lines& expected);
+std::string runSteps(World& world, std::string_view line, const Lines& expected);
 /// What follows "run STEP…" without being a mark.
 [[nodiscard]] bool isExpectationOfRun(std::string_view line);
 

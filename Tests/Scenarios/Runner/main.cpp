@@ -2,18 +2,8 @@
 
 #include "Platform/Files/Error.h"
 #include "Tests/Scenarios/Runner/World.h"
-#include "Tests/Support/Mounts.h"
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iostream>
-#include <stdexcept>
-
-#include <gtest/gtest.h>
 #include <sys/mount.h>
-#include <unistd.h>
 
 namespace scenarios {
 
@@ -24,20 +14,12 @@ namespace fs = std::filesystem;
 constexpr std::string_view marks = "|&!-+~@=";
 
 /// The room of the scenario that runs.
-std::string& room() {
-    static std::string room;
-    return room;
-}
+std::string room;
 
 /// By name and room.
 std::map<std::string, std::map<std::string, Verb>, std::less<>>& verbs() {
     static std::map<std::string, std::map<std::string, Verb>, std::less<>> verbs;
     return verbs;
-}
-
-std::map<std::string, Action, std::less<>>& actions() {
-    static std::map<std::string, Action, std::less<>> actions;
-    return actions;
 }
 
 bool isAction(std::string_view line) {
@@ -49,57 +31,6 @@ bool isExpectation(std::string_view line) {
         line.remove_prefix(std::min(line.find_first_not_of(' ', line.find(']') + 1), line.size()));
     }
     return (!line.empty() && marks.contains(line[0])) || isExpectationOfRun(line);
-}
-
-/// What stands behind an arrow, parted by " | ".
-Lines partsOfArrow(std::string text) {
-    for (size_t at = 0; (at = text.find(" | ", at)) != std::string::npos;) {
-        text.replace(at, 3, "\n");
-    }
-    return linesOf(text);
-}
-
-/// The same as lines of output, or with other marks.
-Lines linesOfArrow(const std::string& text) {
-    Lines lines = partsOfArrow(text + "\n");
-    for (auto& line : lines) {
-        const bool hasMark = line.size() > 1 && marks.contains(line[0]) && line[1] == ' ';
-        line = line.empty() ? "|" : hasMark ? line : "| " + line;
-    }
-    return lines;
-}
-
-/// What has come of actions in place of what their files expect, by file and the numbers of the first line
-/// and of the one behind the last. Only with OZ_SCENARIOS=accept.
-std::map<std::string, std::map<std::pair<size_t, size_t>, Lines>>& accepted() {
-    static std::map<std::string, std::map<std::pair<size_t, size_t>, Lines>> accepted;
-    return accepted;
-}
-
-bool accepts() {
-    const char* wish = std::getenv("OZ_SCENARIOS");
-    return wish != nullptr && std::string_view(wish) == "accept";
-}
-
-void writeAccepted() {
-    for (const auto& [file, places] : accepted()) {
-        std::ifstream stream(file);
-        Lines lines;
-        for (std::string line; std::getline(stream, line);) {
-            lines.push_back(line);
-        }
-        for (auto place = places.rbegin(); place != places.rend(); ++place) {
-            const auto [first, end] = place->first;
-            lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(first),
-                        lines.begin() + static_cast<std::ptrdiff_t>(end));
-            lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(first), place->second.begin(),
-                         place->second.end());
-        }
-        std::ofstream out(file);
-        for (const auto& line : lines) {
-            out << line << "\n";
-        }
-    }
 }
 
 /// The values that a scenario's loops ("for X in a b", and "run … in all modes") go through, each once.
@@ -123,7 +54,7 @@ std::vector<Variables> passesOf(const Scenario& scenario) {
             takeWord(rest);
             texts[name] = rest;
         } else if (text.starts_with("for ")) {
-            Words words = wordsOf(expanded(text, texts));
+            const Words words = wordsOf(expanded(text, texts));
             spread(words.at(1), {words.begin() + 3, words.end()});
         } else if (text.starts_with("run ") && (text + " => ").contains(" in all modes => ") &&
                    !passes[0].contains("mode")) {
@@ -131,6 +62,30 @@ std::vector<Variables> passesOf(const Scenario& scenario) {
         }
     }
     return passes;
+}
+
+/// Says what the verb of a line says. Gives what is wrong with all that came of it; empty for nothing.
+std::string act(World& world, const std::string& line, const Lines& expected) {
+    if (line[0] == '$') {
+        world.shell(line.substr(2));
+    } else {
+        Words words = wordsOf(line);
+        const Verb verb = Verbs::named(words.at(1));
+        words.erase(words.begin(), words.begin() + 2);
+        try {
+            verb(world, words);
+        } catch (const platform::Exception& error) {
+            world.say("throws " + error.name() + ": " + error.what());
+        } catch (const platform::AssertionFailure& error) {
+            world.say(std::string("throws ") + error.what());
+        }
+    }
+    Lines actual = world.takeOutput();
+    std::ranges::copy(world.takeEffects(), std::back_inserter(actual));
+    for (auto& said : actual) {
+        said = tests::replaced(said, world.folder.folder().string(), "DEVICE");
+    }
+    return matches(expected, actual) ? "" : difference(expected, actual);
 }
 
 /// One scenario, from its given lines to its last action, for each value of its loops.
@@ -144,34 +99,30 @@ class ScenarioTest : public testing::Test {
         if (::geteuid() != 0) {
             GTEST_SKIP() << "needs root, or a user namespace that maps it";
         }
-        const auto mounts = [](const Line& line) {
-            return line.text.starts_with("readonly ") || line.text.starts_with("memory ");
-        };
-        if (std::ranges::any_of(_scenario.lines, mounts) && !tests::hasOwnMounts()) {
-            GTEST_SKIP() << "needs mounts of its own";
-        }
-        const auto passes = passesOf(_scenario);
-        for (const auto& pass : passes) {
+        for (const auto& pass : passesOf(_scenario)) {
             std::string name;
             for (const auto& [variable, value] : pass) {
                 name.append(" ").append(variable).append("=").append(value);
             }
             SCOPED_TRACE(_scenario.title + name);
-            _isOnlyPass = passes.size() == 1;
             try {
                 run(pass);
             } catch (const Skipped& reason) {
                 GTEST_SKIP() << reason.what();
             } catch (const std::exception& error) {
-                ADD_FAILURE_AT(_file.c_str(), static_cast<int>(_at + 1)) << error.what();
+                fail(error.what());
             }
         }
     }
 
   private:
+    void fail(const std::string& what) const {
+        ADD_FAILURE_AT(_file.c_str(), static_cast<int>(_at + 1)) << what;
+    }
+
     void run(const Variables& pass) {
         World world(pass);
-        room() = fs::path(_file).parent_path().filename().string();
+        room = fs::path(_file).parent_path().filename().string();
         const auto& lines = _scenario.lines;
         bool hasChanged = true;
         for (size_t place = 0; place < lines.size();) {
@@ -192,87 +143,41 @@ class ScenarioTest : public testing::Test {
                 hasChanged = true;
                 continue;
             }
-            const size_t first = place;
+            const bool isRun = text.starts_with("run ");
+            const size_t arrow = std::min(text.rfind(" => "), text.size());
             Lines expected;
-            for (; place < lines.size() && isExpectation(lines[place].text); ++place) {
-                std::string_view line = lines[place].text;
+            const auto expect = [&](std::string_view line) {
                 if (world.takeConditions(line)) {
                     expected.push_back(expanded(line, world.variables));
                 }
+            };
+            if (arrow < text.size()) {
+                const std::string parts = expanded(text.substr(arrow + 4), world.variables) + "\n";
+                for (const auto& part : linesOf(tests::replaced(parts, " | ", "\n"))) {
+                    const bool hasMark = part.size() > 1 && marks.contains(part[0]) && part[1] == ' ';
+                    isRun ? expect(part)
+                          : expected.push_back(part.empty() ? "|"
+                                               : hasMark    ? part
+                                                            : "| " + part);
+                }
             }
-            if (std::exchange(hasChanged, false) && !text.starts_with("run ")) {
+            for (; place < lines.size() && isExpectation(lines[place].text); ++place) {
+                expect(lines[place].text);
+            }
+            if (std::exchange(hasChanged, false) && !isRun) {
                 world.takeEffects();
             }
-            if (text.starts_with("run ")) {
-                const size_t arrow = std::min(text.find(" => "), text.size());
-                for (const auto& part : partsOfArrow(text.substr(std::min(arrow + 4, text.size())))) {
-                    std::string_view line = part;
-                    if (world.takeConditions(line)) {
-                        expected.push_back(expanded(line, world.variables));
-                    }
-                }
-                std::string words = expanded(text.substr(4, arrow - 4), world.variables);
-                if (words.ends_with(" in all modes")) {
-                    words.replace(words.size() - 9, 9, world.variables["mode"]);
-                }
-                if (const std::string wrong = runSteps(world, words, expected); !wrong.empty()) {
-                    ADD_FAILURE_AT(_file.c_str(), static_cast<int>(_at + 1)) << wrong;
-                }
-            } else {
-                act(world, text, expected, first, place);
+            const std::string line = expanded(text.substr(0, arrow), world.variables);
+            const std::string wrong = isRun ? runSteps(world, line, expected) : act(world, line, expected);
+            if (!wrong.empty()) {
+                fail(text + "\n" + wrong);
             }
-        }
-    }
-
-    void act(World& world, const std::string& text, Lines& expected, size_t first, size_t end) {
-        const size_t arrow = text.rfind(" => ");
-        if (arrow != std::string::npos) {
-            std::ranges::copy(linesOfArrow(expanded(text.substr(arrow + 4), world.variables)),
-                              std::inserter(expected, expected.begin()));
-        }
-        const std::string command = expanded(text.substr(2, arrow - 2), world.variables);
-        if (text[0] == '$') {
-            world.shell(command);
-        } else {
-            speak(world, command);
-        }
-        Lines actual = world.takeOutput();
-        std::ranges::copy(world.takeEffects(), std::back_inserter(actual));
-        for (auto& line : actual) {
-            const std::string place = world.folder.folder().string();
-            for (size_t at = 0; (at = line.find(place, at)) != std::string::npos;) {
-                line.replace(at, place.size(), "DEVICE");
-            }
-        }
-        if (matches(expected, actual)) {
-            return;
-        }
-        if (accepts() && _isOnlyPass && arrow == std::string::npos) {
-            const size_t number = _at + 1;
-            accepted()[_file][{number, number + end - first}] = actual;
-        } else {
-            ADD_FAILURE_AT(_file.c_str(), static_cast<int>(_at + 1)) << text << "\n"
-                                                                     << difference(expected, actual);
-        }
-    }
-
-    static void speak(World& world, const std::string& command) {
-        Words words = wordsOf(command);
-        const Verb verb = Verbs::named(words.at(0));
-        words.erase(words.begin());
-        try {
-            verb(world, words);
-        } catch (const platform::Exception& error) {
-            world.say("throws " + error.name() + ": " + error.what());
-        } catch (const platform::AssertionFailure& error) {
-            world.say(std::string("throws ") + error.what());
         }
     }
 
     std::string _file;
     Scenario _scenario;
     size_t _at = 0;
-    bool _isOnlyPass = true;
 };
 
 std::string nameOf(std::string_view text) {
@@ -289,11 +194,10 @@ std::string nameOf(std::string_view text) {
 }
 
 void registerFile(const fs::path& file) {
-    const std::string suite = nameOf(file.stem().string());
     for (const auto& scenario : scenariosOf(file.string())) {
-        testing::RegisterTest(suite.c_str(), nameOf(scenario.title).c_str(), nullptr, nullptr, file.c_str(),
-                              1,
-                              [=]() -> testing::Test* { return new ScenarioTest(file.string(), scenario); });
+        const auto make = [=]() -> testing::Test* { return new ScenarioTest(file.string(), scenario); };
+        testing::RegisterTest(nameOf(file.stem().string()).c_str(), nameOf(scenario.title).c_str(), nullptr,
+                              nullptr, file.c_str(), 1, make);
     }
 }
 
@@ -306,23 +210,12 @@ Verbs::Verbs(std::initializer_list<std::pair<const char*, Verb>> named, const ch
     }
 }
 
-Actions::Actions(std::initializer_list<std::pair<const char*, Action>> named) {
-    for (const auto& [name, action] : named) {
-        actions()[name] = action;
-    }
-}
-
-Action Actions::named(std::string_view name) {
-    const auto action = actions().find(name);
-    return action == actions().end() ? nullptr : action->second;
-}
-
 Verb Verbs::named(std::string_view name) {
     const auto known = verbs().find(name);
     if (known == verbs().end()) {
         throw std::runtime_error("no verb: " + std::string(name));
     }
-    const auto own = known->second.find(room());
+    const auto own = known->second.find(room);
     if (own == known->second.end() && known->second.size() > 1) {
         throw std::runtime_error("more than one room has the verb " + std::string(name));
     }
@@ -343,15 +236,12 @@ int main(int argc, char** argv) {
     for (const char* display : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
         ::unsetenv(display);
     }
-    std::vector<std::filesystem::path> files;
+    std::set<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(OZ_SCENARIOS)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
-            files.push_back(entry.path());
+            files.insert(entry.path());
         }
     }
-    std::ranges::sort(files);
     std::ranges::for_each(files, scenarios::registerFile);
-    const int status = RUN_ALL_TESTS();
-    scenarios::writeAccepted();
-    return status;
+    return RUN_ALL_TESTS();
 }

@@ -1,20 +1,25 @@
-#include "Tests/Support/Mounts.h"
+#include "Tests/Support/Host.h"
 
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 
 namespace tests {
 
-namespace {
+Outcome shell(const std::string& commandLine) {
+    const std::string setting = "exec 2>&1 </dev/null; unset OZVARINE_DEVICE\n";
+    FILE* const stream = ::popen((setting + commandLine).c_str(), "re");
+    Outcome outcome;
+    char chunk[4096];
+    for (size_t count = 0; (count = std::fread(chunk, 1, sizeof chunk, stream)) > 0;) {
+        outcome.output.append(chunk, count);
+    }
+    const int status = ::pclose(stream);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return outcome;
+}
 
 // The folders that this process has mounted something on.
-std::vector<std::string> mounted;
-
-} // namespace
+static std::vector<std::string> mounted;
 
 bool hasOwnMounts() {
     static const bool has =
