@@ -17,6 +17,7 @@
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
+#include <sqlite3.h>
 
 namespace scenarios {
 
@@ -261,8 +262,13 @@ void chosen(World& world, const Words& words) {
 
 /// The folders that a table of the message database knows, in its order.
 void attachments(World& world, const Words& words) {
+    // A database reads by a file system of its own; SQLite is not to keep it when both are gone.
+    const auto* const others = sqlite3_vfs_find(nullptr)->pNext;
     const auto folders = MessageDatabase(world.device().fileManager(), words.at(0)).attachmentFolders();
     world.say(!folders ? "unreadable" : fmt::format("{}: {}", folders->size(), fmt::join(*folders, " ")));
+    if (sqlite3_vfs_find(nullptr)->pNext != others) {
+        world.say("a file system stays");
+    }
 }
 
 /// All choices as they are.
