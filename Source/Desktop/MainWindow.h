@@ -37,6 +37,10 @@ class MainWindow {
     ImageProvider* _images = new ImageProvider;
     DeviceFlow _flow;
     MemoryPressure _memoryPressure;
+    struct Drawn {
+        DesktopHost& host;
+        ~Drawn() { host.forgetScreens(); }
+    } _drawn{_host};
     // Pages look at all of the above, so they go first.
     QQmlApplicationEngine _engine;
 };

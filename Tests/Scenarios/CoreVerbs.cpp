@@ -8,6 +8,8 @@
 #include "Tests/Scenarios/Verbs.h"
 #include "Tests/Support/Engine.h"
 
+#include <sqlite3.h>
+
 namespace scenarios {
 
 static OZCore& coreOf(World& world) {
@@ -227,8 +229,13 @@ VERB("chosen") {
 
 /// The folders that a table of the message database knows, in its order.
 VERB("attachments") {
+    // A database reads by a file system of its own; SQLite is not to keep it when both are gone.
+    const auto* const others = sqlite3_vfs_find(nullptr)->pNext;
     const auto folders = MessageDatabase(world.device().fileManager(), words.at(0)).attachmentFolders();
     world.say(!folders ? "unreadable" : fmt::format("{}: {}", folders->size(), joined(*folders)));
+    if (sqlite3_vfs_find(nullptr)->pNext != others) {
+        world.say("a file system stays");
+    }
 }
 
 /// All choices as they are.

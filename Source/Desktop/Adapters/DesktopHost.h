@@ -58,6 +58,8 @@ class DesktopHost : public QObject, public Host {
     [[nodiscard]] double screenHeight() const override;
     [[nodiscard]] const ImageSource& imageSource() const override { return _drawings; }
 
+    /// What is drawn of screens goes, before the screens themselves.
+    void forgetScreens() { _adapters.clear(); }
     void showAlert(AlertAdapter& alert);
     void forget(AlertAdapter& alert);
 
