@@ -1,6 +1,7 @@
 #include "Desktop/Desktop.h"
 
 #include "Desktop/MainWindow.h"
+#include "Interface/Screens/Chooser/MountedDevices.h"
 
 #include <QGuiApplication>
 #include <QQuickStyle>
@@ -28,7 +29,10 @@ int ozvarineDesktop(DeviceOpener* opener, int count, char** vector) {
     QGuiApplication application(count, vector);
     QGuiApplication::setApplicationDisplayName("Ozvarine");
     QGuiApplication::setDesktopFileName("ozvarine");
-    MainWindow window(*opener, RecentDevices(RecentDevices::defaultFile()), [] { QGuiApplication::quit(); });
+    MainWindow window(
+        *opener,
+        {.recent = RecentDevices(RecentDevices::defaultFile()), .mounted = [] { return mountedDevices(); }},
+        [] { QGuiApplication::quit(); });
     if (window.show() == nullptr) {
         return EXIT_FAILURE;
     }

@@ -6,9 +6,9 @@
 #include <QQuickWindow>
 #include <QSessionManager>
 
-MainWindow::MainWindow(DeviceOpener& opener, RecentDevices recent, std::function<void()> close)
+MainWindow::MainWindow(DeviceOpener& opener, DeviceFlow::Sources sources, std::function<void()> close)
     : _flow(
-          opener, _queue, _host, std::move(recent),
+          opener, _queue, _host, std::move(sources),
           [this] {
               if (auto* device = _flow.deviceWindow(); device != nullptr) {
                   _host.setNavigator(device->navigator());

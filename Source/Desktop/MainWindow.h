@@ -17,7 +17,7 @@ class QQuickWindow;
 class MainWindow {
   public:
     /// The opener outlives the window; `close` ends the event loop.
-    MainWindow(DeviceOpener& opener, RecentDevices recent, std::function<void()> close);
+    MainWindow(DeviceOpener& opener, DeviceFlow::Sources sources, std::function<void()> close);
 
     /// Shows the window; null where its pages cannot be loaded, which Qt has told.
     QQuickWindow* show();

@@ -65,8 +65,12 @@ WindowDriver::WindowDriver(const std::string& state, std::optional<std::string> 
     : _start(_options) {
     _options.device = std::move(device);
     _options.vector = {"ozvarine"};
-    _main = std::make_unique<MainWindow>(_start, RecentDevices(state + "/devices.plist"),
-                                         [] { QGuiApplication::quit(); });
+    _main = std::make_unique<MainWindow>(
+        _start,
+        DeviceFlow::Sources{.recent = RecentDevices(state + "/devices.plist"),
+                            // What others have mounted is nothing to play with.
+                            .mounted = [] { return std::vector<std::string>(); }},
+        [] { QGuiApplication::quit(); });
     _window = _main->show();
     if (_window == nullptr) {
         throw std::runtime_error("the window cannot be shown");
@@ -135,7 +139,12 @@ void WindowDriver::click(const std::string& name, Filter filter) {
         place = _window->mapFromGlobal(element->rect().center());
         const int covered = element->role() == QAccessible::ListItem ? barHeight : 0;
         if (place.y() >= covered && place.y() < _window->height() - covered) {
-            break;
+            run(0.05);
+            // What has just come may still be moved by its own layout.
+            if (place == _window->mapFromGlobal(await(name, filter)->rect().center())) {
+                break;
+            }
+            continue;
         }
         const QPoint middle(_window->width() / 2, _window->height() / 2);
         QWheelEvent wheel(middle, _window->mapToGlobal(middle), {}, {0, place.y() < 0 ? 120 : -120},

@@ -1,6 +1,5 @@
 #include "Interface/Flow/DeviceFlow.h"
 
-#include "Interface/Screens/Chooser/MountedDevices.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Platform/Device/Device.h"
 #include "Platform/Files/Path.h"
@@ -28,12 +27,12 @@ std::string titleOf(const std::string& folder) {
 
 } // namespace
 
-DeviceFlow::DeviceFlow(DeviceOpener& opener, platform::MainQueue& mainQueue, Host& host, RecentDevices recent,
+DeviceFlow::DeviceFlow(DeviceOpener& opener, platform::MainQueue& mainQueue, Host& host, Sources sources,
                        std::function<void()> changed, std::function<void()> close)
     : _opener(opener)
     , _mainQueue(mainQueue)
     , _host(host)
-    , _recent(std::move(recent))
+    , _sources(std::move(sources))
     , _changed(std::move(changed))
     , _close(std::move(close))
     , _searching(platform::Queue::serial("devices"))
@@ -51,12 +50,12 @@ void DeviceFlow::findChoices() {
     _searching.async([this] {
         auto recent = std::make_shared<std::vector<Choice>>();
         auto mounted = std::make_shared<std::vector<Choice>>();
-        for (const auto& device : _recent.devices()) {
+        for (const auto& device : _sources.recent.devices()) {
             recent->push_back({.folder = device.folder,
                                .title = titleOf(device.folder),
                                .detail = describe(device) + "\n" + device.folder});
         }
-        for (const auto& folder : mountedDevices()) {
+        for (const auto& folder : _sources.mounted()) {
             mounted->push_back({.folder = folder, .title = titleOf(folder), .detail = folder});
         }
         _mainQueue.post([this, recent, mounted] {
@@ -78,7 +77,7 @@ void DeviceFlow::open(const std::string& folder, bool resetSettings) {
         auto outcome =
             std::make_shared<DeviceOpener::Outcome>(_opener.open(folder, _mainQueue, resetSettings));
         if (*outcome) {
-            _recent.noteOpened(folder, (**outcome)->modelBuilder().device().facts().systemVersion);
+            _sources.recent.noteOpened(folder, (**outcome)->modelBuilder().device().facts().systemVersion);
         }
         _mainQueue.post([this, outcome] { opened(*outcome); });
     });
@@ -91,7 +90,7 @@ void DeviceFlow::opened(DeviceOpener::Outcome& outcome) {
     }
     _deviceWindow = std::make_unique<DeviceWindow>(std::move(*outcome), _host, _close);
     _deviceWindow->delegate().setCleanedBlock(
-        [this] { _opening.async([this] { _recent.noteCleaned(_folder, std::time(nullptr)); }); });
+        [this] { _opening.async([this] { _sources.recent.noteCleaned(_folder, std::time(nullptr)); }); });
     set(State::open);
     _deviceWindow->start();
 }

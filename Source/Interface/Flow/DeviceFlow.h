@@ -24,9 +24,16 @@ class DeviceFlow {
     /// What the chooser shows besides the choices.
     enum class State { choosing, opening, makingDemo, open };
 
+    /// Where the chooser's devices come from.
+    struct Sources {
+        RecentDevices recent;
+        /// Folders; called on a thread, since file systems may hang.
+        std::function<std::vector<std::string>()> mounted;
+    };
+
     /// What is given outlives the flow; `changed` is called when what the chooser shows is another, `close`
     /// ends the program.
-    DeviceFlow(DeviceOpener& opener, platform::MainQueue& mainQueue, Host& host, RecentDevices recent,
+    DeviceFlow(DeviceOpener& opener, platform::MainQueue& mainQueue, Host& host, Sources sources,
                std::function<void()> changed, std::function<void()> close);
 
     /// To be called once, when the window stands.
@@ -59,7 +66,7 @@ class DeviceFlow {
     DeviceOpener& _opener;
     platform::MainQueue& _mainQueue;
     Host& _host;
-    RecentDevices _recent;
+    Sources _sources;
     std::function<void()> _changed;
     std::function<void()> _close;
     State _state = State::choosing;
