@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -10,6 +12,7 @@ class Device;
 }
 class Host;
 class Navigator;
+class OZAlertController;
 enum class OZDeviceAction : int;
 class OZLocalizationManager;
 
@@ -26,6 +29,9 @@ struct InterfaceContext {
     std::optional<std::string> lookOnlyReason;
     /// Restarts the interface or the device, without making its caller wait.
     std::function<void(OZDeviceAction action)> performDeviceAction;
+
+    /// The dialogs that are shown; nobody else has to hold them.
+    std::set<std::shared_ptr<OZAlertController>> alertControllers;
 
     /// A text in the user's language.
     [[nodiscard]] std::string text(std::string_view key) const;

@@ -19,11 +19,6 @@ std::string& placeholder() {
     return placeholder;
 }
 
-std::set<OZAlertController::Pointer>& shown() {
-    static std::set<OZAlertController::Pointer> shown;
-    return shown;
-}
-
 } // namespace
 
 OZAlertController::Pointer OZAlertController::make(InterfaceContext& context, std::string title,
@@ -52,10 +47,6 @@ void OZAlertController::setCountdownPlaceholder(std::string text) {
         breakRule("Default countdown placeholder cannot be empty or nil.");
     }
     placeholder() = std::move(text);
-}
-
-const std::set<OZAlertController::Pointer>& OZAlertController::alertControllers() {
-    return shown();
 }
 
 void OZAlertController::addAction(OZAlertAction::Pointer action) {
@@ -133,7 +124,7 @@ void OZAlertController::show(OZViewController* screen, const AlertAnchor& anchor
         breakRule("A valid view controller is required to display an alert with style "
                   "UIAlertControllerStyleActionSheet.");
     }
-    shown().insert(shared_from_this());
+    _context.alertControllers.insert(shared_from_this());
     _concrete->show(screen, anchor, rectangle);
 }
 
@@ -162,7 +153,7 @@ void OZAlertController::concreteControllerDidDismiss() {
     if (_didDismissBlock) {
         _didDismissBlock();
     }
-    shown().erase(alive);
+    _context.alertControllers.erase(alive);
 }
 
 void OZAlertController::startAutoDismissTimer() {

@@ -8,7 +8,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,8 +31,6 @@ class OZAlertController : public std::enable_shared_from_this<OZAlertController>
     /// What stands for the seconds in a message; one for all dialogs. An empty one breaks a rule.
     static const std::string& countdownPlaceholder();
     static void setCountdownPlaceholder(std::string placeholder);
-    /// The dialogs that are shown.
-    static const std::set<Pointer>& alertControllers();
 
     /// At most one destructive action, one cancel action and one that a countdown takes; at most two on a
     /// dialog that has a text field by then.
