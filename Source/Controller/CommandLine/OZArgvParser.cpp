@@ -4,6 +4,7 @@
 #include "Controller/CommandLine/OZCLIController.h"
 #include "Model/Builder/OZModelBuilder.h"
 #include "Model/Core/CleanupSteps.h"
+#include "Model/Core/RespringAfterCleanup.h"
 #include "Model/Items/Togglable/Daemons/OZDaemon.h"
 #include "Model/Items/Togglable/Restore/OZSystemRestore.h"
 #include "Model/Plugins/OZPluginLoader.h"
@@ -134,11 +135,8 @@ bool OZArgvParser::cleanWithAction(OZCleanAction action) {
     return hasLog && (!_options.strict || core.stayedItems().empty());
 }
 
-// What was enabled decides, not what was found.
 bool OZArgvParser::shouldRespring() const {
-    const auto& settings = _modelBuilder.core().choices().cleanupSettings();
-    return CleanupChoices::isOn(settings, cleanupstep::cacheFiles) ||
-           CleanupChoices::isOn(settings, cleanupstep::tempFiles);
+    return shouldRespringAfterCleanup(_modelBuilder.core().choices().cleanupSettings());
 }
 
 void OZArgvParser::respring() {

@@ -19,8 +19,6 @@ constexpr std::string_view languagesToRemove = "languagesToRemove";
 constexpr std::string_view testMode = "testMode";
 } // namespace key
 
-constexpr std::string_view standardFileTypes[] = {"log", "logs", "tmp", "temp"};
-
 // Files without which a device or its applications do not work.
 constexpr std::string_view illegalFileTypes[] = {
     "bin",  "cpio", "dat",   "data", "db", "dmg",     "dylib", "h",   "jpeg", "jpg",
@@ -86,18 +84,6 @@ std::vector<std::string_view> CleanupChoices::cleanupStepKeys(const platform::De
         }
     }
     return keys;
-}
-
-platform::Dictionary CleanupChoices::defaultCleanupSettings(const platform::Device& device) {
-    platform::Dictionary settings;
-    for (const auto key : cleanupStepKeys(device)) {
-        const auto* step = std::ranges::find(cleanupSteps, key, &CleanupStepDescription::key);
-        // Attachments know more than on and off.
-        settings[std::string(key)] = key == cleanupstep::attachments
-                                         ? platform::Value(uint64_t{0})
-                                         : platform::Value(step->byDefault == StepDefault::on);
-    }
-    return settings;
 }
 
 std::vector<std::string_view> CleanupChoices::enabledCleanupStepKeys() const {
@@ -173,10 +159,6 @@ void CleanupChoices::replaceCustomFile(size_t index, const CustomFileRecord& rec
     const auto copy = record;
     removeCustomFile(index);
     insertCustomFile(copy, index);
-}
-
-std::vector<std::string> CleanupChoices::defaultFileTypes() {
-    return {std::begin(standardFileTypes), std::end(standardFileTypes)};
 }
 
 void CleanupChoices::resetFileTypes() {

@@ -2,10 +2,6 @@
 
 #include <tuple>
 
-void registerDefaultSettings(platform::UserDefaults& defaults) {
-    defaults.registerDefaults({{"warningPopups", true}});
-}
-
 void registerObject(platform::UserDefaults& defaults, OZUserDefaultsSync& object) {
     object.registerDefaults();
     object.loadDefaults();

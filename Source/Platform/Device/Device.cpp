@@ -1,6 +1,7 @@
 #include "Platform/Device/Device.h"
 
 #include "Platform/Device/DeviceNames.h"
+#include "Platform/Device/HostRoot.h"
 #include "Platform/Formats/PropertyList.h"
 
 #include <algorithm>
@@ -50,13 +51,6 @@ std::string realPath(const std::string& path) {
     std::string result(resolved);
     ::free(resolved); // NOLINT: realpath allocates this way
     return result;
-}
-
-bool isHostRoot(int folder) {
-    struct stat host = {};
-    struct stat device = {};
-    return ::stat("/", &host) != 0 || ::fstat(folder, &device) != 0 ||
-           (host.st_dev == device.st_dev && host.st_ino == device.st_ino);
 }
 
 std::string explain(const std::string& directory, const std::error_code& error) {

@@ -4,6 +4,7 @@
 #include "Interface/Flow/Navigator.h"
 #include "Model/Core/CleanupSteps.h"
 #include "Model/Core/OZCore.h"
+#include "Model/Core/RespringAfterCleanup.h"
 #include "Platform/Device/Device.h"
 
 #include <algorithm>
@@ -245,7 +246,7 @@ std::string OZCleanupViewController::completionMessage(bool offersRespring) cons
 
 void OZCleanupViewController::showCompletionAlert() {
     const bool offersRespring =
-        _action == OZAction::clean && (isOn(cleanupstep::cacheFiles) || isOn(cleanupstep::tempFiles));
+        _action == OZAction::clean && _cleanupSettings && shouldRespringAfterCleanup(*_cleanupSettings);
     const auto close = [this](OZAlertAction&) {
         if (_exitOnComplete && _application != nullptr) {
             _application->close();
